@@ -1,0 +1,230 @@
+// The records, enumerations and constants of the board interface.
+//
+// Every enumeration that names a number of the board (an input, an output, a port) has the underlying type unsigned
+// int, so that a range test against its upper end also refuses negative numbers. A value whose meaning is known only
+// to the board's firmware has no enumerator: pass it as a number of the enumeration's type, for example
+// ActiveState(1).
+#ifndef SORVANEUSB_TYPES_H
+#define SORVANEUSB_TYPES_H
+
+/// Why the last operation failed; see SorvaneUSB::GetLastError. A board's own status passes through unchanged, so a
+/// program may meet values outside this list.
+enum _usbErrorCode : int {
+    usbErrorNone = 0,               ///< no error
+    usbErrorDataLength = 2,         ///< the length of the data to send is out of range (SPI, SEC)
+    usbErrorPipeNumber = 3,         ///< a pipe number above 7 was asked for (R20s, R35)
+    usbErrorTransfer = 6,           ///< the exchange with the board failed
+    usbErrorLength = 7,             ///< a length is out of range: an R20 answer or payload, or a timeout message
+    usbErrorParameter = 8,          ///< a numeric argument is outside its range
+    usbErrorBaudRate = 10,          ///< the baud rate is not in the port's table
+    usbErrorPortType = 11,          ///< wrong serial port, port type or format for the type (SetConfig)
+    usbErrorRampReel = 16,          ///< the reel of a ramp table is above 2
+    usbErrorNotSupported = 25,      ///< the board lacks the function, or an R20 SRAM address is out of range
+    usbErrorNotSupportedR20s = 26,  ///< an R20s lacks the function
+    usbErrorNullPointer = 30        ///< a pointer that the operation needs is null
+};
+
+/// Inputs 0 to 32. Input n is bit n % 8 of byte n / 8 of the input bytes.
+enum _usbInputBitId : unsigned int {
+    usbInput0,
+    usbInput1,
+    usbInput2,
+    usbInput3,
+    usbInput4,
+    usbInput5,
+    usbInput6,
+    usbInput7,
+    usbInput8,
+    usbInput9,
+    usbInput10,
+    usbInput11,
+    usbInput12,
+    usbInput13,
+    usbInput14,
+    usbInput15,
+    usbInput16,
+    usbInput17,
+    usbInput18,
+    usbInput19,
+    usbInput20,
+    usbInput21,
+    usbInput22,
+    usbInput23,
+    usbInput24,
+    usbInput25,
+    usbInput26,
+    usbInput27,
+    usbInput28,
+    usbInput29,
+    usbInput30,
+    usbInput31,
+    usbInput32,
+    usbInputUnused = 255  ///< an empty entry in the list of recorded inputs
+};
+
+/// Outputs 0 to 37. Output n is bit n % 8 of byte n / 8 of a usbOutput.
+enum _usbOutputBitId : unsigned int {
+    usbOutput0,
+    usbOutput1,
+    usbOutput2,
+    usbOutput3,
+    usbOutput4,
+    usbOutput5,
+    usbOutput6,
+    usbOutput7,
+    usbOutput8,
+    usbOutput9,
+    usbOutput10,
+    usbOutput11,
+    usbOutput12,
+    usbOutput13,
+    usbOutput14,
+    usbOutput15,
+    usbOutput16,
+    usbOutput17,
+    usbOutput18,
+    usbOutput19,
+    usbOutput20,
+    usbOutput21,
+    usbOutput22,
+    usbOutput23,
+    usbOutput24,
+    usbOutput25,
+    usbOutput26,
+    usbOutput27,
+    usbOutput28,
+    usbOutput29,
+    usbOutput30,
+    usbOutput31,
+    usbOutput32,
+    usbOutput33,
+    usbOutput34,
+    usbOutput35,
+    usbOutput36,
+    usbOutput37
+};
+
+/// One byte of an output pattern: byte 0 holds outputs 0 to 7, ... byte 4 outputs 32 to 37.
+enum _usbOutputId : unsigned int { usbOutputByte0, usbOutputByte1, usbOutputByte2, usbOutputByte3, usbOutputByte4 };
+
+/// The board's two serial ports.
+enum _usbSerialPort : unsigned int { usbSerialPort0, usbSerialPort1 };
+
+/// What a serial port is used for; the meaning of each type is the firmware's.
+enum _usbPortType : int { usbPortType0, usbPortType1, usbPortType2, usbPortType3 };
+
+/// Whether the board delivers its four groups of multiplexed inputs.
+enum usbInputMultiplexing : unsigned int { usbInputMultiplexingOff, usbInputMultiplexingOn };
+
+/// The level at which an input counts as active; travels as its low byte.
+enum ActiveState : unsigned int {};
+
+/// State of a hopper. The other values are the firmware's.
+enum ReleaseHopperCoinsStatus : unsigned int {
+    usbHopperActive = 4  ///< the hopper is paying out
+};
+
+/// State of the input recorder; the values are the firmware's.
+enum RecordingStatus : unsigned int {};
+
+/// The board's inputs: input n is bit n % 8 of bits[n / 8]. Inputs 24 to 26 carry the board number.
+struct usbInput {
+    unsigned char bits[5];
+};
+
+/// A set of outputs: output n is bit n % 8 of bits[n / 8]. Bits 6 and 7 of bits[4] name no output.
+struct usbOutput {
+    unsigned char bits[5];
+};
+
+/// The multiplexed inputs as the board delivers them: a lead byte, then four groups of three bytes.
+struct usbMultiplexedInput {
+    unsigned char leadByte;
+    unsigned char groups[4][3];
+};
+
+/// An acceleration or deceleration table of a reel: at most 60 entries, whose meaning is the firmware's.
+struct usbRampTable {
+    unsigned char entryCount;
+    unsigned char entries[60];
+};
+
+/// Status of the three reels; element r of each array belongs to reel r. The meanings are the firmware's.
+struct ReelStatusEx {
+    unsigned short first[3];
+    unsigned short second[3];
+    unsigned char third[3];
+    unsigned char fourth[3];
+};
+
+/// As ReelStatusEx, with the low 8 bits of first and second.
+struct usbReelStatus {
+    unsigned char first[3];
+    unsigned char second[3];
+    unsigned char third[3];
+    unsigned char fourth[3];
+};
+
+/// Line settings of a serial port.
+struct _DCB {
+    unsigned int BaudRate;  ///< port 0: 1200, 2400, 4800, 9600, 19200, 38400, 62500;
+                            ///< port 1: these and 110, 300, 600, 14400, 57600
+    unsigned char Options;  ///< bit 1, and bits 2 and 3 as a number 0 to 3, go to the board; the rest is ignored
+    unsigned char Format;   ///< 1, 2 or 5 (5 only with port type 0); every other value selects the board's format 0
+};
+
+/// A poll slot for a ccTalk peripheral. Each message is a ccTalk frame of message[1] + 5 bytes, at most 25.
+struct CCTalkConfig {
+    unsigned char slot;     ///< 0 to 3
+    unsigned int optionA;   ///< 0 to 3
+    unsigned char optionB;  ///< 0 to 4
+    unsigned char optionC;
+    int timeMs;  ///< milliseconds, sent in units of 10 ms; above 2550 it is replaced by 2550 in this record
+    unsigned char optionD;
+    unsigned char optionE;
+    unsigned char optionF;
+    unsigned char message1[25];
+    unsigned char message2[25];
+};
+
+/// A poll slot for a peripheral whose frames carry a length byte. Each message is lengthExtra + message[lengthIndex]
+/// bytes long, at most 25; the sum is taken modulo 256.
+struct RS232PollConfig {
+    unsigned char slot;     ///< 0 to 3
+    unsigned int optionA;   ///< 0 to 3
+    unsigned char optionB;  ///< 0 to 4
+    unsigned char optionC;
+    int timeMs;  ///< milliseconds, sent in units of 10 ms; above 2550 it is replaced by 2550 in this record
+    unsigned char framing;
+    unsigned char lengthIndex;  ///< index of the length byte within each message, 0 to 24
+    unsigned char lengthExtra;  ///< bytes of a frame besides the counted ones
+    unsigned char spare;        ///< not read
+    unsigned char optionD;
+    unsigned char optionE;
+    unsigned char optionF;
+    unsigned char message1[25];
+    unsigned char message2[25];
+};
+
+/// Description of a serial EEPROM type.
+struct R20EEPROM {
+    unsigned char pageSize;      ///< bytes of a write page
+    unsigned char addressBytes;  ///< address bytes after the bus address: 1 or 2
+    unsigned short maxAddress;   ///< highest byte address: capacity - 1
+    unsigned char busAddress;    ///< 7-bit bus address
+    unsigned char spare;         ///< 0; copied along
+};
+
+/// The EEPROM types that a board can carry.
+const R20EEPROM E24LC01 = {8, 1, 127, 0x50, 0};
+const R20EEPROM E24LC02 = {8, 1, 255, 0x50, 0};
+const R20EEPROM E24LC04 = {16, 1, 511, 0x50, 0};
+const R20EEPROM E24LC08 = {16, 1, 1023, 0x50, 0};
+const R20EEPROM E24LC16 = {16, 1, 2047, 0x50, 0};
+const R20EEPROM E24LC32 = {32, 2, 4095, 0x51, 0};
+const R20EEPROM E24LC64 = {32, 2, 8191, 0x51, 0};
+const R20EEPROM E24LC128 = {64, 2, 16383, 0x51, 0};
+const R20EEPROM E24LC256 = {64, 2, 32767, 0x51, 0};
+const R20EEPROM E24LC512 = {128, 2, 65535, 0x51, 0};
+
+#endif
