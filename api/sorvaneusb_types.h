@@ -24,6 +24,11 @@ enum _usbErrorCode : int {
     usbErrorNullPointer = 30        ///< a pointer that the operation needs is null
 };
 
+/// The most bytes that a board hands over in one answer: the size of a buffer that no single answer can overrun.
+const unsigned long usbLargestAnswer = 256;
+/// The same for an R20, whose answers travel in one 64-byte packet.
+const unsigned long usbLargestAnswerR20 = 62;
+
 /// Inputs 0 to 32. Input n is bit n % 8 of byte n / 8 of the input bytes.
 enum _usbInputBitId : unsigned int {
     usbInput0,
