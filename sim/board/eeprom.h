@@ -1,0 +1,56 @@
+// The serial EEPROM behind the firmware: any of the ten chips.
+//
+// The firmware takes any description and uses it as it stands. A chip acknowledges only on its own bus address and with
+// its own number of address bytes, so with a wrong description every read and write fails; an address beyond its
+// capacity wraps. A write is carried out whole. How the firmware splits it into the chip's pages does not show.
+#ifndef SORVANE_SIM_BOARD_EEPROM_H
+#define SORVANE_SIM_BOARD_EEPROM_H
+
+#include "api/sorvaneusb_types.h"
+#include "sim/board/part.h"
+
+namespace sim
+{
+
+struct EEPROMChip {
+    const char *name;  ///< "24LC256"
+    R20EEPROM description;
+};
+
+/// The ten chips by name.
+extern const EEPROMChip eepromChips[10];
+const EEPROMChip *findEEPROMChip(const char *name);
+
+class EEPROM : public Part
+{
+public:
+    EEPROM() { fit(E24LC256); }
+
+    /// Fits another chip, filled so that no two places look alike.
+    void fit(const R20EEPROM &chip);
+    /// Every byte is 0xFF, as in a new chip.
+    void blank();
+
+    const char *name() const;
+    std::size_t size() const { return memory_.size(); }
+    unsigned char at(std::size_t address) const { return memory_.at(address); }
+    void set(std::size_t address, unsigned char value) { memory_.at(address) = value; }
+    /// What the firmware has been told about the chip.
+    const std::optional<R20EEPROM> &configuration() const { return configuration_; }
+
+    std::optional<Reply> answer(Request request, Payload payload) override;
+    void powerLost() override { configuration_.reset(); }
+
+private:
+    int failure() const;
+    Reply read(Payload payload);
+    Reply write(Payload payload);
+
+    R20EEPROM chip_{};
+    Bytes memory_;
+    std::optional<R20EEPROM> configuration_;
+};
+
+}  // namespace sim
+
+#endif

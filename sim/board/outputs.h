@@ -1,0 +1,55 @@
+// The 38 outputs: two patterns that take turns, a common brightness, and pulses that end by themselves.
+//
+// An output of both patterns is steadily on, one of a single pattern flashes. The lengths of the two periods are the
+// firmware's; here each lasts half a second, the on period first, counted from when the board was built. An output
+// that is switched on and off in the same request ends off.
+#ifndef SORVANE_SIM_BOARD_OUTPUTS_H
+#define SORVANE_SIM_BOARD_OUTPUTS_H
+
+#include "sim/board/part.h"
+#include "sim/board/pattern.h"
+#include "sim/board/timeline.h"
+
+namespace sim
+{
+
+constexpr unsigned int outputCount = 38;
+constexpr Nanoseconds flashPeriod = std::chrono::milliseconds(500);
+constexpr unsigned char fullBrightness = 10;
+
+class Outputs : public Part
+{
+public:
+    explicit Outputs(Timeline &timeline) : timeline_(timeline) {}
+
+    const Pattern &onPattern() const { return onPattern_; }
+    const Pattern &offPattern() const { return offPattern_; }
+    unsigned int brightness() const { return brightness_; }
+    bool inOnPeriod() const;
+
+    /// Whether an output is on at this moment: its flash phase and a pulse that runs are counted in.
+    bool lit(unsigned int output) const;
+    Pattern litNow() const;
+
+    /// Steady on or off, as a request to switch it does; ends nothing that pulses.
+    void drive(unsigned int output, bool on);
+
+    /// For the pulse's time the output is on, or off, whatever the patterns say. See pulsed_outputs.h.
+    void force(unsigned int output, std::optional<bool> level);
+
+    std::optional<Reply> answer(Request request, Payload payload) override;
+    void powerLost() override;
+
+private:
+    void modify(Payload onThenOff);
+
+    Timeline &timeline_;
+    Pattern onPattern_{};
+    Pattern offPattern_{};
+    std::array<std::optional<bool>, outputCount> forced_{};
+    unsigned char brightness_ = fullBrightness;
+};
+
+}  // namespace sim
+
+#endif

@@ -1,0 +1,27 @@
+// A set of outputs or inputs: number n is bit n % 8 of byte n / 8.
+#ifndef SORVANE_SIM_BOARD_PATTERN_H
+#define SORVANE_SIM_BOARD_PATTERN_H
+
+#include <array>
+#include <cstddef>
+
+namespace sim
+{
+
+using Pattern = std::array<unsigned char, 5>;
+
+inline bool holds(const Pattern &pattern, unsigned int number)
+{
+    return number < 8 * pattern.size() && (pattern[number / 8] >> number % 8 & 1) != 0;
+}
+
+inline void put(Pattern &pattern, unsigned int number, bool on)
+{
+    const auto mask = static_cast<unsigned char>(1U << number % 8);
+    unsigned char &byte = pattern.at(number / 8);
+    byte = static_cast<unsigned char>(on ? byte | mask : byte & ~mask);
+}
+
+}  // namespace sim
+
+#endif

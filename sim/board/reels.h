@@ -1,0 +1,52 @@
+// The drive of the three reels.
+//
+// What the settings mean is the firmware's. Here the reel setting is the number of steps of a turn (0: 200), the option
+// and the duty cycle are only kept, a ramp entry is the time of one step in milliseconds, and the last entry of the
+// ramp up is the time of a running step (4 ms without a ramp). Spin mode 1 turns forward by the steps given and 255
+// backward; 2 and 254 turn until they are stopped; 0 ramps down. Bit r of the synchronisation byte lets reel r set its
+// count to 0 whenever the index passes. Status: first is the count, second the steps left (0xFFFF: until stopped),
+// third 0 still, 1 ramping up, 2 running, 3 ramping down, fourth bit 0 synchronised, bit 1 at the index, bit 7 turning
+// backward.
+#ifndef SORVANE_SIM_BOARD_REELS_H
+#define SORVANE_SIM_BOARD_REELS_H
+
+#include "sim/board/part.h"
+#include "sim/board/timeline.h"
+#include "sim/peripherals/reel.h"
+
+#include <array>
+
+namespace sim
+{
+
+class Reels : public Part
+{
+public:
+    explicit Reels(Timeline &timeline) : timeline_(timeline) {}
+
+    /// The reel as it is now.
+    const Reel &at(unsigned int reel);
+    unsigned int configured() const { return configured_; }
+    unsigned char option() const { return option_; }
+    const std::array<unsigned char, 3> &dutyCycle() const { return dutyCycle_; }
+    Bytes status();
+
+    std::optional<Reply> answer(Request request, Payload payload) override;
+    void powerLost() override;
+
+private:
+    void configure(Payload payload);
+    Reply spin(Payload payload);
+    Reply ramp(bool up, Payload payload);
+    void runUntilNow();
+
+    Timeline &timeline_;
+    std::array<Reel, 3> reels_{Reel(37), Reel(91), Reel(140)};
+    unsigned char configured_ = 0;
+    unsigned char option_ = 0;
+    std::array<unsigned char, 3> dutyCycle_{};
+};
+
+}  // namespace sim
+
+#endif

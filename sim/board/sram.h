@@ -1,0 +1,48 @@
+// The board's battery-backed memory: 64 KiB flat on an R20, 33 or 65 pages of 16 KiB on an R20s or R35, of which pages
+// 13 to 15 hold the firmware.
+//
+// The firmware region of an R20s or R35 can be written during a download only; the boards' own protection is not known.
+#ifndef SORVANE_SIM_BOARD_SRAM_H
+#define SORVANE_SIM_BOARD_SRAM_H
+
+#include "sim/board/firmware.h"
+
+namespace sim
+{
+
+constexpr std::size_t sramPageSize = 0x4000;
+constexpr unsigned int firstFirmwarePage = 13;
+constexpr unsigned int lastFirmwarePage = 15;
+
+class SRAM : public Part
+{
+public:
+    SRAM(Model model, Firmware &firmware);
+
+    std::size_t size() const { return memory_.size(); }
+    /// Physical addresses: page * 0x4000 + offset. One past the end throws std::out_of_range.
+    unsigned char at(std::size_t address) const { return memory_.at(address); }
+    void set(std::size_t address, unsigned char value) { memory_.at(address) = value; }
+    /// Every byte outside the firmware is lost, as without a battery.
+    void forget();
+
+    std::optional<Reply> answer(Request request, Payload payload) override;
+
+private:
+    struct Range {
+        std::size_t address;
+        std::size_t length;
+        bool inFirmware;
+    };
+
+    Reply read(const Range &range, std::size_t most);
+    Reply write(const Range &range, Payload data);
+    std::optional<Range> bankedRange(Payload payload) const;
+
+    Firmware &firmware_;
+    Bytes memory_;
+};
+
+}  // namespace sim
+
+#endif

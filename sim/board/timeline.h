@@ -1,0 +1,47 @@
+// What is going to happen on a board, in order. A part schedules an action; settle() carries out everything that has
+// become due, each at its own time, so that it does not matter how seldom somebody looks.
+#ifndef SORVANE_SIM_BOARD_TIMELINE_H
+#define SORVANE_SIM_BOARD_TIMELINE_H
+
+#include "sim/board/clock.h"
+
+#include <functional>
+#include <map>
+
+namespace sim
+{
+
+class Timeline
+{
+public:
+    explicit Timeline(Clock &clock) : clock_(&clock), now_(clock.now()) {}
+    Timeline(const Timeline &) = delete;
+    Timeline &operator=(const Timeline &) = delete;
+
+    /// The time of the action that is being carried out; between two settles, the time of the last one.
+    Nanoseconds now() const { return now_; }
+    Clock &clock() const { return *clock_; }
+
+    /// The action happens at a time, at once if that is past; owner is only for cancel().
+    void at(Nanoseconds when, const void *owner, std::function<void()> action);
+    void after(Nanoseconds delay, const void *owner, std::function<void()> action);
+    void cancel(const void *owner);
+
+    /// Carries out what is due. From inside an action it does nothing.
+    void settle();
+
+private:
+    struct Action {
+        const void *owner;
+        std::function<void()> run;
+    };
+
+    Clock *clock_;
+    Nanoseconds now_;
+    std::multimap<Nanoseconds, Action> actions_;
+    bool settling_ = false;
+};
+
+}  // namespace sim
+
+#endif

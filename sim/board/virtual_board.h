@@ -1,0 +1,170 @@
+// A board as it behaves behind its driver.
+//
+//     ManualClock clock;
+//     VirtualBoard board(Model::R35, clock);
+//     board.highSpeed().boardNumber(3).eeprom(E24LC64).firmwareRunning();
+//     board.inputs().set(3, true);
+//
+// A board may be driven from several threads by whoever holds lock(); the driver (sim/driver/driver.h) takes it by
+// itself, everything here leaves it to the caller. Every accessor first lets happen what is due by the board's clock; a
+// reference that is kept longer shows the state of the last such moment.
+#ifndef SORVANE_SIM_BOARD_VIRTUAL_BOARD_H
+#define SORVANE_SIM_BOARD_VIRTUAL_BOARD_H
+
+#include "sim/board/diagnostics.h"
+#include "sim/board/eeprom.h"
+#include "sim/board/faults.h"
+#include "sim/board/hoppers.h"
+#include "sim/board/identity.h"
+#include "sim/board/pulsed_inputs.h"
+#include "sim/board/pulsed_outputs.h"
+#include "sim/board/random_generator.h"
+#include "sim/board/recorder.h"
+#include "sim/board/reels.h"
+#include "sim/board/security_switches.h"
+#include "sim/board/serial_port.h"
+#include "sim/board/spi.h"
+#include "sim/board/state.h"
+
+#include <mutex>
+
+namespace sim
+{
+
+struct Answer {
+    int status = 0;
+    Bytes bytes;
+};
+
+/// An exchange that the board has worked out but not carried out: the driver first makes sure that it can be delivered.
+struct PendingExchange {
+    Exchange exchange;                         ///< as the caller is going to see it
+    int ioctlResult = 0;                       ///< not 0: what the driver call returns instead of an answer
+    bool reachesBoard = true;                  ///< false: a fault or a pulled plug keeps it from the board
+    unsigned char echo = 0;                    ///< R20: the request code that comes back
+    std::optional<std::uint32_t> packetCount;  ///< R20: the received count when it is a lie
+    bool unplugs = false;
+    std::function<void()> delivered;
+};
+
+class VirtualBoard
+{
+public:
+    VirtualBoard(Model model, Clock &clock);
+    VirtualBoard(const VirtualBoard &) = delete;
+    VirtualBoard &operator=(const VirtualBoard &) = delete;
+
+    // What is set before the first exchange; each returns the board.
+    VirtualBoard &highSpeed();
+    VirtualBoard &fullSpeed();
+    VirtualBoard &boardNumber(unsigned int number);
+    VirtualBoard &eeprom(const R20EEPROM &chip);
+    VirtualBoard &firmwareRunning();
+    VirtualBoard &hopper(unsigned int input, unsigned int stock);
+    VirtualBoard &serialPeripheral(unsigned int port, std::unique_ptr<SerialPeripheral> peripheral);
+
+    Model model() const { return model_; }
+    bool isHighSpeed() const { return highSpeed_; }
+
+    Inputs &inputs() { return settled(inputs_); }
+    Outputs &outputs() { return settled(outputs_); }
+    PulsedOutputs &pulsedOutputs() { return settled(pulsedOutputs_); }
+    PulsedInputs &pulsedInputs() { return settled(pulsedInputs_); }
+    Hoppers &hoppers() { return settled(hoppers_); }
+    Reels &reels() { return settled(reels_); }
+    SerialPort &serialPort(unsigned int port) { return settled(*serialPorts_.at(port)); }
+    EEPROM &eeprom() { return eeprom_; }
+    SRAM &sram() { return settled(sram_); }
+    Firmware &firmware() { return firmware_; }
+    Recorder &recorder() { return settled(recorder_); }
+    Diagnostics &diagnostics() { return diagnostics_; }
+    SPI &spi() { return spi_; }
+    RealTimeClock &clock() { return settled(clock_); }
+    Battery &battery() { return settled(battery_); }
+    SecuritySwitches &switches() { return settled(switches_); }
+    RandomGenerator &random() { return random_; }
+    Identity &identity() { return identity_; }
+    Faults &faults() { return faults_; }
+    Timeline &timeline() { return timeline_; }
+
+    /// One exchange as the driver asks for it: code, pipe 1 to 7, payload. Faults of the driver call itself show in
+    /// sim/driver/driver.h only; here such an exchange answers status -1.
+    Answer exchange(unsigned char request, int pipe, const unsigned char *payload, std::size_t length);
+
+    /// The same in two steps, with the lock held over both. Until complete() nothing has happened, not even in the
+    /// trace and to the faults. The payload stays alive until then.
+    PendingExchange prepare(unsigned char request, int pipe, Payload payload);
+    void complete(PendingExchange &pending);
+
+    /// The exchanges that reached the board, the oldest first; the last 4096.
+    const std::deque<Exchange> &exchanges() const { return exchanges_; }
+    void clearExchanges() { exchanges_.clear(); }
+    std::uint64_t exchangeCount() const { return exchangeCount_; }
+
+    /// Scripts one of the next answers, whatever is asked: status 0 and these bytes.
+    void answerNext(Bytes bytes) { faults_.add(Fault::answer(std::move(bytes))); }
+
+    /// A coin of this number is thrown in: into the ccTalk acceptor if one hangs on a serial port, otherwise a pulse on
+    /// the input of that number. False when the acceptor rejects it.
+    bool insertCoin(unsigned int coin);
+
+    void plug();
+    void unplug();
+    bool plugged() const { return plugged_; }
+    void powerCycle();
+    /// How often it has been plugged; a descriptor of an earlier plug stays dead.
+    std::uint64_t generation() const { return generation_; }
+
+    BoardState state();
+
+    /// Guards the board.
+    [[nodiscard]] std::unique_lock<std::mutex> lock() { return std::unique_lock(mutex_); }
+    /// Held by the driver over a whole exchange, a slow one's waiting included, so that callers take turns while
+    /// lock() stays free; always taken before it.
+    [[nodiscard]] std::unique_lock<std::mutex> turn() { return std::unique_lock(turn_); }
+
+private:
+    template <class Kind>
+    Kind &settled(Kind &part)
+    {
+        timeline_.settle();
+        return part;
+    }
+    std::vector<Part *> partsOf(int pipe);
+    std::vector<Part *> parts();
+    Reply answerOf(unsigned char code, int pipe, Payload payload);
+    static void applyFault(const Fault &fault, PendingExchange &pending);
+
+    Model model_;
+    bool highSpeed_ = false;
+    bool plugged_ = true;
+    std::uint64_t generation_ = 1;
+    std::mutex mutex_;
+    std::mutex turn_;
+    Timeline timeline_;
+    Firmware firmware_;
+    SRAM sram_;
+    Inputs inputs_;
+    Outputs outputs_;
+    PulsedOutputs pulsedOutputs_;
+    PulsedInputs pulsedInputs_;
+    Hoppers hoppers_;
+    Reels reels_;
+    Recorder recorder_;
+    Diagnostics diagnostics_;
+    EEPROM eeprom_;
+    SPI spi_;
+    Battery battery_;
+    RealTimeClock clock_;
+    SecuritySwitches switches_;
+    RandomGenerator random_;
+    Identity identity_;
+    std::array<std::unique_ptr<SerialPort>, 2> serialPorts_;
+    Faults faults_;
+    std::deque<Exchange> exchanges_;
+    std::uint64_t exchangeCount_ = 0;
+};
+
+}  // namespace sim
+
+#endif
