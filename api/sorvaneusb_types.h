@@ -7,29 +7,31 @@
 #ifndef SORVANEUSB_TYPES_H
 #define SORVANEUSB_TYPES_H
 
-/// Why the last operation failed; see SorvaneUSB::GetLastError. A board's own status passes through unchanged, so a
-/// program may meet values outside this list.
+/// Why the last operation failed; see SorvaneUSB::GetLastError. A board's or driver's own status passes through
+/// unchanged, so a program may meet values outside this list, and one of the list with the board's meaning.
 enum _usbErrorCode : int {
-    usbErrorNone = 0,               ///< no error
-    usbErrorDataLength = 2,         ///< the length of the data to send is out of range (SPI, SEC)
-    usbErrorPipeNumber = 3,         ///< a pipe number above 7 was asked for (R20s, R35)
-    usbErrorTransfer = 6,           ///< the exchange with the board failed
-    usbErrorLength = 7,             ///< a length is out of range: an R20 answer or payload, or a timeout message
-    usbErrorParameter = 8,          ///< a numeric argument is outside its range
-    usbErrorBaudRate = 10,          ///< the baud rate is not in the port's table
-    usbErrorPortType = 11,          ///< wrong serial port, port type or format for the type (SetConfig)
-    usbErrorRampReel = 16,          ///< the reel of a ramp table is above 2
-    usbErrorNotSupported = 25,      ///< the board lacks the function, or an R20 SRAM address is out of range
+    usbErrorNone = 0,           ///< no error
+    usbErrorDataLength = 2,     ///< the length of the data to send is out of range (SPI, SEC)
+    usbErrorPipeNumber = 3,     ///< a pipe number above 7 was asked for (R20s, R35)
+    usbErrorTransfer = 6,       ///< the exchange with the board failed, or a read was answered without data
+    usbErrorLength = 7,         ///< a length is out of range: an R20 answer or payload, a timeout message, a capacity
+    usbErrorParameter = 8,      ///< a numeric argument is outside its range
+    usbErrorBaudRate = 10,      ///< the baud rate is not in the port's table
+    usbErrorPortType = 11,      ///< wrong serial port, port type or format for the type (SetConfig)
+    usbErrorRampReel = 16,      ///< the reel of a ramp table is above 2
+    usbErrorNotSupported = 25,  ///< the board lacks the function, or an R20 SRAM address is out of range
     usbErrorNotSupportedR20s = 26,  ///< an R20s lacks the function
     usbErrorNullPointer = 30        ///< a pointer that the operation needs is null
 };
 
-/// The most bytes that a board hands over in one answer: the size of a buffer that no single answer can overrun.
+/// The most bytes that a board hands over in one answer: the size of a buffer for one. Operations that receive several
+/// answers (Receive, Receive9BitData, ReceivePolledMessage) need more; see their forms with a capacity.
 const unsigned long usbLargestAnswer = 256;
 /// The same for an R20, whose answers travel in one 64-byte packet.
 const unsigned long usbLargestAnswerR20 = 62;
 
-/// Inputs 0 to 32. Input n is bit n % 8 of byte n / 8 of the input bytes.
+/// Inputs 0 to 32. Input n is bit n % 8 of byte n / 8 of the input bytes. Counters, hopper states and the recorder take
+/// 0 to 23 only.
 enum _usbInputBitId : unsigned int {
     usbInput0,
     usbInput1,
@@ -67,7 +69,7 @@ enum _usbInputBitId : unsigned int {
     usbInputUnused = 255  ///< an empty entry in the list of recorded inputs
 };
 
-/// Outputs 0 to 37. Output n is bit n % 8 of byte n / 8 of a usbOutput.
+/// Outputs 0 to 37. Output n is bit n % 8 of byte n / 8 of a usbOutput. Only 0 to 31 can be pulsed.
 enum _usbOutputBitId : unsigned int {
     usbOutput0,
     usbOutput1,
@@ -121,48 +123,50 @@ enum _usbPortType : int { usbPortType0, usbPortType1, usbPortType2, usbPortType3
 /// Whether the board delivers its four groups of multiplexed inputs.
 enum usbInputMultiplexing : unsigned int { usbInputMultiplexingOff, usbInputMultiplexingOn };
 
-/// The level at which an input counts as active; travels as its low byte.
+/// The level at which an input counts as active: 0 to 255, whose meaning is the firmware's; travels as its low byte.
 enum ActiveState : unsigned int {};
 
-/// State of a hopper. The other values are the firmware's.
+/// State of a hopper, 0 to 255. The values without a name are the firmware's.
 enum ReleaseHopperCoinsStatus : unsigned int {
     usbHopperActive = 4  ///< the hopper is paying out
 };
 
-/// State of the input recorder; the values are the firmware's.
+/// State of the input recorder, 0 to 255; the values are the firmware's.
 enum RecordingStatus : unsigned int {};
 
-/// The board's inputs: input n is bit n % 8 of bits[n / 8]. Inputs 24 to 26 carry the board number.
+/// The board's inputs, 5 bytes: input n is bit n % 8 of bits[n / 8]. Inputs 24 to 26 carry the board number. The bits
+/// of bits[4] above bit 0 name no input and come as the board sends them.
 struct usbInput {
     unsigned char bits[5];
 };
 
-/// A set of outputs: output n is bit n % 8 of bits[n / 8]. Bits 6 and 7 of bits[4] name no output.
+/// A set of outputs, 5 bytes: output n is bit n % 8 of bits[n / 8]. Bits 6 and 7 of bits[4] name no output; they are
+/// sent as given.
 struct usbOutput {
     unsigned char bits[5];
 };
 
-/// The multiplexed inputs as the board delivers them: a lead byte, then four groups of three bytes.
+/// The multiplexed inputs as the board delivers them, 13 bytes. The meanings are the firmware's.
 struct usbMultiplexedInput {
     unsigned char leadByte;
-    unsigned char groups[4][3];
+    unsigned char groups[4][3];  ///< four groups of three bytes
 };
 
-/// An acceleration or deceleration table of a reel: at most 60 entries, whose meaning is the firmware's.
+/// An acceleration or deceleration table of a reel, 61 bytes. The meaning of an entry is the firmware's.
 struct usbRampTable {
-    unsigned char entryCount;
-    unsigned char entries[60];
+    unsigned char entryCount;   ///< entries that are sent: 0 to 60
+    unsigned char entries[60];  ///< 0 to 255 each; those from entryCount on are not read
 };
 
-/// Status of the three reels; element r of each array belongs to reel r. The meanings are the firmware's.
+/// Status of the three reels, 18 bytes; element r of each array belongs to reel r. The meanings are the firmware's.
 struct ReelStatusEx {
-    unsigned short first[3];
-    unsigned short second[3];
-    unsigned char third[3];
-    unsigned char fourth[3];
+    unsigned short first[3];   ///< 0 to 65535
+    unsigned short second[3];  ///< 0 to 65535
+    unsigned char third[3];    ///< 0 to 255
+    unsigned char fourth[3];   ///< 0 to 255
 };
 
-/// As ReelStatusEx, with the low 8 bits of first and second.
+/// As ReelStatusEx in 12 bytes, with the low 8 bits of first and second: a value above 255 shows only its remainder.
 struct usbReelStatus {
     unsigned char first[3];
     unsigned char second[3];
@@ -170,57 +174,62 @@ struct usbReelStatus {
     unsigned char fourth[3];
 };
 
-/// Line settings of a serial port.
+/// Line settings of a serial port, 8 bytes. The meanings of Options and Format are the firmware's.
 struct _DCB {
-    unsigned int BaudRate;  ///< port 0: 1200, 2400, 4800, 9600, 19200, 38400, 62500;
+    unsigned int BaudRate;  ///< bit/s; port 0: 1200, 2400, 4800, 9600, 19200, 38400, 62500;
                             ///< port 1: these and 110, 300, 600, 14400, 57600
     unsigned char Options;  ///< bit 1, and bits 2 and 3 as a number 0 to 3, go to the board; the rest is ignored
     unsigned char Format;   ///< 1, 2 or 5 (5 only with port type 0); every other value selects the board's format 0
 };
 
-/// A poll slot for a ccTalk peripheral. Each message is a ccTalk frame of message[1] + 5 bytes, at most 25.
+/// A poll slot for a ccTalk peripheral, 72 bytes. Each message is a whole ccTalk frame: destination, number of data
+/// bytes, source, header, data, checksum; nothing is computed for the caller. message[1] + 5 bytes of it are sent, at
+/// most 25, so 0 to 20 data bytes. The sum is taken modulo 256: a number of 251 to 255 is no error, it sends 0 to 4
+/// bytes. The meaning of the options and of the time is the firmware's.
 struct CCTalkConfig {
     unsigned char slot;     ///< 0 to 3
     unsigned int optionA;   ///< 0 to 3
     unsigned char optionB;  ///< 0 to 4
-    unsigned char optionC;
-    int timeMs;  ///< milliseconds, sent in units of 10 ms; above 2550 it is replaced by 2550 in this record
-    unsigned char optionD;
-    unsigned char optionE;
-    unsigned char optionF;
-    unsigned char message1[25];
-    unsigned char message2[25];
+    unsigned char optionC;  ///< 0 to 255
+    int timeMs;  ///< milliseconds, 0 to 2550, sent in units of 10 ms, rounded down; above 2550 it is replaced
+                 ///< by 2550 in this record, below 0 the low byte of timeMs / 10 is sent
+    unsigned char optionD;       ///< 0 to 255
+    unsigned char optionE;       ///< 0 to 255
+    unsigned char optionF;       ///< 0 to 255
+    unsigned char message1[25];  ///< first frame
+    unsigned char message2[25];  ///< second frame
 };
 
-/// A poll slot for a peripheral whose frames carry a length byte. Each message is lengthExtra + message[lengthIndex]
-/// bytes long, at most 25; the sum is taken modulo 256.
+/// A poll slot for a peripheral whose frames carry a length byte, 76 bytes. Each message is lengthExtra +
+/// message[lengthIndex] bytes long, at most 25; the sum is taken modulo 256, so one above 255 is no error if its
+/// remainder is 25 or less. The meaning of the options, of the framing and of the time is the firmware's.
 struct RS232PollConfig {
-    unsigned char slot;     ///< 0 to 3
-    unsigned int optionA;   ///< 0 to 3
-    unsigned char optionB;  ///< 0 to 4
-    unsigned char optionC;
-    int timeMs;  ///< milliseconds, sent in units of 10 ms; above 2550 it is replaced by 2550 in this record
-    unsigned char framing;
-    unsigned char lengthIndex;  ///< index of the length byte within each message, 0 to 24
-    unsigned char lengthExtra;  ///< bytes of a frame besides the counted ones
-    unsigned char spare;        ///< not read
-    unsigned char optionD;
-    unsigned char optionE;
-    unsigned char optionF;
-    unsigned char message1[25];
-    unsigned char message2[25];
+    unsigned char slot;          ///< 0 to 3
+    unsigned int optionA;        ///< 0 to 3
+    unsigned char optionB;       ///< 0 to 4
+    unsigned char optionC;       ///< 0 to 255
+    int timeMs;                  ///< as in CCTalkConfig
+    unsigned char framing;       ///< 0 to 255
+    unsigned char lengthIndex;   ///< index of the length byte within each message, 0 to 24
+    unsigned char lengthExtra;   ///< bytes of a frame besides the counted ones
+    unsigned char spare;         ///< not read
+    unsigned char optionD;       ///< 0 to 255
+    unsigned char optionE;       ///< 0 to 255
+    unsigned char optionF;       ///< 0 to 255
+    unsigned char message1[25];  ///< first message
+    unsigned char message2[25];  ///< second message
 };
 
-/// Description of a serial EEPROM type.
+/// Description of a serial EEPROM type, 6 bytes.
 struct R20EEPROM {
     unsigned char pageSize;      ///< bytes of a write page
     unsigned char addressBytes;  ///< address bytes after the bus address: 1 or 2
-    unsigned short maxAddress;   ///< highest byte address: capacity - 1
+    unsigned short maxAddress;   ///< highest byte address, capacity - 1; the bound of ReadEEPROM and WriteEEPROM
     unsigned char busAddress;    ///< 7-bit bus address
     unsigned char spare;         ///< 0; copied along
 };
 
-/// The EEPROM types that a board can carry.
+/// The EEPROM types that a board can carry, 128 bytes (E24LC01) to 64 KiB (E24LC512).
 const R20EEPROM E24LC01 = {8, 1, 127, 0x50, 0};
 const R20EEPROM E24LC02 = {8, 1, 255, 0x50, 0};
 const R20EEPROM E24LC04 = {16, 1, 511, 0x50, 0};

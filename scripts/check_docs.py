@@ -1,0 +1,164 @@
+#!/usr/bin/env python3
+"""Checks that every public operation is documented in the fixed form and names the requests that it sends.
+
+    check_docs.py [ROOT]    ROOT: the source tree to check, by default the one that holds this script
+
+Prints a line for each fault and fails if there is one. The requests come from board/requests.h, the error codes from
+api/sorvaneusb_types.h. A comment is a sentence, then entries in the order of LABELS.
+"""
+import pathlib
+import re
+import sys
+
+LABELS = ["Sent", "Arguments", "Result", "Errors", "On failure", "Models"]
+EXCHANGE = "the exchange's own"
+ANY_REQUEST = "PerformUSBIO"
+
+# The requests of the operations whose name is not that of their one request.
+DOWNLOAD = ["FirmwareRuns", "BeginFirmware", "WriteFlatSRAM", "WriteBankedSRAM", "EndFirmware"]
+DETECTION = ["ConfigureEEPROM", "ReadEEPROM"]
+SENT_BY = {
+    "init": DOWNLOAD + DETECTION,
+    "InitUSBBoard": DOWNLOAD + DETECTION + ["GetInputs"],
+    "InitPort": DOWNLOAD + DETECTION,
+    "Download8051Software": DOWNLOAD,
+    "CheckEEPROM": DETECTION,
+    "GetInputBit": ["GetInputs"],
+    "SetOutputBit": ["ModifyOutputs"],
+    "SetOutputs": ["ModifyOutputs"],
+    "SetOnPeriodOutputBit": ["SetOnPeriodOutputs"],
+    "SetOffPeriodOutputBit": ["SetOffPeriodOutputs"],
+    "ConfigurePulsedInputEx": ["ConfigurePulsedInput"],
+    "BeginPulsedInputCheck": ["PulsedInputCheck"],
+    "EndPulsedInputCheck": ["PulsedInputCheck"],
+    "GetPulsedInputStatus": ["GetParallelHopperStatus"],
+    "ReleaseParallelHopperCoinsEx": ["ReleaseParallelHopperCoins"],
+    "ConfigureReelsEx": ["ConfigureReels"],
+    "GetReelStatusEx": ["GetReelStatus"],
+    "ReceiveByteWithTimestamp": ["ReceiveWithTimestamps"],
+    "ReceiveByteWithTimestamp9BitData": ["ReceiveWithTimestamps"],
+    "Send9BitData": ["Send"],
+    "Receive9BitData": ["Receive"],
+    "SetSASBusy": ["SetSASAutoReply"],
+    "ConfigureCCTalkPort": ["ConfigurePollSlot"],
+    "ConfigureRS232Poll": ["ConfigurePollSlot"],
+    "SendSEC": ["SendSPI"],
+    "ReadSRAM": ["ReadFlatSRAM", "ReadBankedSRAM"],
+    "WriteSRAM": ["WriteFlatSRAM", "WriteBankedSRAM"],
+    "ReadLargeSRAM": ["ReadFlatSRAM", "ReadBankedSRAM"],
+    "WriteLargeSRAM": ["WriteFlatSRAM", "WriteBankedSRAM"],
+}
+
+
+class Operation:
+    def __init__(self, line, declaration, comment):
+        self.line = line
+        self.declaration = declaration
+        self.name = re.search(r"(operator=|~?\w+)\(", declaration).group(1)
+        parameters = declaration[declaration.index("(") + 1 : declaration.rindex(")")]
+        self.parameters = re.findall(r"(\w+)(?=,|$)", parameters)
+        self.has_pointer = "*" in parameters
+        self.comment = " ".join(comment)
+        self.sentence = comment[0] if comment else ""
+        self.entries = {}
+        label = None
+        for text in comment:
+            entry = re.match(r"- ([A-Z][a-z ]+): (.*)", text)
+            if entry:
+                label = entry.group(1)
+                self.entries[label] = entry.group(2)
+            elif label:
+                self.entries[label] += " " + text.strip()
+
+
+def operations(header):
+    """Every declaration with parentheses, with the /// lines that stand directly above it."""
+    comment, declaration = [], ""
+    for number, line in enumerate(header.splitlines(), 1):
+        code = line.strip()
+        if code.startswith("///"):
+            comment.append(line.split("///", 1)[1][1:].rstrip())
+        elif code and not code.startswith(("//", "#", "{", "}")) and not code.endswith(":"):
+            declaration += " " + code
+            if code.endswith(";"):
+                if "(" in declaration:
+                    yield Operation(number, declaration.strip(), comment)
+                comment, declaration = [], ""
+        elif not declaration:
+            comment = []
+
+
+def requests_named(text, sent_texts):
+    """The requests of a Sent entry, with those of the operations that it refers to by "as `Name`"."""
+    named = set(re.findall(r"request (\d+ on pipe \d(?: or \d)?)", text))
+    for name in re.findall(r"as `(\w+)`", text):
+        named |= requests_named(sent_texts.get(name, ""), sent_texts)
+    return named
+
+
+def faults_of(operation, table, codes, sent_texts):
+    if not operation.sentence or operation.sentence.startswith("- "):
+        yield "no doc comment that begins with a sentence"
+        return
+    labels = list(operation.entries)
+    if labels != [label for label in LABELS if label in labels]:
+        yield f"entries {labels} are unknown or not in the order {LABELS}"
+    for parameter in operation.parameters:
+        if f"`{parameter}`" not in operation.comment:
+            yield f"says nothing of `{parameter}`"
+
+    sent = operation.entries.get("Sent", "")
+    own = [operation.name] if operation.name in table else []
+    expected = {table.get(name, name) for name in SENT_BY.get(operation.name, own)}
+    named = requests_named(sent, sent_texts)
+    if not sent:
+        yield "no Sent entry"
+    elif named != expected:
+        yield f"Sent names the requests {sorted(named)}, the table has {sorted(expected)}"
+    elif not expected and not sent.startswith("nothing"):
+        yield "sends no request of the table, but Sent does not begin with nothing"
+    elif expected and not re.search(r"no payload|\bbytes?\b|as `", sent):
+        yield "Sent gives no payload"
+
+    exchanges = bool(expected) or operation.name == ANY_REQUEST
+    causes = operation.entries.get("Errors", "").rstrip(".").split("; ")
+    if (exchanges or operation.has_pointer) and causes == [""]:
+        yield "no Errors entry"
+        return
+    if exchanges != causes[-1].startswith(EXCHANGE):
+        yield f"Errors ends with '{causes[-1]}'; {EXCHANGE} stands last if, and only if, something is sent"
+    numbers = [re.match(r"(\d+) \S", cause) for cause in causes]
+    for cause, number in zip(causes, numbers):
+        if number and int(number.group(1)) not in codes:
+            yield f"Errors has the unknown code {number.group(1)}"
+        if not number and cause and not cause.startswith((EXCHANGE, "those of ", "no code ")):
+            yield f"Errors has '{cause}', which does not begin with a code"
+    if operation.has_pointer and not any(number and number.group(1) == "30" for number in numbers):
+        yield "takes a pointer, but Errors does not say 30"
+    if operation.has_pointer and "On failure" not in operation.entries:
+        yield "takes a pointer, but does not say what it holds On failure"
+
+
+def main():
+    root = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else pathlib.Path(__file__).resolve().parent.parent)
+    header = root / "api/sorvaneusb.h"
+    rows = re.findall(r"REQUEST\((\w+), (\d+), (\d+)\)", (root / "board/requests.h").read_text())
+    table = {name: f"{code} on pipe {'3 or 4' if pipe == '3' else pipe}" for name, pipe, code in rows}
+    types = (root / "api/sorvaneusb_types.h").read_text()
+    codes = {int(code) for code in re.findall(r"usbError\w+ = (\d+)", types)}
+    found = list(operations(header.read_text()))
+    sent_texts = {operation.name: operation.entries.get("Sent", "") for operation in found}
+
+    faults = [f"{header}:{operation.line}: {operation.name}: {fault}"
+              for operation in found for fault in faults_of(operation, table, codes, sent_texts)]
+    documented = {request for text in sent_texts.values() for request in requests_named(text, sent_texts)}
+    faults += [f"{header}: no operation names {name}, request {request}"
+               for name, request in table.items() if request not in documented]
+    if not table or not codes or not found:
+        faults.append(f"{root}: no requests, no error codes or no operations found")
+    print("\n".join(faults) or f"{len(found)} operations and {len(table)} requests: documented")
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
