@@ -26,8 +26,8 @@
 /// Operations return 1 for success and 0 for failure; no exception leaves the library. The reason of a failure is a
 /// code, one for the whole process and all boards, read with `GetLastError` (`usbErrorText` makes it a sentence).
 /// Arguments are checked before anything is sent, in the order in which "Errors" lists the checks.
-/// - No board open: 0, the stored code stays as it was. Only the four SAS operations store 25 then; those that need no
-///   board say so.
+/// - No board open: 0 whatever the arguments, and the stored code stays as it was. Only the four SAS operations store
+///   25 then. Operations that need no board say so.
 /// - No memory left: the operation fails, without a code of its own.
 /// - A success stores 0 on an R20s or R35, whenever something was sent. On an R20 a code stays until the next failure
 ///   or `ClearErrors`: look at the result first, at the code only after a 0.
@@ -45,9 +45,9 @@
 ///
 /// ### How to read an operation
 /// "Sent" gives request code, pipe and payload, byte by byte; a value of several bytes travels in the order stated.
-/// Enumerations and numbers travel as their low byte. "Unchecked" means that every value is sent as it is; "the
-/// firmware's" means that the library does not know what a value does. Bytes missing from a short answer count as 0
-/// unless stated. An answer carries at most `usbLargestAnswer` bytes (256), on an R20 `usbLargestAnswerR20` (62).
+/// Enumerations travel as their low byte. "Unchecked" means that every value is sent as it is; "the firmware's" means
+/// that the library does not know what a value does. Bytes missing from a short answer count as 0 unless stated. An
+/// answer carries at most `usbLargestAnswer` bytes (256), on an R20 `usbLargestAnswerR20` (62).
 ///
 /// Where an operation hands over whatever the board answers, the form without a `capacity` **writes all that comes**,
 /// past the end of a small buffer too. Use the form with a `capacity`, which never writes more (it also cuts an answer
@@ -87,10 +87,10 @@
 /// - Nothing is sent when a board is closed or a program ends or is killed: outputs, flashing, pulses and reels stay as
 ///   they are, and **a hopper goes on paying**. Switch off and stop before closing, and first thing after a start.
 /// - After a failed request that moves coins or reels, read status and counters before asking again.
-/// - A board that was replugged or power-cycled has lost its settings. `close` and open it again: that loads its
-///   firmware, but does **not** configure its EEPROM while any process (this one too) keeps the shared memory. Call
-///   `CheckEEPROM`, then `ConfigureEEPROM`. Configure inputs, reels and ports again as well, and switch the outputs:
-///   the kept flash patterns still hold what was asked before.
+/// - A board that was replugged or power-cycled has lost its settings. `close` it and its copies and open it again:
+///   that loads its firmware, but does **not** configure its EEPROM while any process (this one too) keeps the shared
+///   memory. Call `CheckEEPROM`, then `ConfigureEEPROM`. Configure inputs, reels and ports again as well, and switch
+///   the outputs: the kept flash patterns still hold what was asked before.
 /// - An opening killed between the EEPROM's detection and its configuration leaves a wrong upper bound marked as
 ///   configured, so that no later opening mends it; the same two calls do.
 /// - A process stopped (SIGSTOP, a debugger) inside a locked operation, or a board that hangs in its driver during one,
@@ -220,8 +220,8 @@ public:
     /// The same into a buffer of known size.
     /// - Sent: request 120 on pipe 5, no payload.
     /// - Arguments: `capacity` in bytes, unchecked; 8 hold the whole number.
-    /// - Result: `serialNumber` receives the first 8 bytes of the answer, or as many as came and fit. `crcValid` (1
-    ///   byte) speaks of all 8, stored or not.
+    /// - Result: `serialNumber` receives at most 8 bytes and at most `capacity`. `crcValid` (1 byte) speaks of all 8,
+    ///   stored or not; after an answer below 8 bytes it says nothing.
     /// - Errors: 25 an R20, whatever the arguments; 30 `serialNumber` or `crcValid` null; the exchange's own.
     /// - On failure: `serialNumber` and `crcValid` are untouched.
     /// - Models: not on an R20.
@@ -596,9 +596,11 @@ public:
     /// Says which inputs are recorded, and where in the board's memory.
     /// - Sent: request 125 on pipe 1, 9 bytes: 0 to 3 the entries; with B = `recordAddress` + 0x4000: 4 the page B >>
     ///   14, 5 bits 8 to 13 of B, 6 bits 0 to 7 of B; 7 and 8 high and low byte of `recordLength`.
-    /// - Arguments: `recordInputs` points to exactly four entries, each 0 to 23 or `usbInputUnused` (255), at least one
-    ///   of them not unused; `recordAddress` 0 to 0x73FFE, counted like the addresses of `ReadLargeSRAM`;
-    ///   `recordLength` 0 to 65535, with the address at most 0x73FFE. The same limit on R20s and R35.
+    /// - Arguments: `recordInputs` points to exactly four entries, each 0 to 23 or, if empty, `usbInputUnused` (255),
+    ///   not all of them empty; `recordAddress` 0 to 0x73FFE; `recordLength` 0 to 65535, with the address at most
+    ///   0x73FFE, on an R35 too. Keep both together below 0x30000: there an address is that of `ReadLargeSRAM`. Above,
+    ///   the recorder's page is sent without the 3 that SRAM transfers add, and its pages 13 to 15 are where the
+    ///   firmware was loaded.
     /// - Errors: 25 an R20, whatever the arguments; 30 `recordInputs` null; 8 an entry is above 23 and not 255; 8 all
     ///   four are 255; 8 `recordAddress` above 0x73FFE; 8 address and length exceed 0x73FFE; the exchange's own.
     /// - On failure: `recordInputs` is only read.
@@ -945,7 +947,8 @@ public:
     ///   the frame: `headerA`, `headerB`, `dataLength`, the data, the sum of these bytes modulo 256.
     /// - Arguments: `headerA`, `headerB`, `spiOption` 0 to 255, unchecked; `dataLength` 0 to 16; `data` points to
     ///   `dataLength` bytes; `replyLength` 0 to 16; `capacity` in bytes, unchecked.
-    /// - Result: `rxData` receives as many bytes as came and fit, unchecked; the rest of the answer is dropped.
+    /// - Result: `rxData` receives as many bytes as came and fit; the rest of the answer is dropped. Frame and checksum
+    ///   are neither checked nor removed.
     /// - Errors: 30 `data` (also with a `dataLength` of 0) or `rxData` null; 2 `dataLength` above 16; 2 `replyLength`
     ///   above 16; the exchange's own.
     /// - On failure: `rxData` is untouched.
@@ -985,7 +988,7 @@ public:
     ///   request 3 for `E24LC16`, reads at 0, 128, 256, 512 and 1024.
     /// - Result: `eeprom` receives the record of the type found. A chip that holds the same everywhere, as a blank one
     ///   does, or the same 100 bytes again further on, is taken for a smaller one of its family: `E24LC32` or `E24LC01`
-    ///   if blank.
+    ///   if blank. Something of your own at 8 to 99, found nowhere else, makes later searches exact.
     /// - Errors: 30 `eeprom` null; the exchange's own, those of the first read excepted: they are cleared.
     /// - On failure: `eeprom` is untouched; after a failed exchange the device number stays configured as said above.
     int CheckEEPROM(R20EEPROM *eeprom);
@@ -1190,10 +1193,12 @@ public:
     /// itself.
     /// - Sent: nothing.
     /// - Arguments: `other` keeps its board; if it has none, this object has none afterwards.
+    /// - Result: this object.
     SorvaneUSB &operator=(SorvaneUSB &other);
     /// The same for a constant object.
     /// - Sent: nothing.
     /// - Arguments: `other` keeps its board; if it has none, this object has none afterwards.
+    /// - Result: this object.
     SorvaneUSB &operator=(const SorvaneUSB &other);
 
     /// \}
@@ -1208,9 +1213,9 @@ public:
     /// - Result: 1 with the board open and ready.
     /// - Errors: no code if the board is missing, its model or speed unknown, its node not to be opened (permissions),
     ///   or memory exhausted; the exchange's own.
-    /// - On failure: a missing or unknown board leaves open what was open. A node that cannot be opened leaves the
-    ///   object without a board. A failed preparation leaves the new board open but not ready: `close` it or open
-    ///   again.
+    /// - On failure: a missing or unknown board leaves open what was open. A node that cannot be opened, or exhausted
+    ///   memory, leaves the object without a board. A failed preparation leaves the new board open but not ready:
+    ///   `close` it or open again.
     int InitPort(int deviceNo);
 
     /// Lets go of the board; the last object that shares it closes the node. The board is not told and goes on with
@@ -1267,13 +1272,13 @@ private:
 
 /// Tells the model behind a device number without opening it, from `/sys/class/Vexa/Vexa_<n>/device/product`.
 /// - Sent: nothing.
-/// - Arguments: `deviceNo` 0 to 15.
+/// - Arguments: `deviceNo`; boards that can be opened have 0 to 15.
 /// - Result: 1 R20, 2 R20s, 3 R35; -1 if there is no such board or its model is unknown. No code is stored.
 SORVANE_API int GetBoardType(int deviceNo);
 
 /// Tells the USB speed of a device number without opening it, from `/sys/class/Vexa/Vexa_<n>/device/speed`.
 /// - Sent: nothing.
-/// - Arguments: `deviceNo` 0 to 15.
+/// - Arguments: `deviceNo`; boards that can be opened have 0 to 15.
 /// - Result: 1 full speed (12 Mbit/s), 2 high speed (480 Mbit/s); -1 if there is no such board or its speed is another.
 ///   No code is stored.
 SORVANE_API int LocalGetBoardSpeed(int deviceNo);
