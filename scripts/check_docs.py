@@ -72,16 +72,18 @@ class Operation:
 
 
 def operations(header):
-    """Every declaration with parentheses, with the /// lines that stand directly above it."""
-    comment, declaration = [], ""
+    """Every public declaration with parentheses, with the /// lines that stand directly above it."""
+    comment, declaration, public = [], "", True
     for number, line in enumerate(header.splitlines(), 1):
         code = line.strip()
+        if code in ("public:", "private:", "};"):
+            public = code != "private:"
         if code.startswith("///"):
             comment.append(line.split("///", 1)[1][1:].rstrip())
         elif code and not code.startswith(("//", "#", "{", "}")) and not code.endswith(":"):
             declaration += " " + code
             if code.endswith(";"):
-                if "(" in declaration:
+                if public and "(" in declaration:
                     yield Operation(number, declaration.strip(), comment)
                 comment, declaration = [], ""
         elif not declaration:
