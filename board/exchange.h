@@ -1,0 +1,90 @@
+// The words that the device families are written in. Tell sends a request and ignores the answer, Ask sends one and
+// hands the answer over, AskInto receives it in the caller's own buffer. Each is one exchange through the model's
+// PerformUSBIO and returns its result.
+#ifndef SORVANE_BOARD_EXCHANGE_H
+#define SORVANE_BOARD_EXCHANGE_H
+
+#include "board/payload.h"
+#include "board/rbase_implementation.h"
+
+/// What a board answered. The bytes are not cleared before the exchange; those that a decoder may read behind a short
+/// answer are cleared after it.
+class Response
+{
+public:
+    unsigned char u8(unsigned int place) const { return bytes[place]; }
+    unsigned short u16be(unsigned int place) const
+    {
+        return static_cast<unsigned short>(u8(place) << 8 | u8(place + 1));
+    }
+    unsigned short u16le(unsigned int place) const
+    {
+        return static_cast<unsigned short>(u8(place + 1) << 8 | u8(place));
+    }
+    unsigned long u32le(unsigned int place) const
+    {
+        return u16le(place) | static_cast<unsigned long>(u16le(place + 2)) << 16;
+    }
+
+    /// Cuts the count to the buffer, whatever the driver said, and clears what a record may still cover.
+    void settle()
+    {
+        if (count > sizeof bytes)
+            count = sizeof bytes;
+        if (count < longestRecord)
+            std::memset(bytes + count, 0, longestRecord - count);
+    }
+
+    unsigned char bytes[usbLargestAnswer];
+    unsigned long count = 0;
+
+private:
+    static constexpr unsigned long longestRecord = 18;  // the status of three reels
+};
+
+inline int RBaseImplementation::AskWith(Request request, Response &response, unsigned char *payload,
+                                        unsigned long length)
+{
+    response.count = 0;
+    if (!PerformUSBIO(codeOf(request), pipeOf(request), payload, length, response.bytes, &response.count))
+        return 0;
+    response.settle();
+    return 1;
+}
+
+inline int RBaseImplementation::TellWith(Request request, unsigned char *payload, unsigned long length)
+{
+    Response ignored;
+    return PerformUSBIO(codeOf(request), pipeOf(request), payload, length, ignored.bytes, &ignored.count);
+}
+
+template <class... Byte>
+int RBaseImplementation::Ask(Request request, Response &response, Byte... bytes)
+{
+    if constexpr (sizeof...(bytes) == 0) {
+        return AskWith(request, response, nullptr, 0);
+    } else {
+        unsigned char payload[] = {low(bytes)...};
+        return AskWith(request, response, payload, sizeof payload);
+    }
+}
+
+template <class... Byte>
+int RBaseImplementation::Tell(Request request, Byte... bytes)
+{
+    if constexpr (sizeof...(bytes) == 0) {
+        return TellWith(request, nullptr, 0);
+    } else {
+        unsigned char payload[] = {low(bytes)...};
+        return TellWith(request, payload, sizeof payload);
+    }
+}
+
+/// The count is the transport's own word: nothing cuts it, since only the caller knows the buffer's size.
+inline int RBaseImplementation::AskInto(Request request, unsigned char *buffer)
+{
+    unsigned long count = 0;
+    return PerformUSBIO(codeOf(request), pipeOf(request), nullptr, 0, buffer, &count);
+}
+
+#endif
