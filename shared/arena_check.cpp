@@ -1,0 +1,69 @@
+#include "shared/arena_check.h"
+
+#include <cstring>
+
+SharedMemoryBlockHeader *RunWalk::next()
+{
+    index += length;
+    length = 0;
+    if (index >= blockCount)
+        return nullptr;
+    SharedMemoryBlockHeader *run = header->block(index);
+    const unsigned int said = *static_cast<volatile unsigned int *>(&run->blockCount);
+    if (said == 0 || said > blockCount - index)
+        return nullptr;
+    length = said;
+    return run;
+}
+
+namespace
+{
+
+constexpr std::size_t headerBytes = sizeof(SharedMemoryArenaHeader) + sizeof(SharedMemoryBlockHeader);
+
+/// Every byte is zero still or what a new header has there.
+bool isPartOfNewHeader(const SharedMemoryArenaHeader *header, const SharedMemoryArenaID &id, unsigned int size)
+{
+    alignas(SharedMemoryArenaHeader) unsigned char expected[headerBytes] = {};
+    new (expected) SharedMemoryArenaHeader(id, size);
+    unsigned char found[headerBytes];
+    std::memcpy(found, header, headerBytes);
+    for (std::size_t k = 0; k < headerBytes; ++k)
+        if (found[k] != 0 && found[k] != expected[k])
+            return false;
+    return true;
+}
+
+bool chainIsWhole(SharedMemoryArenaHeader *header, unsigned int blockCount)
+{
+    RunWalk walk(header, blockCount);
+    while (walk.next()) {
+    }
+    return walk.reachedEnd();
+}
+
+}  // namespace
+
+ArenaState examineArena(SharedMemoryArenaHeader *header, const SharedMemoryArenaID &id, unsigned int size)
+{
+    if (header->blockCount == 0 && isPartOfNewHeader(header, id, size))
+        return ArenaState::unfinished;
+    if (!(header->arenaID.objectID == id.objectID))
+        return ArenaState::foreign;
+    const unsigned int blockCount = blocksInSegment(size);
+    if (header->blockCount != blockCount || header->buildCount == 0 || !chainIsWhole(header, blockCount))
+        return ArenaState::corrupt;
+    return ArenaState::whole;
+}
+
+unsigned int trustedBlockCount(SharedMemoryArenaHeader *header)
+{
+    for (SharedMemoryLocalListElement *element = SharedMemoryLocalListElement::SharedMemoryLocalListStart; element;
+         element = element->next) {
+        if (element->arenaHeader != header)
+            continue;
+        const unsigned int blockCount = blocksInSegment(element->sharedMemory->GetSize());
+        return header->blockCount == blockCount ? blockCount : 0;
+    }
+    return header->blockCount;
+}

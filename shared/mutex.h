@@ -1,0 +1,85 @@
+// Named mutexes that work across processes. A mutex is one semaphore of a named SysV set; inside a process each is one
+// object, shared by all its users there and counted.
+#ifndef SORVANE_SHARED_MUTEX_H
+#define SORVANE_SHARED_MUTEX_H
+
+/// Which mutex: the set's name and the number in it. It lies in shared memory, so its layout is fixed.
+struct MutexID {
+    constexpr MutexID(const char *setName, int number, int count) : count(count), number(number)
+    {
+        for (int k = 0; k < nameBytes - 1 && setName[k]; ++k)
+            name[k] = setName[k];
+    }
+
+    bool sameMutex(const MutexID &other) const;
+    bool sameSet(const MutexID &other) const;
+
+    static constexpr int nameBytes = 50;
+    char name[nameBytes] = {};
+    char padding[2] = {};
+    int count;   // mutexes in the set; used only when the set is made
+    int number;  // index in the set, from 0
+};
+static_assert(sizeof(MutexID) == 60);
+
+class Mutex
+{
+public:
+    explicit Mutex(const MutexID &id) : mutexID(id) {}
+    Mutex(const Mutex &) = delete;
+    Mutex &operator=(const Mutex &) = delete;
+
+    virtual bool Lock() = 0;
+    virtual bool UnLock() = 0;
+    virtual ~Mutex() = default;
+
+    /// The process's object for this mutex, made on first use; null when memory is exhausted. Each call needs one
+    /// ReleaseLocalMutex; the last destroys the object and, with the set's last mutex, leaves the set.
+    static Mutex *GetLocalMutex(const MutexID &id);
+    static void ReleaseLocalMutex(Mutex *mutex);
+    static Mutex *FindMutex(const MutexID &id);
+
+    static Mutex *MutexChain;
+
+    MutexID mutexID;
+    Mutex *next = nullptr;
+    int localCount = 0;
+};
+
+/// A mutex in a SysV semaphore set: semaphore number + 1, which is 1 while it is free. The system gives it back when
+/// its holder ends.
+class LinuxMutex final : public Mutex
+{
+public:
+    LinuxMutex(const MutexID &id, int semaphoreSetID) : Mutex(id), semaphoreSetID(semaphoreSetID) {}
+
+    /// Waits until the mutex is free. When the set has been removed behind this process's back, the set of that name
+    /// is looked up once; without one, false from then on: the caller goes on without the lock.
+    bool Lock() override;
+    bool UnLock() override;
+
+    LinuxMutex *nextInSet = nullptr;
+    int semaphoreSetID;
+
+private:
+    bool Add(int value) const;
+};
+
+/// Holds a mutex for a scope and gives back only what it got. A null mutex is no lock.
+class MutexGuard
+{
+public:
+    explicit MutexGuard(Mutex *mutex) : held(mutex && mutex->Lock() ? mutex : nullptr) {}
+    ~MutexGuard()
+    {
+        if (held)
+            held->UnLock();
+    }
+    MutexGuard(const MutexGuard &) = delete;
+    MutexGuard &operator=(const MutexGuard &) = delete;
+
+private:
+    Mutex *held;
+};
+
+#endif

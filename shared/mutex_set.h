@@ -1,0 +1,59 @@
+// A named set of mutexes: one SysV semaphore set, in which semaphore 0 counts the registrations of the processes that
+// use it and semaphore n + 1 is mutex n.
+//
+// Processes come and go at any moment, and any of them may be killed between two instructions. What keeps the set
+// whole is that a semop of several operations happens entirely or not at all:
+//   - a new set has only zeros; one semop initialises it and registers its first process;
+//   - in an initialised set one semop waits until mutex 0 is free and registers;
+//   - the last process takes mutex 0 and gives up its registration in one semop that succeeds only if no other is
+//     registered, and then removes the set. Whoever waits for mutex 0 is woken by the removal and starts again.
+// The registrations carry no undo: a process that is killed leaves its own, and with it the set.
+#ifndef SORVANE_SHARED_MUTEX_SET_H
+#define SORVANE_SHARED_MUTEX_SET_H
+
+#include "shared/mutex.h"
+
+struct sembuf;
+
+/// semop, repeated while a signal interrupts it; errno tells of a failure.
+bool semaphoreOperation(int semaphoreSetID, sembuf *operations, unsigned int count);
+
+/// Whether a failed semop says that the set does not exist any more.
+bool setIsGone(int error);
+
+class LinuxMutexSet
+{
+public:
+    /// Opens or makes the set of that name and registers this process in it. Key and size come from this first ID, so
+    /// every process must ask for the same mutex of a set first. A set of more than 249 mutexes cannot be made, since
+    /// a semop carries at most 500 operations.
+    explicit LinuxMutexSet(const MutexID &id);
+    /// Gives up the registration; the last process removes the set.
+    ~LinuxMutexSet();
+    LinuxMutexSet(const LinuxMutexSet &) = delete;
+    LinuxMutexSet &operator=(const LinuxMutexSet &) = delete;
+
+    static LinuxMutex *GetMutex(const MutexID &id);
+    static LinuxMutexSet *SearchForMutexSet(const MutexID &id);
+    LinuxMutex *FindMutex(const MutexID &id);
+    bool UnLinkMutex(LinuxMutex *mutex);
+    static void ReleaseLinuxMutex(LinuxMutex *mutex);
+
+    /// For a mutex that found the set goneID removed: the set that has its name now, with this process registered in
+    /// it, or -1. None is made: only a process that starts makes a set.
+    int Rejoin(int goneID);
+
+    static LinuxMutexSet *MasterListStart;
+
+    int semaphoreSetID = 0;  // -1: none could be had
+    MutexID mutexID;
+    LinuxMutex *mutexList = nullptr;
+    LinuxMutexSet *next = nullptr;
+
+private:
+    enum class Missing { make, leave };
+    int Join(Missing missing) const;
+    void Leave() const;
+};
+
+#endif
