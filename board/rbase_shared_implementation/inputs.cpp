@@ -1,0 +1,65 @@
+// Inputs: input n is bit n % 8 of byte n / 8 of the five bytes that the board answers.
+#include "board/exchange.h"
+
+int RBaseImplementation::GetFiveInputBytes(Request request, unsigned char *bytes)
+{
+    if (!bytes)
+        return Fail(usbErrorNullPointer);
+    Response response;
+    if (!Ask(request, response))
+        return 0;
+    std::memcpy(bytes, response.bytes, sizeof(usbInput));
+    return 1;
+}
+
+int RBaseImplementation::GetInputs(unsigned char *buffer)
+{
+    return GetFiveInputBytes(Request::GetInputs, buffer);
+}
+
+int RBaseImplementation::GetInputs(usbInput *inputs)
+{
+    return GetFiveInputBytes(Request::GetInputs, inputs ? inputs->bits : nullptr);
+}
+
+int RBaseImplementation::GetChangedInputs(usbInput *inputs)
+{
+    return GetFiveInputBytes(Request::GetChangedInputs, inputs ? inputs->bits : nullptr);
+}
+
+int RBaseImplementation::GetRawInputs(usbInput *inputs)
+{
+    return GetFiveInputBytes(Request::GetRawInputs, inputs ? inputs->bits : nullptr);
+}
+
+int RBaseImplementation::GetInputBit(_usbInputBitId input, unsigned int *state)
+{
+    if (!state)
+        return Fail(usbErrorNullPointer);
+    if (input > usbInput32)
+        return Fail(usbErrorParameter);
+    unsigned char bytes[8];
+    if (!GetInputs(bytes))
+        return 0;
+    *state = bytes[input / 8] >> input % 8 & 1;
+    return 1;
+}
+
+int RBaseImplementation::InputMultiplexing(usbInputMultiplexing mode)
+{
+    if (mode > usbInputMultiplexingOn)
+        return Fail(usbErrorParameter);
+    return Tell(Request::InputMultiplexing, mode);
+}
+
+int RBaseImplementation::GetMultiplexedInputs(usbMultiplexedInput *inputs)
+{
+    if (!inputs)
+        return Fail(usbErrorNullPointer);
+    Response response;
+    if (!Ask(Request::GetMultiplexedInputs, response))
+        return 0;
+    inputs->leadByte = response.u8(0);
+    std::memcpy(inputs->groups, response.bytes + 1, sizeof inputs->groups);
+    return 1;
+}

@@ -1,0 +1,147 @@
+#include "board/rbase_shared_implementation/shared_board_state.h"
+
+#include <cstring>
+#include <unistd.h>
+
+constinit SharedMemoryArenaID sharedBlock = {{"R20SharedMemory", 0}, {"R20Mutex", 0, 10}, 65536};
+constinit SharedMemoryObject SharedOutOnCopy = {};
+constinit SharedMemoryObject SharedOutOffCopy = {};
+constinit SharedMemoryObject SharedcurrentEEPROM = {};
+constinit SharedMemoryObject SharedserialRxBuffer = {};
+
+void ReceiveBuffer::fill(const unsigned char *batch, unsigned long length)
+{
+    count = static_cast<std::uint16_t>(length % sizeof bytes);
+    readIndex = 0;
+    std::memcpy(bytes, batch, count);
+}
+
+bool ReceiveBuffer::take(unsigned char &byte)
+{
+    if (empty())
+        return false;
+    byte = bytes[readIndex % sizeof bytes];
+    ++readIndex;
+    return true;
+}
+
+namespace
+{
+
+OutputPatterns privateOnPatterns;
+OutputPatterns privateOffPatterns;
+EEPROMTable privateEEPROMs;
+ReceiveBuffers privateReceiveBuffers;
+
+template <class Table>
+Table &tableOf(const SharedMemoryObject &handle, Table &privateTable)
+{
+    return handle.object ? *static_cast<Table *>(handle.object->data()) : privateTable;
+}
+
+struct ObjectPlan {
+    SharedMemoryObject *handle;
+    SharedMemoryObjectID id;
+    int mutexNumber;
+    std::size_t tableBytes;
+};
+
+constexpr ObjectPlan plans[] = {
+    {&SharedOutOnCopy, {"OutOnCopies", 0}, 1, sizeof(OutputPatterns)},
+    {&SharedOutOffCopy, {"OutOffCopies", 0}, 2, sizeof(OutputPatterns)},
+    {&SharedcurrentEEPROM, {"R20EEPROMS", 0}, 3, sizeof(EEPROMTable)},
+    {&SharedserialRxBuffer, {"R20BUFFERS", 0}, 4, sizeof(ReceiveBuffers)},
+};
+
+/// Hold the arena's mutex. A run that carries the name but is too short for the table is not used.
+SharedMemoryBlockHeader *findOrAllocate(SharedMemoryArenaHeader *arena, const ObjectPlan &plan)
+{
+    const unsigned int bytes = static_cast<unsigned int>(sizeof(SharedMemoryBlockHeader) + plan.tableBytes);
+    if (!arena)
+        return nullptr;
+    if (SharedMemoryBlockHeader *found = SharedMemoryLocalListElement::FindSharedMemoryObject(arena, plan.id)) {
+        if (found->blockCount < (bytes + sizeof *found - 1) / sizeof *found)
+            return nullptr;
+        ++found->useCount;
+        return found;
+    }
+    SharedMemoryBlockHeader *made = arena->AllocateBlock(bytes);
+    if (!made)
+        return nullptr;
+    // A run that was used before holds what its last use left; no object starts with that.
+    std::memset(made->data(), 0, plan.tableBytes);
+    made->Name(plan.id);
+    return made;
+}
+
+void setUp(const ObjectPlan &plan)
+{
+    SharedMemoryObject &handle = *plan.handle;
+    handle.element = SharedMemoryLocalListElement::GetSharedMemoryArenaHeader(sharedBlock);
+    if (!handle.element)
+        return;
+    {
+        MutexGuard guard(handle.element->sharedMemory->mutex);
+        ++handle.element->sharedMemory->referenceCount;
+        if (handle.element->arenaHeader)
+            handle.element->arenaHeader->ReclaimUnnamedRuns();
+        handle.object = findOrAllocate(handle.element->arenaHeader, plan);
+    }
+    if (handle.object)
+        handle.mutex = Mutex::GetLocalMutex(MutexID("R20Mutex", plan.mutexNumber, 1));
+}
+
+void tearDown(const ObjectPlan &plan)
+{
+    SharedMemoryObject &handle = *plan.handle;
+    if (!handle.element)
+        return;
+    if (handle.object)
+        MutexGuard waitForOthers(handle.element->sharedMemory->mutex);
+    if (handle.mutex)
+        Mutex::ReleaseLocalMutex(handle.mutex);
+    SharedMemoryLocalListElement::ReleaseSharedMemoryElement(handle.element);
+    handle = {};
+}
+
+/// The process that set the state up. A child of it has copies of the handles, but no registration of its own.
+constinit pid_t joinedProcess = 0;
+
+// 101 is the first priority open to programs: before static objects, in a shared library and in a program alike.
+
+[[gnu::constructor(101)]] void setUpAll()
+{
+    joinedProcess = ::getpid();
+    for (const ObjectPlan &plan : plans)
+        setUp(plan);
+}
+
+[[gnu::destructor(101)]] void tearDownAll()
+{
+    if (joinedProcess != ::getpid())
+        return;
+    for (int k = 3; k >= 0; --k)
+        tearDown(plans[k]);
+}
+
+}  // namespace
+
+usbOutput &onPattern(int device)
+{
+    return tableOf(SharedOutOnCopy, privateOnPatterns).device[device];
+}
+
+usbOutput &offPattern(int device)
+{
+    return tableOf(SharedOutOffCopy, privateOffPatterns).device[device];
+}
+
+EEPROMEntry &eepromEntry(int device)
+{
+    return tableOf(SharedcurrentEEPROM, privateEEPROMs).device[device];
+}
+
+ReceiveBuffer &receiveBuffer(int device)
+{
+    return tableOf(SharedserialRxBuffer, privateReceiveBuffers).device[device];
+}
