@@ -1,0 +1,12 @@
+// The last step of opening a board.
+#ifndef SORVANE_API_BOARD_PREPARATION_H
+#define SORVANE_API_BOARD_PREPARATION_H
+
+class RBaseImplementation;
+class SorvaneUSB;
+
+/// Makes the firmware of a freshly opened board run and, the first time on this machine, tells it the type of the
+/// EEPROM that it carries. The board stays open when that fails.
+int prepareBoard(SorvaneUSB &board, RBaseImplementation &implementation, int deviceNo);
+
+#endif
