@@ -1,0 +1,70 @@
+// Three reels: configures the drive, loads ramps, spins, and waits for each to stop.
+//
+// What the settings, the ramp entries and the status values mean is the firmware's. This program takes the meanings of
+// the virtual boards: ramp entries are milliseconds a step, `first` is the position, `second` the steps to go.
+#include <chrono>
+#include <cstdio>
+#include <thread>
+
+#include "report.h"
+
+namespace
+{
+
+constexpr unsigned char spinForward = 1;
+constexpr unsigned char stopNow = 0;
+
+usbRampTable ramp(unsigned char from, unsigned char to)
+{
+    usbRampTable table = {};
+    table.entryCount = 20;
+    for (int k = 0; k < table.entryCount; ++k)
+        table.entries[k] = static_cast<unsigned char>(from + (to - from) * k / (table.entryCount - 1));
+    return table;
+}
+
+bool spin(SorvaneUSB &board)
+{
+    for (unsigned char reel = 0; reel < 3; ++reel) {
+        if (!succeeded(board.SpinRampUp(reel, ramp(12, 4)), board, "SpinRampUp") ||
+            !succeeded(board.SpinRampDown(reel, ramp(4, 12)), board, "SpinRampDown"))
+            return false;
+        const unsigned short steps = static_cast<unsigned short>(80 + 20 * reel);
+        std::printf("Reel %d spins %d steps\n", reel, steps);
+        if (!succeeded(board.SpinReels(reel, spinForward, steps), board, "SpinReels"))
+            return false;
+    }
+    return true;
+}
+
+bool waitForStop(SorvaneUSB &board)
+{
+    ReelStatusEx status = {};
+    for (int look = 0; look < 100; ++look) {
+        if (!succeeded(board.GetReelStatusEx(&status), board, "GetReelStatusEx"))
+            return false;
+        if (status.second[0] == 0 && status.second[1] == 0 && status.second[2] == 0) {
+            std::printf("All reels stand, at %d, %d and %d\n", status.first[0], status.first[1], status.first[2]);
+            return true;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    std::printf("A reel does not stop: switching the drive off\n");
+    bool stopped = true;
+    for (unsigned char reel = 0; reel < 3; ++reel)
+        stopped = succeeded(board.SpinReels(reel, stopNow, 0), board, "SpinReels") && stopped;
+    return stopped;
+}
+
+}  // namespace
+
+int main()
+{
+    SorvaneUSB board;
+    if (!succeeded(board.init(0), board, "Opening the first board") ||
+        !succeeded(board.ConfigureReelsEx(3, 200, 0), board, "ConfigureReelsEx") ||
+        !succeeded(board.SetDutyCycle(50, 50, 50), board, "SetDutyCycle") ||
+        !succeeded(board.ReelSynchroniseEnable(1), board, "ReelSynchroniseEnable"))
+        return 1;
+    return spin(board) && waitForStop(board) ? 0 : 1;
+}
