@@ -5,43 +5,39 @@ const char *usbErrorText(int code)
 {
     switch (code) {
     case usbErrorNone:
-        return "No error is stored. Where an operation failed all the same, no board is open or the board was not "
-               "found: "
-               "open it first and check its device node and its rights.";
+        return "No error is stored. Where an operation failed all the same, no board is open or the board was "
+               "not found: open it first and check its device node and its rights.";
     case usbErrorDataLength:
-        return "The number of bits or bytes to send is out of range: an SPI transfer takes 1 to 160 bits each way, a "
-               "SEC "
-               "message up to 16 bytes.";
+        return "The number of bits or bytes to send is out of range: an SPI transfer takes 1 to 160 bits each "
+               "way, a SEC message up to 16 bytes.";
     case usbErrorPipeNumber:
         return "A pipe above 7 was asked for: a board has pipes 1 to 7.";
     case usbErrorTransfer:
-        return "The exchange with the board failed: check its cable and power. It was not repeated and may have taken "
-               "effect: read the board's state before trying again, and open the board anew if it was unplugged.";
+        return "The exchange with the board failed: check its cable and power. It was not repeated and may have "
+               "taken effect: read the board's state before trying again, and open the board anew if it was "
+               "unplugged.";
     case usbErrorLength:
-        return "A length is out of range: a timeout message takes up to 60 bytes, an R20 request up to 511, a bounded "
-               "receive needs room for a whole answer; or an R20 answered with a wrong length.";
+        return "A length is out of range: a timeout message takes up to 60 bytes, an R20 request up to 511, a "
+               "bounded receive needs room for a whole answer; or an R20 answered with a wrong length.";
     case usbErrorParameter:
-        return "A number is outside its range: compare the arguments with the ranges of the operation, and for the "
-               "EEPROM "
-               "make sure that its type was configured.";
+        return "A number is outside its range: compare the arguments with the ranges of the operation, and for "
+               "the EEPROM make sure that its type was configured.";
     case usbErrorBaudRate:
         return "The serial port has no such baud rate: use one of the port's own list.";
     case usbErrorPortType:
-        return "The serial port, its type or its format does not exist: use port 0 or 1 and type 0 to 3, and format 5 "
-               "with type 0 only.";
+        return "The serial port, its type or its format does not exist: use port 0 or 1 and type 0 to 3, and "
+               "format 5 with type 0 only.";
     case usbErrorRampReel:
         return "A ramp table was given for a reel that does not exist: use reel 0, 1 or 2.";
     case usbErrorNotSupported:
-        return "The board lacks this function, the SRAM address is beyond an R20's memory, or (SAS) no board is open: "
-               "ask "
-               "GetFittedBoard for the model.";
+        return "The board lacks this function, the SRAM address is beyond an R20's memory, or (SAS) no board is "
+               "open: ask GetFittedBoard for the model.";
     case usbErrorNotSupportedR20s:
         return "An R20s lacks this function: only an R35 has it.";
     case usbErrorNullPointer:
         return "A null pointer was passed where the operation needs a buffer or a place for its result.";
     default:
-        return "The board or its driver refused the request with a status of its own: look it up in the documentation "
-               "of "
-               "the board's firmware.";
+        return "The board or its driver refused the request with a status of its own: look it up in the "
+               "documentation of the board's firmware.";
     }
 }

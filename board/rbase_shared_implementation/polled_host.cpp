@@ -18,6 +18,8 @@ constexpr unsigned char longestMessage = sizeof CCTalkConfig().message1;
 constexpr unsigned long slotHeader = 13;
 constexpr double longestHostTimeout = 25.5;
 constexpr unsigned long messageHeader = 2;
+/// A board that goes on saying "more follows" without ever sending any would hold its caller for ever.
+constexpr unsigned int mostEmptyParts = 256;
 
 struct Framing {
     unsigned char framing;
@@ -99,6 +101,7 @@ int RBaseImplementation::ReceivePolledParts(_usbSerialPort port, unsigned char s
                                             unsigned long largestPart)
 {
     *length = 0;
+    unsigned int emptyParts = 0;
     while (capacity - *length >= largestPart) {
         if (!isSerialPort(port))
             return Fail(usbErrorParameter);
@@ -109,6 +112,9 @@ int RBaseImplementation::ReceivePolledParts(_usbSerialPort port, unsigned char s
         if (response.count > messageHeader) {
             std::memcpy(message + *length, response.bytes + messageHeader, response.count - messageHeader);
             *length += response.count - messageHeader;
+            emptyParts = 0;
+        } else if (++emptyParts > mostEmptyParts) {
+            return Fail(usbErrorTransfer);
         }
         const bool more = response.u8(1) != 0;
         if (!more)
