@@ -2,6 +2,7 @@
 #ifndef SORVANE_SIM_BOARD_BYTES_H
 #define SORVANE_SIM_BOARD_BYTES_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -51,6 +52,12 @@ inline Bytes bytesOf32le(std::uint32_t value)
 inline Bytes toBytes(Payload bytes)
 {
     return {bytes.begin(), bytes.end()};
+}
+
+inline void append(Bytes &bytes, Payload more)
+{
+    bytes.resize(bytes.size() + more.size());
+    std::copy(more.begin(), more.end(), bytes.end() - static_cast<std::ptrdiff_t>(more.size()));
 }
 
 }  // namespace sim

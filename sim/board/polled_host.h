@@ -1,10 +1,11 @@
 // The poll slots of a serial port: the board asks a peripheral by itself and keeps the answers.
 //
-// What the options mean is the firmware's; they make no difference here. A slot sends its two messages in turn, one
-// every `time` (10 ms at least), leaving out an empty one; a slot whose messages are both empty polls nothing. The
-// length byte and the extra length tell where an answer ends. An answer that is not complete within the host timeout
-// (0.5 s until it is set) is dropped. A slot keeps 32 answers; while it is full it does not poll. Emptying drops all
-// answers, deleting the oldest. Status 0 is an answer, 1 that there is none, 2 that the last poll was not answered.
+// What the options mean is the firmware's; they make no difference here. A slot sends its two messages in turn, leaving
+// out an empty one, with a pause of its time (10 ms at least) behind each answer; a slot whose messages are both empty
+// polls nothing. The length byte and the extra length tell where an answer ends. An answer that is not complete within
+// the host timeout (0.5 s until it is set) is dropped. A slot keeps 32 answers; while it is full it does not poll.
+// Emptying drops all answers, deleting the oldest. Status 0 is an answer, 1 that there is none, 2 that there is none
+// because the last poll was not answered.
 #ifndef SORVANE_SIM_BOARD_POLLED_HOST_H
 #define SORVANE_SIM_BOARD_POLLED_HOST_H
 
@@ -40,7 +41,6 @@ public:
     };
 
     PolledHost(Timeline &timeline, std::size_t largestAnswer, std::function<void(const Words &)> send);
-    ~PolledHost() override { timeline_.cancel(this); }
 
     const Slot &slot(unsigned int number) const { return slots_.at(number); }
 
@@ -56,6 +56,7 @@ private:
     void poll(unsigned int number);
     void pollLater(unsigned int number, Nanoseconds delay);
     void endPoll(bool answered);
+    void endAsking();
     void forget(Slot &slot, std::size_t count);
 
     Timeline &timeline_;
@@ -63,7 +64,6 @@ private:
     std::function<void(const Words &)> send_;
     std::array<Slot, pollSlotCount> slots_;
     std::optional<unsigned int> asking_;  // the slot whose poll waits for its answer
-    unsigned int polls_ = 0;
     Bytes incoming_;
 };
 

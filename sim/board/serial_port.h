@@ -102,7 +102,6 @@ private:
     Bytes lastAnswer_;
     Words timeoutMessage_;
     Nanoseconds timeout_{};
-    bool timeoutArmed_ = false;
 };
 
 }  // namespace sim

@@ -27,20 +27,21 @@ public:
     void forget();
 
     std::optional<Reply> answer(Request request, Payload payload) override;
+    void powerLost() override;
 
 private:
     struct Range {
         std::size_t address;
         std::size_t length;
-        bool inFirmware;
     };
 
-    Reply read(const Range &range, std::size_t most);
+    std::optional<Range> rangeOf(Payload payload) const;
+    Reply read(const Range &range) const;
     Reply write(const Range &range, Payload data);
-    std::optional<Range> bankedRange(Payload payload) const;
 
     Firmware &firmware_;
     Bytes memory_;
+    bool flat_;
 };
 
 }  // namespace sim

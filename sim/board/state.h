@@ -43,7 +43,8 @@ struct ReelState {
     unsigned int place = 0;
     unsigned int count = 0;
     unsigned int stepsLeft = 0;
-    std::string motion;  ///< still, ramping up, running, ramping down
+    bool endless = false;  ///< it turns until it is stopped
+    std::string motion;    ///< still, ramping up, running, ramping down
     bool forward = true;
     bool synchronised = false;
 };

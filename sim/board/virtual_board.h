@@ -130,10 +130,8 @@ private:
         timeline_.settle();
         return part;
     }
-    std::vector<Part *> partsOf(int pipe);
-    std::vector<Part *> parts();
     Reply answerOf(unsigned char code, int pipe, Payload payload);
-    static void applyFault(const Fault &fault, PendingExchange &pending);
+    void work(PendingExchange &pending, Payload payload, const std::optional<Fault> &fault);
 
     Model model_;
     bool highSpeed_ = false;
@@ -160,6 +158,7 @@ private:
     RandomGenerator random_;
     Identity identity_;
     std::array<std::unique_ptr<SerialPort>, 2> serialPorts_;
+    std::vector<Part *> parts_;  // all but the serial ports
     Faults faults_;
     std::deque<Exchange> exchanges_;
     std::uint64_t exchangeCount_ = 0;

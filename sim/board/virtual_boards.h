@@ -17,7 +17,7 @@ public:
 
     /// The clock of the boards that are plugged from now on; it outlives them.
     void useClock(Clock &clock);
-    Clock &clock() const { return *clock_; }
+    Clock &clock() const;
 
     /// A new board behind this number, in place of the one that was there. A number outside 0 to 15 throws
     /// std::out_of_range.
@@ -37,6 +37,8 @@ public:
     std::optional<std::string> speedText(int deviceNo) const;
 
 private:
+    std::shared_ptr<VirtualBoard> exchangeBoard(int deviceNo, std::shared_ptr<VirtualBoard> board);
+
     mutable std::mutex mutex_;
     Clock *clock_;
     std::array<std::shared_ptr<VirtualBoard>, deviceCount> boards_;

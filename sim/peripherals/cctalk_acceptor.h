@@ -29,6 +29,7 @@ private:
     void handle(Payload frame);
 
     Bytes incoming_;
+    Nanoseconds lastHeard_{};
     bool silent_ = false;
     bool masterEnabled_ = true;
     unsigned int enabledCoins_ = 0xFFFF;

@@ -26,6 +26,8 @@ public:
     static Bytes frame(Payload data);
 
 private:
+    void handle(Payload frame);
+
     Bytes incoming_;
     Bytes heard_;
     std::deque<Bytes> sayings_;

@@ -45,7 +45,6 @@ private:
     void step();
     void runSteps(unsigned long long steps);
     void beginRampDown();
-    void move();
     void rest();
 
     unsigned int stepsPerTurn_ = 200;

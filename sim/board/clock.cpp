@@ -1,0 +1,13 @@
+#include "sim/board/clock.h"
+
+#include <thread>
+
+namespace sim
+{
+
+void SteadyClock::pass(Nanoseconds duration)
+{
+    std::this_thread::sleep_for(duration);
+}
+
+}  // namespace sim

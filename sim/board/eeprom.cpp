@@ -1,0 +1,102 @@
+#include "sim/board/eeprom.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+namespace sim
+{
+
+namespace
+{
+
+constexpr unsigned char longestRead = 58;
+constexpr unsigned char longestWrite = 57;
+
+// Scatters addresses, so that contents at different places look different.
+unsigned char contentAt(std::size_t address)
+{
+    return static_cast<unsigned char>((static_cast<std::uint32_t>(address) + 1) * 2654435761U >> 24);
+}
+
+}  // namespace
+
+const EEPROMChip eepromChips[10] = {
+    {"24LC01", E24LC01}, {"24LC02", E24LC02}, {"24LC04", E24LC04},   {"24LC08", E24LC08},   {"24LC16", E24LC16},
+    {"24LC32", E24LC32}, {"24LC64", E24LC64}, {"24LC128", E24LC128}, {"24LC256", E24LC256}, {"24LC512", E24LC512},
+};
+
+const EEPROMChip *findEEPROMChip(const char *name)
+{
+    const auto *chip = std::find_if(std::begin(eepromChips), std::end(eepromChips),
+                                    [name](const EEPROMChip &each) { return std::strcmp(each.name, name) == 0; });
+    return chip == std::end(eepromChips) ? nullptr : chip;
+}
+
+void EEPROM::fit(const R20EEPROM &chip)
+{
+    chip_ = chip;
+    memory_.resize(static_cast<std::size_t>(chip.maxAddress) + 1);
+    for (std::size_t i = 0; i < memory_.size(); ++i)
+        memory_[i] = contentAt(i);
+}
+
+void EEPROM::blank()
+{
+    std::fill(memory_.begin(), memory_.end(), static_cast<unsigned char>(0xFF));
+}
+
+const char *EEPROM::name() const
+{
+    const auto *chip = std::find_if(std::begin(eepromChips), std::end(eepromChips), [this](const EEPROMChip &each) {
+        return each.description.maxAddress == chip_.maxAddress;
+    });
+    return chip == std::end(eepromChips) ? "other" : chip->name;
+}
+
+int EEPROM::failure() const
+{
+    if (!configuration_)
+        return statusNotConfigured;
+    const bool acknowledged =
+        configuration_->busAddress == chip_.busAddress && configuration_->addressBytes == chip_.addressBytes;
+    return acknowledged ? 0 : statusNoAcknowledge;
+}
+
+Reply EEPROM::read(Payload payload)
+{
+    if (payload[0] == 0 || payload[0] > longestRead)
+        return refuse(statusWrongValue);
+    Bytes bytes(payload[0]);
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        bytes[i] = memory_[(u16le(payload, 1) + i) % memory_.size()];
+    return tell(bytes);
+}
+
+Reply EEPROM::write(Payload payload)
+{
+    const Payload data = payload.subspan(3);
+    if (payload[0] > longestWrite)
+        return refuse(statusWrongValue);
+    if (payload[0] != data.size())
+        return refuse(statusWrongLength);
+    return perform([this, data, address = u16le(payload, 1)] {
+        for (std::size_t i = 0; i < data.size(); ++i)
+            memory_[(address + i) % memory_.size()] = data[i];
+    });
+}
+
+std::optional<Reply> EEPROM::answer(Request request, Payload payload)
+{
+    if (request == Request::ConfigureEEPROM)
+        return perform([this, description = R20EEPROM{payload[0], payload[1], u16be(payload, 2), payload[4], 0}] {
+            configuration_ = description;
+        });
+    if (request != Request::ReadEEPROM && request != Request::WriteEEPROM)
+        return std::nullopt;
+    if (failure() != 0)
+        return refuse(failure());
+    return request == Request::ReadEEPROM ? read(payload) : write(payload);
+}
+
+}  // namespace sim

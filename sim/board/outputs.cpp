@@ -1,0 +1,87 @@
+#include "sim/board/outputs.h"
+
+#include <algorithm>
+
+namespace sim
+{
+
+namespace
+{
+
+void switchPattern(Pattern &pattern, Payload onThenOff)
+{
+    for (std::size_t i = 0; i < pattern.size(); ++i)
+        pattern[i] = static_cast<unsigned char>((pattern[i] | onThenOff[i]) & ~onThenOff[i + pattern.size()]);
+}
+
+Pattern toPattern(Payload payload)
+{
+    Pattern pattern;
+    std::copy_n(payload.begin(), pattern.size(), pattern.begin());
+    return pattern;
+}
+
+}  // namespace
+
+bool Outputs::inOnPeriod() const
+{
+    return timeline_.now() / flashPeriod % 2 == 0;
+}
+
+bool Outputs::lit(unsigned int output) const
+{
+    return forced_.at(output).value_or(holds(inOnPeriod() ? onPattern_ : offPattern_, output));
+}
+
+Pattern Outputs::litNow() const
+{
+    Pattern now{};
+    for (unsigned int output = 0; output < outputCount; ++output)
+        put(now, output, lit(output));
+    return now;
+}
+
+void Outputs::drive(unsigned int output, bool on)
+{
+    put(onPattern_, output, on);
+    put(offPattern_, output, on);
+}
+
+void Outputs::force(unsigned int output, std::optional<bool> level)
+{
+    forced_.at(output) = level;
+}
+
+void Outputs::modify(Payload onThenOff)
+{
+    switchPattern(onPattern_, onThenOff);
+    switchPattern(offPattern_, onThenOff);
+}
+
+std::optional<Reply> Outputs::answer(Request request, Payload payload)
+{
+    switch (request) {
+    case Request::ModifyOutputs:
+        return perform([this, payload] { modify(payload); });
+    case Request::SetOnPeriodOutputs:
+        return perform([this, payload] { onPattern_ = toPattern(payload); });
+    case Request::SetOffPeriodOutputs:
+        return perform([this, payload] { offPattern_ = toPattern(payload); });
+    case Request::SetOutputBrightness:
+        if (payload[0] > fullBrightness)
+            return refuse(statusWrongValue);
+        return perform([this, level = payload[0]] { brightness_ = level; });
+    default:
+        return std::nullopt;
+    }
+}
+
+void Outputs::powerLost()
+{
+    onPattern_ = {};
+    offPattern_ = {};
+    forced_ = {};
+    brightness_ = fullBrightness;
+}
+
+}  // namespace sim
