@@ -32,7 +32,7 @@ unsigned int baudRateOf(unsigned int port, unsigned char a, unsigned char b)
 
 Nanoseconds SerialLineSettings::wordTime() const
 {
-    return std::chrono::seconds(nineBit() ? 11 : 10) / baudRate;
+    return Nanoseconds(std::chrono::seconds(nineBit() ? 11 : 10)) / baudRate;
 }
 
 std::optional<SerialLineSettings> decodeSerialConfig(unsigned int port, Payload payload)
