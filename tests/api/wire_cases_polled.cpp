@@ -1,0 +1,176 @@
+#include <cmath>
+#include <cstring>
+
+#include "tests/api/wire_table.h"
+
+namespace tests
+{
+
+namespace
+{
+
+const _usbSerialPort port2 = _usbSerialPort(2);
+
+WireCase hostTimeout(const char *name, double seconds, const std::string &expected, unsigned char slot = 2)
+{
+    return row(
+        name, [=](SorvaneUSB &usb) { return usb.SetPolledHostTimeout(usbSerialPort1, slot, seconds); }, expected);
+}
+
+CCTalkConfig ccTalk()
+{
+    CCTalkConfig c = {};
+    c.slot = 2;
+    c.optionA = 3;
+    c.optionB = 4;
+    c.optionC = 0xC0;
+    c.timeMs = 1234;
+    c.optionD = 0xD0;
+    c.optionE = 0xE0;
+    c.optionF = 0xF0;
+    const unsigned char poll[] = {2, 0, 1, 254, 255};
+    std::memcpy(c.message1, poll, sizeof poll);
+    std::memcpy(c.message2, poll, sizeof poll);
+    return c;
+}
+
+const std::string ccTalkStart = "103/3 02 03 04 01 01 05 ";
+
+WireCase ccTalkRow(const char *name, const std::function<void(CCTalkConfig &)> &change, const std::string &expected,
+                   _usbSerialPort port = usbSerialPort0, int timeAfter = 1234)
+{
+    return row(
+        name,
+        [=](SorvaneUSB &usb) {
+            CCTalkConfig c = ccTalk();
+            change(c);
+            const int result = usb.ConfigureCCTalkPort(port, &c);
+            EXPECT_EQ(c.timeMs, timeAfter);
+            return result;
+        },
+        expected);
+}
+
+WireCase rs232Row(const char *name, const std::function<void(RS232PollConfig &)> &change, const std::string &expected)
+{
+    return row(
+        name,
+        [=](SorvaneUSB &usb) {
+            RS232PollConfig c = {1, 2, 3, 0xC1, 100, 0xF7, 2, 3, 0x55, 0xD1, 0xE1, 0xF1, {9, 8, 1, 7}, {6, 5, 0}};
+            change(c);
+            return usb.ConfigureRS232Poll(usbSerialPort1, &c);
+        },
+        expected);
+}
+
+}  // namespace
+
+WireCases polledHostCases()
+{
+    const std::string poll = "02 00 01 FE FF";
+    const std::string twoPolls = "E0 D0 F0 C0 05 05 " + poll + " " + poll;
+    return {
+        hostTimeout("SetPolledHostTimeout(0.3 s)", 0.3, "121/4 02 02"),
+        hostTimeout("SetPolledHostTimeout(0.1 s)", 0.1, "121/4 02 01"),
+        hostTimeout("SetPolledHostTimeout(1.2 s)", 1.2, "121/4 02 0B"),
+        hostTimeout("SetPolledHostTimeout(25.4 s)", 25.4, "121/4 02 FD"),
+        hostTimeout("SetPolledHostTimeout(25.5 s)", 25.5, "121/4 02 FF"),
+        hostTimeout("SetPolledHostTimeout(0 s)", -0.0, "121/4 02 00"),
+        hostTimeout("SetPolledHostTimeout(25.6 s)", 25.6, "error 8"),
+        hostTimeout("SetPolledHostTimeout(-1 s)", -1, "error 8"),
+        hostTimeout("SetPolledHostTimeout(NaN)", NAN, "error 8"),
+        hostTimeout("SetPolledHostTimeout(slot 4)", 1, "error 8", 4),
+        row(
+            "SetPolledHostTimeout(port 2)", [](auto &u) { return u.SetPolledHostTimeout(port2, 0, 1); }, "error 8"),
+        ccTalkRow(
+            "ConfigureCCTalkPort", [](auto &) {}, ccTalkStart + "7B " + twoPolls),
+        ccTalkRow(
+            "ConfigureCCTalkPort clamps 2555 ms", [](auto &c) { c.timeMs = 2555; }, ccTalkStart + "FF " + twoPolls,
+            usbSerialPort0, 2550)
+            .withBoard(),
+        ccTalkRow(
+            "ConfigureCCTalkPort sends negative times as they are", [](auto &c) { c.timeMs = -19; },
+            ccTalkStart + "FF " + twoPolls, usbSerialPort0, -19),
+        ccTalkRow(
+            "ConfigureCCTalkPort: a data length of 252 wraps to one byte",
+            [](auto &c) {
+                c.message1[1] = 252;
+                c.message2[1] = 251;
+            },
+            ccTalkStart + "7B E0 D0 F0 C0 01 00 02"),
+        ccTalkRow(
+            "ConfigureCCTalkPort: port 2 is noticed after the clamp", [](auto &c) { c.timeMs = 3000; }, "error 8",
+            port2, 2550)
+            .withBoard(),
+        ccTalkRow(
+            "ConfigureCCTalkPort: a message1 of 26 bytes", [](auto &c) { c.message1[1] = 21; }, "error 8"),
+        ccTalkRow(
+            "ConfigureCCTalkPort: a message2 of 26 bytes", [](auto &c) { c.message2[1] = 21; }, "error 8"),
+        ccTalkRow(
+            "ConfigureCCTalkPort: slot 4", [](auto &c) { c.slot = 4; }, "error 8"),
+        ccTalkRow(
+            "ConfigureCCTalkPort: optionA 4", [](auto &c) { c.optionA = 4; }, "error 8"),
+        ccTalkRow(
+            "ConfigureCCTalkPort: optionB 5", [](auto &c) { c.optionB = 5; }, "error 8"),
+        row(
+            "ConfigureCCTalkPort(null)", [](auto &u) { return u.ConfigureCCTalkPort(usbSerialPort0, nullptr); },
+            "error 30"),
+        rs232Row(
+            "ConfigureRS232Poll", [](auto &) {}, "103/4 01 02 03 F7 02 03 0A E1 D1 F1 C1 04 03 09 08 01 07 06 05 00"),
+        rs232Row(
+            "ConfigureRS232Poll: a length byte outside the message", [](auto &c) { c.lengthIndex = 25; }, "error 8"),
+        rs232Row(
+            "ConfigureRS232Poll: a message of 26 bytes", [](auto &c) { c.message1[2] = 23; }, "error 8"),
+        row(
+            "ConfigureRS232Poll(null)", [](auto &u) { return u.ConfigureRS232Poll(usbSerialPort0, nullptr); },
+            "error 30"),
+        row(
+            "EmptyPolledBuffer", [](auto &u) { return u.EmptyPolledBuffer(usbSerialPort0, 3); }, "104/3 03"),
+        row(
+            "EmptyPolledBuffer(slot 4)", [](auto &u) { return u.EmptyPolledBuffer(usbSerialPort0, 4); }, "error 8"),
+        row(
+            "EmptyPolledBuffer(port 2)", [](auto &u) { return u.EmptyPolledBuffer(port2, 0); }, "error 8"),
+        row(
+            "DeletePolledMessage", [](auto &u) { return u.DeletePolledMessage(usbSerialPort1, 1); }, "106/4 01"),
+        row(
+            "DeletePolledMessage(slot 4)", [](auto &u) { return u.DeletePolledMessage(usbSerialPort0, 4); }, "error 8"),
+        row(
+            "DeletePolledMessage(port 2)", [](auto &u) { return u.DeletePolledMessage(port2, 0); }, "error 8"),
+        row(
+            "ReceivePolledMessage joins the parts",
+            [](auto &u) {
+                unsigned char message[8] = {};
+                unsigned long length = 99;
+                unsigned int status = 99;
+                const int result = u.ReceivePolledMessage(usbSerialPort0, 1, message, &length, &status);
+                EXPECT_EQ(hex(message, 3), result ? "41 42 43" : "00 00 00");
+                EXPECT_EQ(length, result ? 3u : 0u);
+                EXPECT_EQ(status, result ? 6u : 99u);
+                return result;
+            },
+            "105/3 01; 105/3 01")
+            .withBoard()
+            .answered({{0, 1, 0x41, 0x42}, {6, 0, 0x43}}),
+        row(
+            "ReceivePolledMessage: slot 4",
+            [](auto &u) {
+                unsigned char message[1];
+                unsigned long length = 99;
+                unsigned int status;
+                const int result = u.ReceivePolledMessage(usbSerialPort0, 4, message, &length, &status);
+                EXPECT_EQ(length, 99u);
+                return result;
+            },
+            "error 8"),
+        row(
+            "ReceivePolledMessage(null status): the pointers come first",
+            [](auto &u) {
+                unsigned char message[1];
+                unsigned long length;
+                return u.ReceivePolledMessage(usbSerialPort0, 4, message, &length, nullptr);
+            },
+            "error 30"),
+    };
+}
+
+}  // namespace tests

@@ -1,0 +1,121 @@
+#include <sstream>
+
+#include "board/requests.h"
+#include "tests/api/wire_table.h"
+
+namespace tests
+{
+
+WireCases everyWireCase()
+{
+    WireCases all;
+    for (const auto &cases :
+         {inputAndOutputCases(), coinAndReelCases(), serialCases(), polledHostCases(), memoryCases(), identityCases()})
+        all.insert(all.end(), cases.begin(), cases.end());
+    return all;
+}
+
+namespace
+{
+
+bool isRefusal(const std::string &expected)
+{
+    return expected.rfind("error ", 0) == 0;
+}
+
+class Wire : public testing::TestWithParam<sim::Model>
+{
+protected:
+    const std::string &expectedOf(const WireCase &row) const
+    {
+        return row.expected[static_cast<std::size_t>(GetParam()) - 1];
+    }
+};
+
+void script(sim::VirtualBoard &board, const WireCase &row)
+{
+    for (const sim::Bytes &answer : row.answers)
+        board.answerNext(answer);
+    board.faults().add(sim::Fault::answer({}).forever());
+}
+
+TEST_P(Wire, CarriesEachCallByteForByteOrRefusesIt)
+{
+    for (const WireCase &row : everyWireCase()) {
+        SCOPED_TRACE(row.name);
+        OpenBoard open(GetParam());
+        script(open.board, row);
+        const std::string &expected = expectedOf(row);
+        const int result = row.call(open.usb);
+        if (isRefusal(expected)) {
+            EXPECT_EQ(result, 0);
+            EXPECT_EQ("error " + std::to_string(open.usb.GetLastError()), expected);
+            EXPECT_EQ(wire(open.board), "");
+        } else {
+            EXPECT_EQ(result, 1);
+            EXPECT_EQ(open.usb.GetLastError(), usbErrorNone);
+            EXPECT_EQ(wire(open.board), expected);
+        }
+    }
+}
+
+// Each row's call checks by itself that its results are what they were.
+TEST_P(Wire, LeavesTheResultsAloneWhenTheBoardRefuses)
+{
+    for (const WireCase &row : everyWireCase()) {
+        if (isRefusal(expectedOf(row)) || expectedOf(row).empty())
+            continue;
+        SCOPED_TRACE(row.name);
+        OpenBoard open(GetParam());
+        open.board.faults().add(sim::Fault::status(0x21).forever());
+        EXPECT_EQ(row.call(open.usb), 0);
+        EXPECT_EQ(open.usb.GetLastError(), 0x21);
+    }
+}
+
+TEST_P(Wire, SendsNothingWithoutABoard)
+{
+    for (const WireCase &row : everyWireCase()) {
+        if (row.onlyOnABoard)
+            continue;
+        SCOPED_TRACE(row.name);
+        SorvaneUSB closed;
+        closed.ClearErrors();
+        EXPECT_EQ(row.call(closed), 0);
+        const bool sas = row.name.find("SAS") != std::string::npos;
+        EXPECT_EQ(closed.GetLastError(), sas ? usbErrorNotSupported : usbErrorNone);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Models, Wire, testing::ValuesIn(everyModel),
+                         [](const auto &info) { return nameOf(info.param); });
+
+/// The literal exchanges of the tests that carry data in chunks, which have files of their own.
+const char *const exchangesElsewhere[] = {
+    "4/2", "5/2", "70/6", "71/6", "72/6", "73/6", "74/6", "116/6", "117/6", "102/3", "102/4",
+};
+
+TEST(WireTable, HasEveryRequestOfEveryBoard)
+{
+    std::string seen;
+    for (const WireCase &row : everyWireCase())
+        for (const std::string &expected : row.expected)
+            seen += "; " + expected + " ";
+    for (const char *elsewhere : exchangesElsewhere)
+        seen += "; " + std::string(elsewhere) + " ";
+    for (const NamedRequest &row : requestTable) {
+        std::ostringstream start;
+        start << "; " << int(codeOf(row.request)) << "/" << pipeOf(row.request);
+        const bool onPipe =
+            seen.find(start.str() + " ") != std::string::npos || seen.find(start.str() + ";") != std::string::npos;
+        std::ostringstream other;
+        other << "; " << int(codeOf(row.request)) << "/4";
+        const bool onPort1 = pipeOf(row.request) == 3 && (seen.find(other.str() + " ") != std::string::npos ||
+                                                          seen.find(other.str() + ";") != std::string::npos);
+        EXPECT_TRUE(onPipe || onPort1) << "no test has seen " << row.name << " on the wire";
+    }
+}
+
+}  // namespace
+
+}  // namespace tests

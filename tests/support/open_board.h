@@ -1,0 +1,55 @@
+// A virtual board that the library has opened, and its exchanges as text.
+#ifndef SORVANE_TESTS_SUPPORT_OPEN_BOARD_H
+#define SORVANE_TESTS_SUPPORT_OPEN_BOARD_H
+
+#include <gtest/gtest.h>
+#include <sorvaneusb.h>
+#include <string>
+
+#include "sim/inprocess/inprocess.h"
+
+namespace tests
+{
+
+constexpr sim::Model everyModel[] = {sim::Model::R20, sim::Model::R20s, sim::Model::R35};
+
+/// The clock of all boards of this process; it stands still unless a test advances it.
+inline sim::ManualClock &testClock()
+{
+    static sim::ManualClock clock;
+    return clock;
+}
+
+/// A board behind a device number, in place of the one that was there.
+inline sim::VirtualBoard &plug(int deviceNo, sim::Model model)
+{
+    sim::inProcessBoards().useClock(testClock());
+    return sim::inProcessBoards().plug(deviceNo, model);
+}
+
+/// Code, pipe and payload of what the board was asked since its trace was cleared: "78/1 0A 1F; 80/1".
+std::string wire(const sim::VirtualBoard &board);
+
+/// Bytes as text: "0A 1F".
+std::string hex(const unsigned char *bytes, std::size_t count);
+
+/// Opened with a running firmware, its trace cleared.
+struct OpenBoard {
+    explicit OpenBoard(sim::Model model, int deviceNo = 0, bool highSpeed = false) : board(plug(deviceNo, model))
+    {
+        board.firmwareRunning();
+        if (highSpeed)
+            board.highSpeed();
+        EXPECT_TRUE(usb.InitPort(deviceNo)) << nameOf(model) << ", error " << usb.GetLastError();
+        usb.ClearErrors();
+        board.clearExchanges();
+    }
+    ~OpenBoard() { usb.close(); }
+
+    sim::VirtualBoard &board;
+    SorvaneUSB usb;
+};
+
+}  // namespace tests
+
+#endif
