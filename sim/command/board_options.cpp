@@ -1,0 +1,179 @@
+#include "sim/command/board_options.h"
+
+#include <algorithm>
+#include <cctype>
+
+namespace sim
+{
+
+namespace
+{
+
+struct Option {
+    const char *name;
+    bool numbered;  ///< a number belongs to the name: hopper5, serial0
+    const char *help;
+    void (*apply)(BoardOptions &board, const std::string &index, const std::string &value);
+};
+
+bool oneOf(const std::string &value, const std::string &what, const char *yes, const char *no)
+{
+    if (value != yes && value != no)
+        refuse(value, what, {yes, no});
+    return value == yes;
+}
+
+void setSpeed(BoardOptions &board, const std::string &, const std::string &value)
+{
+    board.highSpeed = oneOf(value, "speed", "high", "full");
+}
+
+void setNumber(BoardOptions &board, const std::string &, const std::string &value)
+{
+    board.number = static_cast<unsigned int>(numberFrom(value, "a board number", 0, 7));
+}
+
+void setEEPROM(BoardOptions &board, const std::string &, const std::string &value)
+{
+    const EEPROMChip *chip = findEEPROMChip(value.c_str());
+    if (!chip) {
+        TextWords names;
+        for (const EEPROMChip &known : eepromChips)
+            names.emplace_back(known.name);
+        refuse(value, "EEPROM", names);
+    }
+    board.eeprom = chip->description;
+}
+
+void setFirmware(BoardOptions &board, const std::string &, const std::string &value)
+{
+    board.firmwareRunning = oneOf(value, "firmware", "running", "missing");
+}
+
+void setHopper(BoardOptions &board, const std::string &index, const std::string &value)
+{
+    const auto input = static_cast<unsigned int>(numberFrom(index, "a hopper's input", 0, inputCount - 1));
+    board.hopperStocks[input] = static_cast<unsigned int>(numberFrom(value, "a stock of coins", 0, 65535));
+}
+
+void setSerial(BoardOptions &board, const std::string &index, const std::string &value)
+{
+    const auto port = static_cast<unsigned int>(numberFrom(index, "a serial port", 0, 1));
+    const std::vector<std::string> &names = peripheralNames();
+    if (std::find(names.begin(), names.end(), value) == names.end())
+        refuse(value, "peripheral", names);
+    board.peripherals[port] = value;
+}
+
+constexpr Option options[] = {
+    {"speed", false, "speed=full|high         the USB speed (full)", setSpeed},
+    {"number", false, "number=0..7             the board number on inputs 24 to 26 (0)", setNumber},
+    {"eeprom", false, "eeprom=24LC256          the fitted chip: 24LC01 to 24LC512 (24LC256)", setEEPROM},
+    {"firmware", false, "firmware=missing|running  whether the firmware runs already (missing)", setFirmware},
+    {"hopper", true, "hopper5=20              a hopper on input 5 with 20 coins; repeatable by input", setHopper},
+    {"serial", true, "serial0=cctalk          what hangs on serial port 0 or 1", setSerial},
+};
+
+TextWords optionNames()
+{
+    TextWords names;
+    for (const Option &option : options)
+        names.push_back(option.name + std::string(option.numbered ? "N" : ""));
+    return names;
+}
+
+const Option &optionFor(const std::string &key)
+{
+    const std::size_t letters = key.find_first_of("0123456789");
+    for (const Option &option : options) {
+        if (key.substr(0, letters) == option.name && (letters != std::string::npos) == option.numbered)
+            return option;
+    }
+    refuse(key, "board option", optionNames());
+}
+
+Model modelFrom(const std::string &name)
+{
+    TextWords names;
+    for (const Model model : everyModel) {
+        if (name == nameOf(model))
+            return model;
+        names.emplace_back(nameOf(model));
+    }
+    refuse(name, "model", names);
+}
+
+BoardOptions boardFrom(const std::string &argument)
+{
+    const TextWords parts = splitAt(argument, ',');
+    const std::size_t equals = parts[0].find('=');
+    if (equals == std::string::npos)
+        throw UsageError("allowed is N=MODEL[,option=value...], N from 0 to 15, MODEL R20, R20s or R35");
+    BoardOptions board;
+    board.deviceNo = static_cast<int>(numberFrom(parts[0].substr(0, equals), "a device number", 0, deviceCount - 1));
+    board.model = modelFrom(parts[0].substr(equals + 1));
+    TextWords seen;
+    for (auto part = parts.begin() + 1; part != parts.end(); ++part) {
+        const std::size_t at = part->find('=');
+        const std::string key = part->substr(0, at);
+        const Option &option = optionFor(key);
+        const std::string value = at == std::string::npos ? "" : part->substr(at + 1);
+        if (value.empty())
+            throw UsageError("board option " + key + " has no value; allowed: " + option.help);
+        if (std::find(seen.begin(), seen.end(), key) != seen.end())
+            throw UsageError("board option " + key + " stands there twice; allowed is once");
+        seen.push_back(key);
+        option.apply(board, key.substr(std::string(option.name).size()), value);
+    }
+    return board;
+}
+
+}  // namespace
+
+std::vector<BoardOptions> boardsFrom(const TextWords &arguments)
+{
+    std::vector<BoardOptions> boards;
+    for (const std::string &argument : arguments) {
+        try {
+            boards.push_back(boardFrom(argument));
+        } catch (const UsageError &error) {
+            throw UsageError("--board " + argument + ": " + error.what());
+        }
+        const auto sameNumber = [&boards](const BoardOptions &board) {
+            return board.deviceNo == boards.back().deviceNo;
+        };
+        if (std::count_if(boards.begin(), boards.end(), sameNumber) > 1)
+            throw UsageError("--board " + argument + ": there is a board " + std::to_string(boards.back().deviceNo) +
+                             " already; allowed is one for each number");
+    }
+    return boards;
+}
+
+void plugBoards(VirtualBoards &boards, const std::vector<BoardOptions> &options)
+{
+    for (const BoardOptions &wanted : options) {
+        VirtualBoard &board = boards.plug(wanted.deviceNo, wanted.model);
+        if (wanted.highSpeed.value_or(false))
+            board.highSpeed();
+        if (wanted.number)
+            board.boardNumber(*wanted.number);
+        if (wanted.eeprom)
+            board.eeprom(*wanted.eeprom);
+        if (wanted.firmwareRunning.value_or(false))
+            board.firmwareRunning();
+        for (const auto &[input, stock] : wanted.hopperStocks)
+            board.hopper(input, stock);
+        for (const auto &[port, name] : wanted.peripherals)
+            board.serialPeripheral(port, makePeripheral(name));
+    }
+}
+
+std::string boardOptionsHelp()
+{
+    std::string help = "N=MODEL[,option=value...]: N 0 to 15; MODEL R20, R20s or R35; options:\n";
+    for (const Option &option : options)
+        help += std::string("  ") + option.help + "\n";
+    return help + "  peripherals: " + join(peripheralNames(), ", ") + "\n";
+}
+
+}  // namespace sim

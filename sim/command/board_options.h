@@ -1,0 +1,36 @@
+// The boards of a run: `--board N=MODEL[,option=value...]`.
+#ifndef SORVANE_SIM_COMMAND_BOARD_OPTIONS_H
+#define SORVANE_SIM_COMMAND_BOARD_OPTIONS_H
+
+#include "sim/board/virtual_boards.h"
+#include "sim/command/words.h"
+
+#include <map>
+
+namespace sim
+{
+
+/// One --board, checked. What is not said is as the board comes.
+struct BoardOptions {
+    int deviceNo = 0;
+    Model model = Model::R20;
+    std::optional<bool> highSpeed;
+    std::optional<unsigned int> number;
+    std::optional<R20EEPROM> eeprom;
+    std::optional<bool> firmwareRunning;
+    std::map<unsigned int, unsigned int> hopperStocks;  ///< by input
+    std::map<unsigned int, std::string> peripherals;    ///< by serial port
+};
+
+/// Throws UsageError for anything unknown, empty or repeated, boards included.
+std::vector<BoardOptions> boardsFrom(const TextWords &arguments);
+
+/// Builds them.
+void plugBoards(VirtualBoards &boards, const std::vector<BoardOptions> &options);
+
+/// What --board takes, for the help.
+std::string boardOptionsHelp();
+
+}  // namespace sim
+
+#endif

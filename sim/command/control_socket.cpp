@@ -1,0 +1,118 @@
+#include "sim/command/control_socket.h"
+
+#include "sim/command/commands.h"
+#include "sim/nodes/failure.h"
+
+#include <array>
+#include <sys/socket.h>
+#include <sys/time.h>
+
+namespace sim
+{
+
+namespace
+{
+
+constexpr timeval patience{2, 0};
+constexpr std::size_t longestRequest = 65536;
+
+std::optional<uid_t> userBehind(const OwnedFd &connection)
+{
+    ucred peer{};
+    socklen_t size = sizeof peer;
+    if (::getsockopt(connection.get(), SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0)
+        return std::nullopt;
+    return peer.uid;
+}
+
+void sendAll(const OwnedFd &connection, const std::string &text)
+{
+    for (std::size_t sent = 0; sent < text.size();) {
+        const ssize_t now = ::send(connection.get(), text.data() + sent, text.size() - sent, MSG_NOSIGNAL);
+        if (now <= 0)
+            return;
+        sent += static_cast<std::size_t>(now);
+    }
+}
+
+// Everything up to the end that the other side makes of its sending.
+std::string receiveAll(const OwnedFd &connection, std::size_t atMost)
+{
+    std::string text;
+    std::array<char, 4096> part{};
+    for (ssize_t size; (size = ::recv(connection.get(), part.data(), part.size(), 0)) > 0 && text.size() < atMost;)
+        text.append(part.data(), static_cast<std::size_t>(size));
+    return text;
+}
+
+ControlAnswer carryOut(VirtualBoards &boards, const std::string &request)
+{
+    TextWords words = splitAt(request, '\0');
+    words.pop_back();
+    try {
+        return {0, Command::parse(words).carryOut(boards)};
+    } catch (const UsageError &error) {
+        return {statusOfUsageError, error.what()};
+    } catch (const std::exception &error) {
+        return {1, error.what()};
+    }
+}
+
+// Root comes as the run's user: a run in a user namespace of its own could not tell root from anybody.
+void becomeUserOf(const RunName &name)
+{
+    if (name.user != ::geteuid())
+        checked(::seteuid(name.user), "taking the id of the run's user");
+}
+
+}  // namespace
+
+ControlServer::ControlServer(VirtualBoards &boards, const RunName &name)
+    : boards_(boards), socket_(checked(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0), "making a socket"))
+{
+    const RunAddress address(name);
+    checked(::bind(socket_.get(), address.get(), address.length), "taking the name " + name.text());
+    checked(::listen(socket_.get(), 16), "listening as " + name.text());
+}
+
+void ControlServer::answerAll()
+{
+    for (;;) {
+        const OwnedFd connection(::accept4(socket_.get(), nullptr, nullptr, SOCK_CLOEXEC));
+        if (!connection)
+            continue;
+        const std::optional<uid_t> user = userBehind(connection);
+        if (user && (*user == ::geteuid() || *user == 0))
+            answerOne(connection);
+    }
+}
+
+void ControlServer::answerOne(const OwnedFd &connection)
+{
+    // Whoever asks and does not go on holds up the others no longer than this.
+    ::setsockopt(connection.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    ::setsockopt(connection.get(), SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
+    const ControlAnswer answer = carryOut(boards_, receiveAll(connection, longestRequest));
+    sendAll(connection, static_cast<char>('0' + answer.status) + answer.text);
+}
+
+ControlAnswer askRun(const RunName &name, const TextWords &words)
+{
+    becomeUserOf(name);
+    const OwnedFd connection(checked(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0), "making a socket"));
+    const RunAddress address(name);
+    checked(::connect(connection.get(), address.get(), address.length), "reaching the run " + name.id);
+    if (userBehind(connection) != name.user)
+        throw UsageError("the run " + name.id + " belongs to somebody else");
+    std::string request;
+    for (const std::string &word : words)
+        request += word + '\0';
+    sendAll(connection, request);
+    ::shutdown(connection.get(), SHUT_WR);
+    const std::string answer = receiveAll(connection, SIZE_MAX);
+    if (answer.empty())
+        throw UsageError("the run " + name.id + " does not answer");
+    return {answer[0] - '0', answer.substr(1)};
+}
+
+}  // namespace sim

@@ -1,0 +1,40 @@
+// Both ends of `ctl`. A request is the words of a command, a 0 byte behind each; the answer is one byte, the exit
+// status for the asking side, and a text. One exchange for each connection.
+#ifndef SORVANE_SIM_COMMAND_CONTROL_SOCKET_H
+#define SORVANE_SIM_COMMAND_CONTROL_SOCKET_H
+
+#include "sim/board/virtual_boards.h"
+#include "sim/command/run_names.h"
+#include "sim/command/words.h"
+#include "sim/nodes/owned_fd.h"
+
+namespace sim
+{
+
+class ControlServer
+{
+public:
+    ControlServer(VirtualBoards &boards, const RunName &name);
+
+    /// Answers whoever asks, for ever. An abstract socket has no permissions: only the run's own user and root are
+    /// heard.
+    [[noreturn]] void answerAll();
+
+private:
+    void answerOne(const OwnedFd &connection);
+
+    VirtualBoards &boards_;
+    OwnedFd socket_;
+};
+
+struct ControlAnswer {
+    int status = 0;
+    std::string text;
+};
+
+/// Throws std::system_error when the run cannot be reached.
+ControlAnswer askRun(const RunName &name, const TextWords &words);
+
+}  // namespace sim
+
+#endif

@@ -1,0 +1,15 @@
+// `ctl`: a command for a run that is up.
+#ifndef SORVANE_SIM_COMMAND_CTL_COMMAND_H
+#define SORVANE_SIM_COMMAND_CTL_COMMAND_H
+
+#include "sim/command/words.h"
+
+namespace sim
+{
+
+/// The result is the exit status. `runId` is empty when none was named.
+int control(const std::string &runId, TextWords words);
+
+}  // namespace sim
+
+#endif

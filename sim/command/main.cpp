@@ -1,0 +1,124 @@
+// sorvane-sim: virtual boards behind real device nodes.
+#include "sim/command/ctl_command.h"
+#include "sim/command/run_command.h"
+#include "sim/nodes/failure.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+
+using namespace sim;
+
+namespace
+{
+
+struct Options {
+    TextWords boards;
+    std::string scenario;
+    std::string runId;
+    std::string board;
+    std::string how = "auto";
+    bool privateIpc = false;
+    bool shareIpc = false;
+};
+
+void addBoards(CLI::App &command, Options &options)
+{
+    command.add_option("--board", options.boards, boardOptionsHelp())->expected(1)->take_all();
+    command.add_option("--scenario", options.scenario, "a file of commands; `at 1.5s` before one says when");
+    const auto privateIpc =
+        command.add_flag("--private-ipc", options.privateIpc, "SysV objects of the program's own (the default)");
+    command.add_flag("--share-ipc", options.shareIpc, "the machine's SysV objects")->excludes(privateIpc);
+}
+
+RunRequest requestFrom(const Options &options)
+{
+    RunRequest request;
+    request.boards = boardsFrom(options.boards);
+    if (!options.scenario.empty())
+        request.scenario = Scenario::read(options.scenario);
+    request.scenario.check(request.boards);
+    request.privateIpc = !options.shareIpc;
+    request.how = howFrom(options.how);
+    request.boardArguments = options.boards;
+    request.scenarioFile = options.scenario;
+    return request;
+}
+
+TextWords checked(const TextWords &program)
+{
+    if (program.empty())
+        throw UsageError("there is no program; it stands behind --, as in: -- PROGRAM [ARG...]");
+    return program;
+}
+
+int controlBy(const Options &options, TextWords words)
+{
+    for (const std::string &word : words) {
+        if (word == "--help" || word == "-h")
+            throw CLI::CallForHelp();
+        if (word == "--version")
+            throw CLI::CallForVersion("sorvane-sim " SORVANE_VERSION, 0);
+    }
+    if (!options.board.empty())
+        words.insert(words.begin(), {"--board", options.board});
+    return control(options.runId, words);
+}
+
+// The program's words stand behind the first "--"; they are nobody's options.
+int run(int argc, char **argv)
+{
+    char **const programMark = std::find(argv, argv + argc, std::string("--"));
+    const bool marked = programMark != argv + argc;
+    const TextWords program(marked ? programMark + 1 : argv + argc, argv + argc);
+
+    Options options;
+    CLI::App app("Virtual Sorvane boards behind real device nodes", "sorvane-sim");
+    const auto add = [&app](const char *name, const char *help) {
+        CLI::App *command = app.add_subcommand(name, help);
+        command->set_version_flag("--version", "sorvane-sim " SORVANE_VERSION);
+        return command;
+    };
+    app.set_version_flag("--version", "sorvane-sim " SORVANE_VERSION);
+    app.require_subcommand(1);
+    CLI::App *run = add("run", "run [OPTION...] -- PROGRAM [ARG...]: the boards for one program");
+    addBoards(*run, options);
+    run->add_option("--how", options.how, "node, preload, or auto: nodes where they are possible");
+    CLI::App *serve = add("serve", "keep boards up for programs that enter");
+    addBoards(*serve, options);
+    CLI::App *enter = add("enter", "enter [--run ID] -- PROGRAM [ARG...]: a program for boards that are up");
+    CLI::App *ctl = add("ctl", "ctl [--run ID] [--board N] COMMAND: do something to the boards");
+    enter->add_option("--run", options.runId, "which boards, where several runs are up");
+    ctl->add_option("--run", options.runId, "which boards, where several runs are up");
+    ctl->add_option("--board", options.board, "which board, where there are several");
+    ctl->prefix_command()->footer(commandsHelp());
+    try {
+        app.parse(static_cast<int>(programMark - argv), argv);
+        if (run->parsed())
+            runWithBoards(requestFrom(options), checked(program));
+        if (enter->parsed())
+            enterRun(options.runId, checked(program));
+        if (serve->parsed())
+            return serveBoards(requestFrom(options));
+        return controlBy(options, ctl->remaining());
+    } catch (const CLI::Success &asked) {
+        return app.exit(asked);
+    } catch (const CLI::ParseError &error) {
+        throw UsageError(std::string(error.what()) + "\n" + app.help());
+    }
+}
+
+}  // namespace
+
+int main(int argc, char **argv)
+{
+    try {
+        return run(argc, argv);
+    } catch (const UsageError &error) {
+        std::fprintf(stderr, "sorvane-sim: %s\n", error.what());
+        return statusOfUsageError;
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "sorvane-sim: %s\n", error.what());
+        return statusOfFailure;
+    }
+}

@@ -1,0 +1,137 @@
+#include "sim/command/run_command.h"
+
+#include "sim/command/control_socket.h"
+#include "sim/command/preload.h"
+#include "sim/nodes/attributes.h"
+#include "sim/nodes/failure.h"
+#include "sim/nodes/key_files.h"
+#include "sim/nodes/node.h"
+#include "sim/nodes/program.h"
+
+#include <cstdio>
+#include <sched.h>
+#include <sys/wait.h>
+
+namespace sim
+{
+
+namespace
+{
+
+// The life of the serving process.
+void serve(BoardService &service, const RunRequest &request, const RunName &name)
+{
+    std::optional<KeyFiles> keyFiles;
+    if (request.privateIpc)
+        keyFiles.emplace();
+    SteadyClock clock;
+    VirtualBoards boards(clock);
+    plugBoards(boards, request.boards);
+    ControlServer control(boards, name);
+    MountedDevices devices = service.receiveDevices();
+    Attributes attributes(boards, std::move(devices.attributes));
+    std::vector<std::unique_ptr<Node>> nodes;
+    for (auto &[deviceNo, device] : devices.nodes)
+        nodes.push_back(std::make_unique<Node>(boards, deviceNo, std::move(device)));
+    request.scenario.prepare(boards);
+    std::thread([&control] { control.answerAll(); }).detach();
+    service.ready();
+    if (service.waitForStart()) {
+        std::thread([&] { request.scenario.play(boards); }).detach();
+        service.waitForEnd();
+    }
+    if (keyFiles)
+        keyFiles->removeNewOnes(allRuns().size() > 1);
+    service.leave();
+}
+
+std::vector<int> deviceNosOf(const RunRequest &request)
+{
+    std::vector<int> numbers;
+    for (const BoardOptions &board : request.boards)
+        numbers.push_back(board.deviceNo);
+    return numbers;
+}
+
+RunName nameWithTheRightToMount()
+{
+    obtainTheRightToMount();
+    return newRunName();
+}
+
+// Everything that must be there before a program can meet the boards.
+class Surroundings
+{
+public:
+    explicit Surroundings(const RunRequest &request)
+        : name_(nameWithTheRightToMount()),
+          boards_([&request, this](BoardService &service) { serve(service, request, name_); })
+    {
+        boards_.serve(mountDevices(deviceNosOf(request), name_.text()));
+        if (request.privateIpc)
+            checked(::unshare(CLONE_NEWIPC), "making an IPC namespace");
+    }
+
+    const RunName &name() const { return name_; }
+    BoardProcess &boards() { return boards_; }
+
+private:
+    RunName name_;
+    BoardProcess boards_;
+};
+
+int runOnNodes(const RunRequest &request, const TextWords &program)
+{
+    const BlockedSignals blocked;
+    GroupWitness witness;
+    Surroundings surroundings(request);
+    return runProgram(program, {blocked, witness, &surroundings.boards()});
+}
+
+}  // namespace
+
+How howFrom(const std::string &word)
+{
+    if (word != "node" && word != "preload" && word != "auto")
+        refuse(word, "way", {"node", "preload", "auto"});
+    return word == "node" ? How::Node : word == "preload" ? How::Preload : How::Auto;
+}
+
+void runWithBoards(const RunRequest &request, const TextWords &program)
+{
+    if (request.how == How::Preload)
+        executePreloaded(request, program);
+    if (request.how == How::Auto) {
+        if (const std::optional<std::string> reason = whatNodesLack()) {
+            std::fprintf(stderr, "sorvane-sim: no device nodes here (%s); using boards inside the program\n",
+                         reason->c_str());
+            executePreloaded(request, program);
+        }
+    }
+    endLike(runOnNodes(request, program));
+}
+
+int serveBoards(const RunRequest &request)
+{
+    const BlockedSignals blocked;
+    Surroundings surroundings(request);
+    surroundings.boards().programStarts();
+    std::printf("virtual boards are up; enter with: sorvane-sim enter --run %s -- PROGRAM\n",
+                surroundings.name().id.c_str());
+    std::fflush(stdout);
+    waitForEndingSignal();
+    return 0;
+}
+
+void enterRun(const std::string &id, const TextWords &program)
+{
+    const auto enter = [&] {
+        const BlockedSignals blocked;
+        GroupWitness witness;
+        joinNamespacesOf(chooseRun(id).process());
+        return runProgram(program, {blocked, witness, nullptr});
+    };
+    endLike(enter());
+}
+
+}  // namespace sim

@@ -1,0 +1,102 @@
+#include "sim/command/run_names.h"
+
+#include "sim/command/words.h"
+#include "sim/nodes/namespaces.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstddef>
+#include <cstring>
+#include <fstream>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace sim
+{
+
+namespace
+{
+
+constexpr char prefix[] = "sorvane-sim";
+
+bool isMine(const RunName &name)
+{
+    return ::geteuid() == 0 || name.user == ::geteuid();
+}
+
+}  // namespace
+
+std::string RunName::text() const
+{
+    return std::string(prefix) + "/" + std::to_string(user) + "/" + id;
+}
+
+std::optional<RunName> RunName::parse(const std::string &text)
+{
+    const TextWords parts = splitAt(text, '/');
+    const auto isNumber = [](const std::string &part) { return !part.empty() && std::isdigit(part[0]); };
+    if (parts.size() != 3 || parts[0] != prefix || !isNumber(parts[1]) || !isNumber(parts[2]))
+        return std::nullopt;
+    return RunName{static_cast<uid_t>(std::strtoul(parts[1].c_str(), nullptr, 10)), parts[2]};
+}
+
+RunName newRunName()
+{
+    const std::vector<RunName> others = allRuns();
+    const std::string process = std::to_string(::getpid());
+    RunName name{::geteuid(), process};
+    // A process of another namespace may have the same id.
+    const auto isTaken = [&name](const RunName &other) { return other.text() == name.text(); };
+    for (int number = 2; std::any_of(others.begin(), others.end(), isTaken); ++number)
+        name.id = process + "." + std::to_string(number);
+    return name;
+}
+
+std::vector<RunName> allRuns()
+{
+    std::vector<RunName> runs;
+    std::ifstream sockets("/proc/net/unix");
+    for (std::string line; std::getline(sockets, line);) {
+        const TextWords columns = splitWords(line);
+        // The flag of a listening socket; a connected one has the same name.
+        if (columns.size() < 8 || columns[3] != "00010000" || columns[7][0] != '@')
+            continue;
+        if (const std::optional<RunName> run = RunName::parse(columns[7].substr(1)))
+            runs.push_back(*run);
+    }
+    return runs;
+}
+
+RunName chooseRun(const std::string &id)
+{
+    std::vector<RunName> runs = allRuns();
+    runs.erase(std::remove_if(runs.begin(), runs.end(), [](const RunName &run) { return !isMine(run); }), runs.end());
+    TextWords ids;
+    for (const RunName &run : runs)
+        ids.push_back(run.id);
+    if (!id.empty()) {
+        const auto found = std::find(ids.begin(), ids.end(), id);
+        if (found == ids.end())
+            refuse(id, "run", ids);
+        return runs[static_cast<std::size_t>(found - ids.begin())];
+    }
+    if (const std::optional<std::string> around = findRunFromInside()) {
+        if (const std::optional<RunName> name = RunName::parse(*around))
+            return *name;
+    }
+    if (runs.empty())
+        throw UsageError("no virtual boards are up; start them with sorvane-sim run or sorvane-sim serve");
+    if (runs.size() > 1)
+        throw UsageError("which run? Say --run with one of: " + join(ids, ", "));
+    return runs[0];
+}
+
+RunAddress::RunAddress(const RunName &name)
+{
+    const std::string text = name.text();
+    address.sun_family = AF_UNIX;
+    std::memcpy(address.sun_path + 1, text.data(), std::min(text.size(), sizeof address.sun_path - 1));
+    length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + text.size());
+}
+
+}  // namespace sim

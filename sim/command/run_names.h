@@ -1,0 +1,46 @@
+// The names of the runs on this machine. A run listens on an abstract socket of its name, which the kernel forgets when
+// the run ends, however it ends.
+#ifndef SORVANE_SIM_COMMAND_RUN_NAMES_H
+#define SORVANE_SIM_COMMAND_RUN_NAMES_H
+
+#include <optional>
+#include <string>
+#include <sys/socket.h>
+#include <sys/types.h>
+#include <sys/un.h>
+#include <vector>
+
+namespace sim
+{
+
+struct RunName {
+    uid_t user = 0;
+    std::string id;  ///< begins with the process id of the run
+
+    std::string text() const;
+    static std::optional<RunName> parse(const std::string &text);
+    pid_t process() const { return static_cast<pid_t>(std::stol(id)); }
+};
+
+/// A name for a run of this process that nobody has.
+RunName newRunName();
+
+/// Every run that is up, whoever's it is.
+std::vector<RunName> allRuns();
+
+/// The run that is meant: the one with this id; without an id, the one around this process or the only one this user
+/// may reach (root reaches everybody's). Throws UsageError that names the choice.
+RunName chooseRun(const std::string &id);
+
+/// The address of a name, and its length.
+struct RunAddress {
+    sockaddr_un address{};
+    socklen_t length = 0;
+
+    explicit RunAddress(const RunName &name);
+    const sockaddr *get() const { return reinterpret_cast<const sockaddr *>(&address); }
+};
+
+}  // namespace sim
+
+#endif

@@ -1,0 +1,105 @@
+#include "sim/command/scenario.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <thread>
+
+namespace sim
+{
+
+namespace
+{
+
+// A # inside quotes belongs to the text.
+std::string withoutComment(const std::string &line)
+{
+    bool quoted = false;
+    for (std::size_t at = 0; at < line.size(); ++at) {
+        if (line[at] == '"' && (at == 0 || line[at - 1] != '\\'))
+            quoted = !quoted;
+        if (line[at] == '#' && !quoted)
+            return line.substr(0, at);
+    }
+    return line;
+}
+
+}  // namespace
+
+Scenario Scenario::read(const std::string &file)
+{
+    std::ifstream text(file);
+    if (!text)
+        throw UsageError(file + ": " + std::strerror(errno));
+    return parse(text, file);
+}
+
+Scenario Scenario::parse(std::istream &text, const std::string &name)
+{
+    Scenario scenario;
+    unsigned int number = 0;
+    for (std::string line; std::getline(text, line);) {
+        const std::string where = name + ":" + std::to_string(++number) + ": ";
+        try {
+            TextWords words = splitWords(withoutComment(line));
+            if (words.empty())
+                continue;
+            std::optional<Nanoseconds> at;
+            if (words[0] == "at") {
+                at = durationFrom(words.size() > 1 ? words[1] : "");
+                words.erase(words.begin(), words.begin() + 2);
+            }
+            scenario.lines_.push_back({at, Command::parse(words), where});
+        } catch (const UsageError &error) {
+            throw UsageError(where + error.what());
+        }
+    }
+    std::stable_sort(scenario.lines_.begin(), scenario.lines_.end(),
+                     [](const Line &one, const Line &other) { return one.at < other.at; });
+    return scenario;
+}
+
+void Scenario::check(const std::vector<BoardOptions> &options) const
+{
+    ManualClock clock;
+    VirtualBoards boards(clock);
+    plugBoards(boards, options);
+    for (const Line &line : lines_) {
+        try {
+            line.command.carryOut(boards);
+        } catch (const std::exception &error) {
+            throw UsageError(line.where + error.what());
+        }
+    }
+}
+
+void Scenario::prepare(VirtualBoards &boards) const
+{
+    for (const Line &line : lines_) {
+        if (!line.at)
+            carryOut(line, boards);
+    }
+}
+
+void Scenario::play(VirtualBoards &boards) const
+{
+    const auto start = std::chrono::steady_clock::now();
+    for (const Line &line : lines_) {
+        if (!line.at)
+            continue;
+        std::this_thread::sleep_until(start + *line.at);
+        carryOut(line, boards);
+    }
+}
+
+void Scenario::carryOut(const Line &line, VirtualBoards &boards)
+{
+    try {
+        std::fputs(line.command.carryOut(boards).c_str(), stderr);
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "sorvane-sim: %s%s\n", line.where.c_str(), error.what());
+    }
+}
+
+}  // namespace sim

@@ -1,0 +1,44 @@
+// A script of commands: one a line, `#` begins a comment, `at 1.5s` before a command says when, counted from the start
+// of the program. A line without `at` is carried out before the program starts, wherever it stands in the file.
+#ifndef SORVANE_SIM_COMMAND_SCENARIO_H
+#define SORVANE_SIM_COMMAND_SCENARIO_H
+
+#include "sim/command/board_options.h"
+#include "sim/command/commands.h"
+
+#include <iosfwd>
+
+namespace sim
+{
+
+class Scenario
+{
+public:
+    Scenario() = default;
+    /// Throws UsageError with the file's name and the line.
+    static Scenario read(const std::string &file);
+    static Scenario parse(std::istream &text, const std::string &name);
+
+    /// Throws UsageError, as read() does, for what these boards could not carry out; tries it on others like them.
+    void check(const std::vector<BoardOptions> &options) const;
+
+    /// Carries out what comes before the start; complaints go to standard error.
+    void prepare(VirtualBoards &boards) const;
+    /// Carries out the rest, each at its time from now on. Sleeps in between.
+    void play(VirtualBoards &boards) const;
+
+private:
+    struct Line {
+        std::optional<Nanoseconds> at;
+        Command command;
+        std::string where;
+    };
+
+    static void carryOut(const Line &line, VirtualBoards &boards);
+
+    std::vector<Line> lines_;
+};
+
+}  // namespace sim
+
+#endif

@@ -1,0 +1,165 @@
+#include "sim/nodes/namespaces.h"
+
+#include "sim/nodes/bound_directory.h"
+#include "sim/nodes/channel.h"
+#include "sim/nodes/failure.h"
+
+#include <array>
+#include <climits>
+#include <fcntl.h>
+#include <linux/capability.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+
+namespace sim
+{
+
+namespace
+{
+
+constexpr char runLink[] = "/dev/sorvane-sim";
+
+bool mayMount()
+{
+    __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
+    std::array<__user_cap_data_struct, 2> capabilities{};
+    if (::syscall(SYS_capget, &header, capabilities.data()) != 0)
+        return false;
+    return (capabilities[CAP_SYS_ADMIN / 32].effective & 1U << CAP_SYS_ADMIN % 32) != 0;
+}
+
+void writeFile(const std::string &path, const std::string &text)
+{
+    const OwnedFd file(checked(::open(path.c_str(), O_WRONLY | O_CLOEXEC), "opening " + path));
+    checked(static_cast<int>(::write(file.get(), text.data(), text.size())), "writing " + path);
+}
+
+OwnedFd openFuse()
+{
+    return OwnedFd(checked(::open("/dev/fuse", O_RDWR | O_CLOEXEC), "opening /dev/fuse"));
+}
+
+void mountFuse(const OwnedFd &fuse, const std::string &place, mode_t type)
+{
+    std::array<char, 128> options{};
+    std::snprintf(options.data(), options.size(), "fd=%d,rootmode=%o,user_id=%u,group_id=%u,allow_other", fuse.get(),
+                  type, ::geteuid(), ::getegid());
+    checked(::mount("sorvane-sim", place.c_str(), "fuse", MS_NOSUID | MS_NODEV, options.data()), "mounting " + place);
+}
+
+void takeOwnMountNamespace()
+{
+    checked(::unshare(CLONE_NEWNS), "making a mount namespace");
+    // What the machine mounts from now on still appears inside; nothing goes the other way.
+    checked(::mount(nullptr, "/", nullptr, MS_SLAVE | MS_REC, nullptr), "keeping mounts private");
+}
+
+OwnedFd openNamespace(const std::string &path)
+{
+    return OwnedFd(checked(::open(path.c_str(), O_RDONLY | O_CLOEXEC), "opening " + path));
+}
+
+bool isSameFile(const OwnedFd &one, const OwnedFd &other)
+{
+    struct stat first {
+    }, second{};
+    return ::fstat(one.get(), &first) == 0 && ::fstat(other.get(), &second) == 0 && first.st_dev == second.st_dev &&
+           first.st_ino == second.st_ino;
+}
+
+void tryEverything()
+{
+    obtainTheRightToMount();
+    const OwnedFd fuse = openFuse();
+    takeOwnMountNamespace();
+    checked(::mount("tmpfs", "/dev", "tmpfs", 0, nullptr), "mounting on /dev");
+    checked(::mkdir("/dev/probe", 0755), "making a directory");
+    mountFuse(fuse, "/dev/probe", S_IFDIR);
+    checked(::unshare(CLONE_NEWIPC | CLONE_NEWPID), "making IPC and process namespaces");
+}
+
+}  // namespace
+
+void obtainTheRightToMount()
+{
+    if (mayMount())
+        return;
+    const std::string uid = std::to_string(::geteuid());
+    const std::string gid = std::to_string(::getegid());
+    checked(::unshare(CLONE_NEWUSER), "making a user namespace");
+    writeFile("/proc/self/setgroups", "deny");
+    writeFile("/proc/self/uid_map", uid + " " + uid + " 1");
+    writeFile("/proc/self/gid_map", gid + " " + gid + " 1");
+}
+
+MountedDevices mountDevices(const std::vector<int> &deviceNos, const std::string &runName)
+{
+    MountedDevices devices;
+    devices.attributes = openFuse();
+    for (const int deviceNo : deviceNos)
+        devices.nodes[deviceNo] = openFuse();
+    takeOwnMountNamespace();
+
+    bindAnew("/dev", [](const std::string &name) { return name.rfind("Vexa_", 0) == 0 || name == "sorvane-sim"; });
+    bindAnew("/sys/class", [](const std::string &name) { return name == "Vexa"; });
+    checked(::symlink(runName.c_str(), runLink), "making a link in /dev");
+    checked(::mkdir("/sys/class/Vexa", 0755), "making /sys/class/Vexa");
+    mountFuse(devices.attributes, "/sys/class/Vexa", S_IFDIR);
+    for (const auto &[deviceNo, fuse] : devices.nodes) {
+        const std::string node = "/dev/Vexa_" + std::to_string(deviceNo);
+        OwnedFd(checked(::open(node.c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0666), "making " + node));
+        mountFuse(fuse, node, S_IFREG);
+    }
+    return devices;
+}
+
+std::optional<std::string> findRunFromInside()
+{
+    std::array<char, PATH_MAX> name{};
+    if (::readlink(runLink, name.data(), name.size() - 1) <= 0)
+        return std::nullopt;
+    return name.data();
+}
+
+void joinNamespacesOf(pid_t process)
+{
+    // Joining a mount namespace leaves the working directory behind.
+    std::array<char, PATH_MAX> directory{};
+    if (!::getcwd(directory.data(), directory.size()))
+        fail("naming the working directory");
+    std::vector<std::pair<OwnedFd, int>> spaces;
+    for (const auto &[name, flag] : {std::pair{"user", CLONE_NEWUSER}, {"ipc", CLONE_NEWIPC}, {"mnt", CLONE_NEWNS}}) {
+        OwnedFd space = openNamespace("/proc/" + std::to_string(process) + "/ns/" + name);
+        if (!isSameFile(space, openNamespace(std::string("/proc/self/ns/") + name)))
+            spaces.emplace_back(std::move(space), flag);
+    }
+    for (const auto &[space, flag] : spaces)
+        checked(::setns(space.get(), flag), "joining the namespaces of the boards");
+    checked(::chdir(directory.data()), "going back to the working directory");
+    takeOwnMountNamespace();
+}
+
+std::optional<std::string> whatNodesLack()
+{
+    auto [here, there] = Channel::pair();
+    const pid_t child = checked(::fork(), "starting a process");
+    if (child == 0) {
+        try {
+            tryEverything();
+        } catch (const std::system_error &error) {
+            there.send(error.what());
+        }
+        ::_exit(0);
+    }
+    there.close();
+    const std::optional<Channel::Message> reason = here.receive();
+    ::waitpid(child, nullptr, 0);
+    if (!reason)
+        return std::nullopt;
+    return reason->text;
+}
+
+}  // namespace sim

@@ -1,0 +1,114 @@
+#include "sim/nodes/node.h"
+
+#include "sim/driver/driver.h"
+#include "sim/nodes/caller.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+
+namespace sim
+{
+
+namespace
+{
+
+std::shared_ptr<VirtualBoard> boardOf(fuse_req_t request)
+{
+    const auto *node = static_cast<const Node *>(fuse_req_userdata(request));
+    return node->boards().hold(node->deviceNo());
+}
+
+void getAttributes(fuse_req_t request, fuse_ino_t inode, fuse_file_info *)
+{
+    const struct stat attributes = attributesOf(inode, S_IFREG | 0666);
+    fuse_reply_attr(request, &attributes, forever);
+}
+
+// O_TRUNC means nothing to a device.
+void setAttributes(fuse_req_t request, fuse_ino_t inode, struct stat *, int, fuse_file_info *file)
+{
+    getAttributes(request, inode, file);
+}
+
+void open(fuse_req_t request, fuse_ino_t, fuse_file_info *file)
+{
+    const std::shared_ptr<VirtualBoard> board = boardOf(request);
+    const auto lock = board->lock();
+    if (!board->plugged()) {
+        fuse_reply_err(request, ENODEV);
+        return;
+    }
+    file->fh = board->generation();
+    file->direct_io = 1;
+    file->nonseekable = 1;
+    // A close that had to be answered would keep a killed program behind somebody else's slow exchange.
+    file->noflush = 1;
+    fuse_reply_open(request, file);
+}
+
+void read(fuse_req_t request, fuse_ino_t, size_t, off_t, fuse_file_info *)
+{
+    fuse_reply_err(request, EINVAL);
+}
+
+void write(fuse_req_t request, fuse_ino_t, const char *, size_t, off_t, fuse_file_info *)
+{
+    fuse_reply_err(request, EINVAL);
+}
+
+// The kernel has fetched the packet and is going to deliver it, but into read-only memory it fails only then, with the
+// exchange already done.
+int exchangePacket(VirtualBoard &board, std::uint64_t address, unsigned char *packet, CallerMemory &memory,
+                   const DriverCall &call)
+{
+    return memory.writable(address, packetSize) ? packetExchange(board, packet, call) : -EFAULT;
+}
+
+void reply(fuse_req_t request, int result, const void *bytes, std::size_t size)
+{
+    if (result < 0)
+        fuse_reply_err(request, -result);
+    else
+        fuse_reply_ioctl(request, result, bytes, result == 0 ? size : 0);
+}
+
+void ioctl(fuse_req_t request, fuse_ino_t, unsigned int number, void *argument, fuse_file_info *file,
+           unsigned int flags, const void *in, size_t inSize, size_t)
+{
+    const std::shared_ptr<VirtualBoard> board = boardOf(request);
+    const pid_t caller = fuse_req_ctx(request)->pid;
+    const CallerWidth width = flags & FUSE_IOCTL_COMPAT ? CallerWidth::bits32 : CallerWidth::bits64;
+    const auto address = reinterpret_cast<std::uintptr_t>(argument);
+    ProcessMemory memory(caller);
+    const DriverCall call{file->fh, [caller](Nanoseconds time) { return sleepUnlessDying(caller, time); }};
+    if (number == packetRequest && inSize == packetSize && board->model() == Model::R20) {
+        std::array<unsigned char, packetSize> packet;
+        std::memcpy(packet.data(), in, packet.size());
+        const int result = exchangePacket(*board, address, packet.data(), memory, call);
+        reply(request, result, packet.data(), packet.size());
+    } else {
+        reply(request, driverIoctl(*board, number, address, width, memory, call), nullptr, 0);
+    }
+}
+
+fuse_lowlevel_ops operations()
+{
+    fuse_lowlevel_ops operations{};
+    operations.getattr = getAttributes;
+    operations.setattr = setAttributes;
+    operations.open = open;
+    operations.read = read;
+    operations.write = write;
+    operations.ioctl = ioctl;
+    return operations;
+}
+
+}  // namespace
+
+Node::Node(VirtualBoards &boards, int deviceNo, OwnedFd device)
+    : boards_(boards), deviceNo_(deviceNo), server_(operations(), this, std::move(device))
+{
+}
+
+}  // namespace sim

@@ -1,0 +1,27 @@
+// The file system behind one device node. It consists of a single file: its mount point is /dev/Vexa_<n> itself.
+#ifndef SORVANE_SIM_NODES_NODE_H
+#define SORVANE_SIM_NODES_NODE_H
+
+#include "sim/board/virtual_boards.h"
+#include "sim/nodes/file_server.h"
+
+namespace sim
+{
+
+class Node
+{
+public:
+    Node(VirtualBoards &boards, int deviceNo, OwnedFd device);
+
+    const VirtualBoards &boards() const { return boards_; }
+    int deviceNo() const { return deviceNo_; }
+
+private:
+    VirtualBoards &boards_;
+    int deviceNo_;
+    FileServer server_;
+};
+
+}  // namespace sim
+
+#endif

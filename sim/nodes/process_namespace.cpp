@@ -1,0 +1,67 @@
+#include "sim/nodes/process_namespace.h"
+
+#include "sim/nodes/failure.h"
+
+#include <csignal>
+#include <sched.h>
+#include <stdexcept>
+#include <sys/mount.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+
+namespace sim
+{
+
+namespace
+{
+
+[[noreturn]] void beFirstProcess(Channel channel)
+{
+    closeAllBut({channel.fd()});
+    for (const int standard : {0, 1, 2})
+        letGoOf(standard);
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    // The parent's id cannot be seen from here. If it died before the line above, the channel has ended.
+    if (!channel.send("?") || !channel.receive())
+        ::_exit(0);
+    (void)::mount("proc", "/proc", "proc", MS_NOSUID | MS_NODEV | MS_NOEXEC, nullptr);
+    channel.send("ready");
+    sigset_t children;
+    ::sigemptyset(&children);
+    ::sigaddset(&children, SIGCHLD);
+    for (;;) {
+        ::sigwaitinfo(&children, nullptr);
+        while (::waitpid(-1, nullptr, WNOHANG) > 0) {
+        }
+    }
+}
+
+}  // namespace
+
+ProcessNamespace::ProcessNamespace()
+{
+    auto [here, there] = Channel::pair();
+    checked(::unshare(CLONE_NEWPID), "making a process namespace");
+    first_ = checked(::fork(), "starting a process");
+    if (first_ == 0) {
+        here.close();
+        beFirstProcess(std::move(there));
+    }
+    there.close();
+    if (!here.receive() || !here.send("go") || !here.receive())
+        throw std::runtime_error("the first process of the namespace has ended");
+    channel_ = std::move(here);
+}
+
+ProcessNamespace::~ProcessNamespace()
+{
+    ::kill(first_, SIGKILL);
+    // The namespace lasts until its last process is reaped, and the program may be a child of this one.
+    for (pid_t child = 0; child != first_;) {
+        child = ::waitpid(-1, nullptr, 0);
+        if (child < 0 && errno == ECHILD)
+            return;
+    }
+}
+
+}  // namespace sim

@@ -1,0 +1,32 @@
+// A process namespace with its first process. When that one goes, the kernel ends every other, whatever became of it.
+#ifndef SORVANE_SIM_NODES_PROCESS_NAMESPACE_H
+#define SORVANE_SIM_NODES_PROCESS_NAMESPACE_H
+
+#include "sim/nodes/channel.h"
+
+#include <sys/types.h>
+
+namespace sim
+{
+
+class ProcessNamespace
+{
+public:
+    /// Children of this process live in it from now on. This process must have a mount namespace of its own, into which
+    /// the new /proc goes; where that is not allowed, the machine's stays. No thread can be started afterwards.
+    ProcessNamespace();
+    ProcessNamespace(const ProcessNamespace &) = delete;
+    ProcessNamespace &operator=(const ProcessNamespace &) = delete;
+    /// Ends every process in it and waits until they are gone; children of this process are reaped.
+    ~ProcessNamespace();
+
+    int channel() const { return channel_.fd(); }
+
+private:
+    Channel channel_;
+    pid_t first_ = -1;
+};
+
+}  // namespace sim
+
+#endif

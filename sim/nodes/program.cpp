@@ -1,0 +1,157 @@
+#include "sim/nodes/program.h"
+
+#include "sim/nodes/failure.h"
+#include "sim/nodes/process_namespace.h"
+
+#include <cstdio>
+#include <cstring>
+#include <sys/resource.h>
+#include <sys/wait.h>
+
+namespace sim
+{
+
+namespace
+{
+
+constexpr int cannotExecute = 126;
+constexpr int notFound = 127;
+
+int takeSignal(const timespec *atMost = nullptr)
+{
+    sigset_t all;
+    ::sigfillset(&all);
+    int signal;
+    do
+        signal = atMost ? ::sigtimedwait(&all, nullptr, atMost) : ::sigwaitinfo(&all, nullptr);
+    while (signal < 0 && errno == EINTR);
+    return signal;
+}
+
+[[noreturn]] void execute(const std::vector<std::string> &words)
+{
+    std::vector<char *> arguments;
+    for (const std::string &word : words)
+        arguments.push_back(const_cast<char *>(word.c_str()));
+    arguments.push_back(nullptr);
+    ::execvp(arguments[0], arguments.data());
+    const int error = errno;
+    std::fprintf(stderr, "sorvane-sim: %s: %s\n", arguments[0], std::strerror(error));
+    ::_exit(error == ENOENT || error == ENOTDIR ? notFound : cannotExecute);
+}
+
+// The program's process, still waiting for the word to start.
+struct Prepared {
+    pid_t process;
+    Channel start;
+};
+
+Prepared prepare(const std::vector<std::string> &words, const BlockedSignals &blocked)
+{
+    auto [here, there] = Channel::pair();
+    const pid_t process = checked(::fork(), "starting a process");
+    if (process == 0) {
+        here.close();
+        if (!there.receive())
+            ::_exit(statusOfFailure);
+        blocked.restore();
+        execute(words);
+    }
+    return {process, std::move(here)};
+}
+
+// What came during the start is the program's as well. It waits with every signal blocked, where one that it got by
+// itself and the same one from here become one.
+void passOnEarlySignals(pid_t program, GroupWitness &witness)
+{
+    const timespec atOnce{};
+    for (int signal; (signal = takeSignal(&atOnce)) > 0;) {
+        if (signal == SIGCHLD)
+            continue;
+        witness.alsoGot(signal);
+        ::kill(program, signal);
+    }
+}
+
+bool isTerminalStop(int signal)
+{
+    return signal == SIGTSTP || signal == SIGTTIN || signal == SIGTTOU;
+}
+
+// Takes note of children; nothing until the program has ended.
+std::optional<int> lookAfterChildren(pid_t program, const Supervision &supervision)
+{
+    int status = 0;
+    for (pid_t child; (child = ::waitpid(-1, &status, WNOHANG | WUNTRACED)) > 0;) {
+        if (child == program && WIFSTOPPED(status)) {
+            // The shell is to see the job stop; its fg wakes the whole group.
+            if (isTerminalStop(WSTOPSIG(status)))
+                ::kill(::getpid(), SIGSTOP);
+        } else if (child == program) {
+            return status;
+        } else if (supervision.boards && child == supervision.boards->process()) {
+            std::fprintf(stderr, "sorvane-sim: the process that serves the boards has ended\n");
+        }
+    }
+    return std::nullopt;
+}
+
+int waitForProgram(pid_t program, const Supervision &supervision)
+{
+    for (;;) {
+        const int signal = takeSignal();
+        if (signal == SIGCHLD) {
+            if (const std::optional<int> status = lookAfterChildren(program, supervision))
+                return *status;
+        } else if (!supervision.witness.alsoGot(signal)) {
+            ::kill(program, signal);
+        }
+    }
+}
+
+}  // namespace
+
+int runProgram(const std::vector<std::string> &words, Supervision supervision)
+{
+    ProcessNamespace processes;
+    Prepared program = prepare(words, supervision.blocked);
+    closeAllBut({program.start.fd(), supervision.witness.channel(), processes.channel(),
+                 supervision.boards ? supervision.boards->channel() : -1});
+    passOnEarlySignals(program.process, supervision.witness);
+    if (supervision.boards)
+        supervision.boards->programStarts();
+    program.start.send("start");
+    program.start.close();
+    // A pipe of the caller ends when the program lets go of it.
+    letGoOf(0);
+    letGoOf(1);
+    return waitForProgram(program.process, supervision);
+}
+
+int waitForEndingSignal()
+{
+    for (;;) {
+        const int signal = takeSignal();
+        if (signal == SIGINT || signal == SIGTERM || signal == SIGHUP || signal == SIGQUIT)
+            return signal;
+    }
+}
+
+void endLike(int waitStatus)
+{
+    if (WIFSIGNALED(waitStatus)) {
+        const int signal = WTERMSIG(waitStatus);
+        const rlimit none{};
+        ::setrlimit(RLIMIT_CORE, &none);  // the program has dumped its own
+        ::signal(signal, SIG_DFL);
+        sigset_t only;
+        ::sigemptyset(&only);
+        ::sigaddset(&only, signal);
+        ::sigprocmask(SIG_UNBLOCK, &only, nullptr);
+        ::raise(signal);
+        ::_exit(128 + signal);
+    }
+    ::_exit(WEXITSTATUS(waitStatus));
+}
+
+}  // namespace sim

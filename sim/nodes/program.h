@@ -1,0 +1,33 @@
+// A program under supervision: in a process namespace of its own, so that whatever it leaves running ends with it, and
+// in the process group and at the terminal of whoever started the run.
+#ifndef SORVANE_SIM_NODES_PROGRAM_H
+#define SORVANE_SIM_NODES_PROGRAM_H
+
+#include "sim/nodes/board_process.h"
+#include "sim/nodes/signals.h"
+
+#include <string>
+#include <vector>
+
+namespace sim
+{
+
+struct Supervision {
+    const BlockedSignals &blocked;
+    GroupWitness &witness;
+    BoardProcess *boards;  ///< of this run; null when the boards belong to somebody else
+};
+
+/// Runs the program to its end and passes every signal on that it has not got by itself. The result is its wait status
+/// (126 or 127 as an exit when it cannot be started). Everything it started is gone when this returns.
+int runProgram(const std::vector<std::string> &words, Supervision supervision);
+
+/// Waits for a signal that ends a program; the result is its number.
+int waitForEndingSignal();
+
+/// Ends this process as the program ended: with its status or by its signal.
+[[noreturn]] void endLike(int waitStatus);
+
+}  // namespace sim
+
+#endif

@@ -1,0 +1,76 @@
+#include "sim/nodes/signals.h"
+
+#include "sim/nodes/failure.h"
+
+#include <sys/wait.h>
+
+namespace sim
+{
+
+namespace
+{
+
+std::string takePending()
+{
+    sigset_t all;
+    ::sigfillset(&all);
+    const timespec atOnce{};
+    std::string taken;
+    for (int signal; (signal = ::sigtimedwait(&all, nullptr, &atOnce)) > 0;)
+        taken.push_back(static_cast<char>(signal));
+    return taken;
+}
+
+[[noreturn]] void witness(Channel channel)
+{
+    closeAllBut({channel.fd()});
+    for (const int standard : {0, 1, 2})
+        letGoOf(standard);
+    // A message has at least one byte: 0 stands for the end.
+    while (channel.receive() && channel.send(takePending() + '\0')) {
+    }
+    ::_exit(0);
+}
+
+}  // namespace
+
+BlockedSignals::BlockedSignals()
+{
+    sigset_t all;
+    ::sigfillset(&all);
+    ::sigprocmask(SIG_SETMASK, &all, &original_);
+}
+
+GroupWitness::GroupWitness()
+{
+    auto [here, there] = Channel::pair();
+    process_ = checked(::fork(), "starting a process");
+    if (process_ == 0) {
+        here.close();
+        witness(std::move(there));
+    }
+    channel_ = std::move(here);
+}
+
+GroupWitness::~GroupWitness()
+{
+    channel_.close();
+    ::waitpid(process_, nullptr, 0);
+}
+
+bool GroupWitness::alsoGot(int signal)
+{
+    // The kernel may not have come round the whole group yet. A change of groups, even into the own one, waits for it.
+    ::setpgid(0, ::getpgrp());
+    if (channel_.send("?")) {
+        if (const std::optional<Channel::Message> answer = channel_.receive())
+            seen_.insert(answer->text.begin(), answer->text.end());
+    }
+    const auto found = seen_.find(signal);
+    if (found == seen_.end())
+        return false;
+    seen_.erase(found);
+    return true;
+}
+
+}  // namespace sim

@@ -1,0 +1,53 @@
+// Signals of a process that stands between a program and whoever signals it.
+#ifndef SORVANE_SIM_NODES_SIGNALS_H
+#define SORVANE_SIM_NODES_SIGNALS_H
+
+#include "sim/nodes/channel.h"
+
+#include <csignal>
+#include <set>
+#include <sys/types.h>
+
+namespace sim
+{
+
+/// Blocks every signal for as long as it lives, here and in the processes that are started meanwhile.
+class BlockedSignals
+{
+public:
+    BlockedSignals();
+    BlockedSignals(const BlockedSignals &) = delete;
+    BlockedSignals &operator=(const BlockedSignals &) = delete;
+    ~BlockedSignals() { restore(); }
+
+    /// The mask that the caller came with.
+    void restore() const { ::sigprocmask(SIG_SETMASK, &original_, nullptr); }
+
+private:
+    sigset_t original_;
+};
+
+/// A process that does nothing but sit in this process's group. A signal that came to it, too, was sent to the whole
+/// group (by the terminal, by kill with a negative number, by timeout), so every program in the group has it already.
+class GroupWitness
+{
+public:
+    GroupWitness();
+    GroupWitness(const GroupWitness &) = delete;
+    GroupWitness &operator=(const GroupWitness &) = delete;
+    ~GroupWitness();
+
+    pid_t process() const { return process_; }
+    int channel() const { return channel_.fd(); }
+    /// Whether this signal, which has just been taken, came to the group. Each is answered for once.
+    bool alsoGot(int signal);
+
+private:
+    Channel channel_;
+    pid_t process_ = -1;
+    std::multiset<int> seen_;
+};
+
+}  // namespace sim
+
+#endif
