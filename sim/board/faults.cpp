@@ -69,7 +69,7 @@ std::optional<Fault> Faults::striking(unsigned char request, int pipe) const
     return std::nullopt;
 }
 
-void Faults::countDown(std::deque<Fault>::iterator fault)
+void Faults::countDown(const std::deque<Fault>::iterator &fault)
 {
     if (fault->count && --*fault->count == 0)
         queue_.erase(fault);

@@ -79,7 +79,7 @@ public:
     Nanoseconds takeDelay(unsigned char request, int pipe);
 
 private:
-    void countDown(std::deque<Fault>::iterator fault);
+    void countDown(const std::deque<Fault>::iterator &fault);
 
     std::deque<Fault> queue_;
 };

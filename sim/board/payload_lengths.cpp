@@ -9,14 +9,14 @@ namespace sim
 namespace
 {
 
-constexpr std::size_t any = 65536;
+constexpr unsigned int any = 65536;
 
 enum class Models { Every, R20Only, NotR20, R35Only };
 
 struct Rule {
     Request request;
-    std::size_t shortest;
-    std::size_t longest;
+    unsigned int shortest;
+    unsigned int longest;
     Models models = Models::Every;
 };
 
