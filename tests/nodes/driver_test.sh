@@ -1,0 +1,82 @@
+#!/usr/bin/env bash
+# The driver's side of a node, model by model: exact errors, faults, unplugging, attributes.
+. "$(dirname "$0")/support.sh"
+
+inside() {
+    coproc talk { "$client"; }
+    say() { # ORDER EXPECTED
+        echo "$1" >&"${talk[1]}"
+        local answer
+        read -r answer <&"${talk[0]}"
+        check "$model, $1" "$2" "$answer"
+    }
+    ctl() { check "$model, ctl $*" "" "$("$sim" ctl "$@" 2>&1)"; }
+
+    say "product 0" "Sorvane $model Board"
+    say "speed 0" 480
+    say "product 1" ENOENT
+    say "open 1" ENOENT
+    say "open 0" open
+
+    ctl input 9 on
+    say "ask 75 1" "ok 5 0 2 0 3 0"
+    say other ENOTTY
+    say unknown ENOTTY
+    say "ask 200 1" "status 64"
+
+    before=$("$sim" ctl state --json)
+    say pointers refused
+    after=$("$sim" ctl state --json)
+    changing='s/"(clock|in_on_period)":[a-z0-9]*//g'
+    check "$model, wrong pointers change nothing" "$(sed -E "$changing" <<<"$before")" "$(sed -E "$changing" <<<"$after")"
+
+    # What goes wrong on demand, once each, and is over afterwards.
+    if [ "$model" = R20 ]; then
+        faults=("ioctl:EIO" "ioctl 19:ENODEV" "status 0x1e:status 30" "short:count 1" "short 0:count 0" "short 2:ok 0"
+            "short 5:ok 3 0 2 0" "echo:echo 0" "echo 78:echo 78")
+    else
+        faults=("ioctl:EIO" "ioctl 19:ENODEV" "status 0x1e:status 30" "status 70000:status 70000" "short:ok 0"
+            "short 3:ok 3 0 2 0")
+    fi
+    for fault in "${faults[@]}"; do
+        ctl fail ${fault%:*}
+        say "ask 75 1" "${fault#*:}"
+        say "ask 75 1" "ok 5 0 2 0 3 0"
+    done
+    ctl fail status 9 count 2 request 77
+    say "ask 75 1" "ok 5 0 2 0 3 0"
+    say "ask 77 1 0 0 0 0 0 0 0 0 0 0" "status 9"
+    ctl fail off
+    say "ask 77 1 1 0 0 0 0 1 0 0 0 0" "ok 0"
+
+    # Signals that do not kill, also in the middle of slow exchanges.
+    say "flood 2000 200" all
+    ctl slow 5ms
+    say "flood 20 1000" all
+    ctl slow 0s
+
+    ctl unplug
+    say "ask 75 1" ENODEV
+    say other ENODEV
+    say "product 0" ENOENT
+    check "$model, an unplugged board has no directory" "" "$(ls /sys/class/Vexa)"
+    check "$model, an unplugged board cannot be opened" "ENODEV" "$(echo "open 0" | "$client")"
+    ctl plug
+    say "product 0" "Sorvane $model Board"
+    say "ask 75 1" ENODEV
+    say close closed
+    say "open 0" open
+    say "ask 75 1" "status 67"
+    finish
+}
+
+model=${3:-}
+if [ -n "$model" ]; then
+    inside
+fi
+need_nodes
+for model in R20 R20s R35; do
+    "$sim" run --board "0=$model,speed=high,number=3,firmware=running" -- bash "$0" "$build" "$width" "$model"
+    check "$model" 0 $?
+done
+finish
