@@ -1,0 +1,186 @@
+// Coins in and coins out: counted pulses and hoppers that pay.
+#include <cerrno>
+
+#include "tests/support/open_board.h"
+
+namespace tests
+{
+
+namespace
+{
+
+using namespace std::chrono_literals;
+
+class CoinScenario : public testing::TestWithParam<sim::Model>
+{
+protected:
+    int counted(_usbInputBitId input)
+    {
+        unsigned char counter = 0;
+        EXPECT_TRUE(usb.ReadPulsedInputCounter(input, &counter));
+        return counter;
+    }
+
+    void insert(unsigned int input, unsigned int coins)
+    {
+        board.inputs().pulse(input, coins);
+        testClock().advance(coins * 40ms);
+    }
+
+    int release(unsigned short coins)
+    {
+        return usb.ReleaseParallelHopperCoins(usbInput5, 20, ActiveState(1), usbOutput37, coins, 9);
+    }
+
+    /// Whether the hopper pays, and the coins that it has paid.
+    std::pair<bool, int> paying()
+    {
+        unsigned int active = 9;
+        unsigned char paid = 0;
+        EXPECT_TRUE(usb.GetPulsedInputStatus(usbInput5, &active, &paid));
+        EXPECT_LE(active, 1U);
+        EXPECT_EQ(board.outputs().lit(37), active == 1) << "the motor turns while it pays and only then";
+        return {active == 1, paid};
+    }
+
+    unsigned int hopperStatus()
+    {
+        ReleaseHopperCoinsStatus status{};
+        unsigned char paid = 0;
+        EXPECT_TRUE(usb.GetParallelHopperStatus(usbInput5, &status, &paid));
+        return status;
+    }
+
+    OpenBoard open{GetParam()};
+    SorvaneUSB &usb = open.usb;
+    sim::VirtualBoard &board = open.board;
+};
+
+using Paying = std::pair<bool, int>;
+
+INSTANTIATE_TEST_SUITE_P(Models, CoinScenario, testing::ValuesIn(everyModel),
+                         [](const auto &info) { return nameOf(info.param); });
+
+TEST_P(CoinScenario, CoinsCountOnlyWhileTheCheckIsOn)
+{
+    EXPECT_TRUE(usb.ConfigurePulsedInput(usbInput3, 20, ActiveState(1)));
+    insert(3, 2);
+    EXPECT_EQ(counted(usbInput3), 0);
+    EXPECT_TRUE(usb.BeginPulsedInputCheck(usbInput3));
+    insert(3, 5);
+    insert(23, 4);
+    EXPECT_EQ(counted(usbInput3), 5);
+    EXPECT_EQ(counted(usbInput23), 0) << "nobody checks that input";
+    EXPECT_TRUE(usb.EndPulsedInputCheck(usbInput3));
+    insert(3, 7);
+    EXPECT_EQ(counted(usbInput3), 5);
+}
+
+TEST_P(CoinScenario, ACreditIsTakenOneByOneOrWhole)
+{
+    EXPECT_TRUE(usb.BeginPulsedInputCheck(usbInput23));
+    insert(23, 4);
+    EXPECT_TRUE(usb.DecrementPulsedInputCounter(usbInput23));
+    EXPECT_EQ(counted(usbInput23), 3);
+    EXPECT_TRUE(usb.ResetPulsedInputCounter(usbInput23));
+    EXPECT_EQ(counted(usbInput23), 0);
+    insert(23, 1);
+    EXPECT_EQ(counted(usbInput23), 1) << "the check goes on";
+}
+
+TEST_P(CoinScenario, AnActiveLowInputCountsTheFallingEdge)
+{
+    board.inputs().set(7, true);
+    EXPECT_TRUE(usb.ConfigurePulsedInput(usbInput7, 20, ActiveState(0)));
+    EXPECT_TRUE(usb.BeginPulsedInputCheck(usbInput7));
+    board.inputs().set(7, false);
+    EXPECT_EQ(counted(usbInput7), 1);
+    board.inputs().set(7, true);
+    EXPECT_EQ(counted(usbInput7), 1);
+}
+
+TEST_P(CoinScenario, AHopperPaysWhatItIsAskedAndItsCoinsAreCounted)
+{
+    board.hopper(5, 20);
+    EXPECT_EQ(paying(), Paying(false, 0));
+    EXPECT_TRUE(usb.BeginPulsedInputCheck(usbInput5));
+    EXPECT_TRUE(release(3));
+    EXPECT_EQ(paying(), Paying(true, 0));
+    EXPECT_EQ(hopperStatus(), usbHopperActive);
+    testClock().advance(450ms);
+    EXPECT_EQ(paying(), Paying(true, 2));
+    EXPECT_FALSE(release(9)) << "it is busy";
+    testClock().advance(10s);
+    EXPECT_EQ(paying(), Paying(false, 3));
+    EXPECT_EQ(counted(usbInput5), 3);
+    EXPECT_EQ(board.hoppers().at(5).stock(), 17U);
+}
+
+TEST_P(CoinScenario, AHopperWith3CoinsAskedFor5Pays3AndStops)
+{
+    board.hopper(5, 3);
+    EXPECT_TRUE(release(5));
+    testClock().advance(2s);
+    EXPECT_EQ(paying(), Paying(true, 3));
+    testClock().advance(sim::coinTimeout);
+    EXPECT_EQ(paying(), Paying(false, 3));
+    EXPECT_EQ(hopperStatus(), sim::hopperRanOut);
+    EXPECT_EQ(board.hoppers().at(5).stock(), 0U);
+}
+
+TEST_P(CoinScenario, AJammedHopperGivesUpAndPaysTheRestWhenAskedAgain)
+{
+    board.hopper(5, 20);
+    EXPECT_TRUE(release(300));
+    testClock().advance(450ms);
+    board.hoppers().at(5).jam();
+    testClock().advance(10s);
+    EXPECT_EQ(paying(), Paying(false, 2));
+    EXPECT_EQ(hopperStatus(), sim::hopperRanOut);
+    board.hoppers().at(5).jam(false);
+    testClock().advance(10s);
+    EXPECT_EQ(board.hoppers().at(5).stock(), 18U) << "nothing moves unasked";
+    EXPECT_TRUE(release(3));
+    testClock().advance(10s);
+    EXPECT_EQ(paying(), Paying(false, 3));
+    EXPECT_EQ(board.hoppers().at(5).stock(), 15U);
+}
+
+TEST_P(CoinScenario, AReleaseIsStoppedWhereTheModelCan)
+{
+    board.hopper(5, 20);
+    EXPECT_TRUE(release(10));
+    testClock().advance(450ms);
+    const bool canStop = GetParam() != sim::Model::R20;
+    EXPECT_EQ(usb.StopHopperCoinRelease(usbInput5), canStop ? 1 : 0);
+    EXPECT_EQ(usb.GetLastError(), canStop ? usbErrorNone : usbErrorNotSupported);
+    testClock().advance(10s);
+    EXPECT_EQ(paying(), canStop ? Paying(false, 2) : Paying(false, 10));
+    EXPECT_EQ(hopperStatus(), canStop ? sim::hopperStopped : sim::hopperPaid);
+}
+
+TEST_P(CoinScenario, AReleaseWhoseAnswerIsLostIsNotAskedTwice)
+{
+    board.hopper(5, 20);
+    board.faults().add(sim::Fault::ioctlFails(EINTR).on(112).carriedOut());
+    EXPECT_FALSE(release(3));
+    EXPECT_EQ(usb.GetLastError(), usbErrorTransfer);
+    EXPECT_EQ(board.exchanges().size(), 1U);
+    EXPECT_EQ(paying(), Paying(true, 0)) << "the status tells the caller";
+    testClock().advance(10s);
+    EXPECT_EQ(board.hoppers().at(5).stock(), 17U);
+}
+
+TEST_P(CoinScenario, AHopperGoesOnPayingWhenTheBoardIsClosed)
+{
+    board.hopper(5, 20);
+    EXPECT_TRUE(release(3));
+    usb.close();
+    testClock().advance(10s);
+    ASSERT_TRUE(usb.InitPort(0));
+    EXPECT_EQ(paying(), Paying(false, 3));
+}
+
+}  // namespace
+
+}  // namespace tests

@@ -1,0 +1,138 @@
+// Loading a board's firmware, and the preparation that follows it.
+#include <fstream>
+#include <iterator>
+
+#include "tests/support/open_board.h"
+
+namespace tests
+{
+
+namespace
+{
+
+using sim::Exchange;
+using sim::Fault;
+using sim::Model;
+
+sim::Bytes imageOf(Model model)
+{
+    const char *const names[] = {"r20.bin", "r20s.bin", "r35.bin"};
+    std::ifstream file(std::string(FIRMWARE_IMAGES "/") + names[static_cast<int>(model) - 1], std::ios::binary);
+    return sim::Bytes(std::istreambuf_iterator<char>(file), {});
+}
+
+struct Download {
+    Model model;
+    bool highSpeed;
+    std::size_t requests;
+    std::size_t chunk;
+    std::size_t last;
+};
+
+constexpr Download downloads[] = {
+    {Model::R20, false, 279, 57, 42},  {Model::R20, true, 64, 249, 201}, {Model::R20s, false, 255, 55, 32},
+    {Model::R20s, true, 57, 247, 170}, {Model::R35, false, 258, 55, 37}, {Model::R35, true, 58, 247, 93},
+};
+
+/// The header of the chunk that starts at this place of the image.
+sim::Bytes headerOf(Model model, std::size_t place, std::size_t length)
+{
+    const auto byte = [](std::size_t value) { return static_cast<unsigned char>(value); };
+    if (model == Model::R20)
+        return {byte(length), byte(place), byte(place >> 8)};
+    return {byte(length), 0, 13, byte(place), byte(place >> 8)};
+}
+
+TEST(Firmware, IsLoadedChunkByChunkInOrder)
+{
+    for (const Download &row : downloads) {
+        SCOPED_TRACE(std::string(sim::nameOf(row.model)) + (row.highSpeed ? " high speed" : " full speed"));
+        sim::VirtualBoard &board = plug(0, row.model);
+        if (row.highSpeed)
+            board.highSpeed();
+        SorvaneUSB usb;
+        ASSERT_TRUE(usb.InitPort(0));
+        const auto &seen = board.exchanges();
+        ASSERT_GE(seen.size(), row.requests + 3);
+        EXPECT_EQ(seen[0], (Exchange{74, 6, {}, 0, {0}}));
+        EXPECT_EQ(seen[1].request, 72);
+        EXPECT_TRUE(seen[1].pipe == 6 && seen[1].sent.empty());
+        const sim::Bytes image = imageOf(row.model);
+        std::size_t place = 0;
+        for (std::size_t k = 0; k < row.requests; ++k) {
+            const std::size_t length = k + 1 == row.requests ? row.last : row.chunk;
+            sim::Bytes expected = headerOf(row.model, place, length);
+            expected.insert(expected.end(), image.begin() + static_cast<long>(place),
+                            image.begin() + static_cast<long>(place + length));
+            ASSERT_EQ(seen[2 + k].request, row.model == Model::R20 ? 71 : 117);
+            ASSERT_EQ(seen[2 + k].pipe, 6);
+            ASSERT_EQ(seen[2 + k].sent, expected) << "chunk " << k;
+            place += length;
+        }
+        EXPECT_EQ(place, image.size());
+        EXPECT_EQ(seen[2 + row.requests].request, 73);
+        EXPECT_TRUE(board.firmware().running());
+    }
+}
+
+TEST(Firmware, IsNotLoadedWhereItRuns)
+{
+    for (Model model : everyModel) {
+        OpenBoard open(model, 1);
+        EXPECT_EQ(open.usb.Download8051Software(), 1);
+        EXPECT_EQ(wire(open.board), "74/6");
+    }
+}
+
+TEST(Firmware, AnAnswerWithoutAByteMeansThatItDoesNotRun)
+{
+    sim::VirtualBoard &board = plug(1, Model::R35);
+    board.answerNext({});
+    SorvaneUSB usb;
+    EXPECT_TRUE(usb.InitPort(1));
+    EXPECT_EQ(board.exchanges().at(1).request, 72);
+    EXPECT_TRUE(board.firmware().running());
+}
+
+TEST(Firmware, AFailedDownloadFailsTheOpeningAndTouchesNoEEPROM)
+{
+    const unsigned char failingRequests[] = {74, 72, 0, 73};
+    for (Model model : everyModel) {
+        for (unsigned char request : failingRequests) {
+            const unsigned char chunk = model == Model::R20 ? 71 : 117;
+            const unsigned char failing = request ? request : chunk;
+            SCOPED_TRACE(std::string(sim::nameOf(model)) + " request " + std::to_string(failing));
+            sim::VirtualBoard &board = plug(14, model);
+            board.faults().add(Fault::status(99).on(failing, 6));
+            SorvaneUSB usb;
+            EXPECT_EQ(usb.InitPort(14), 0);
+            EXPECT_EQ(usb.GetLastError(), 99);
+            EXPECT_EQ(board.exchanges().back().request, failing);
+            EXPECT_EQ(sim::openDescriptors(14).size(), 1u) << "the board stays attached";
+        }
+    }
+}
+
+TEST(Preparation, ConfiguresTheEEPROMOfADeviceNumberOnce)
+{
+    sim::VirtualBoard &board = plug(13, Model::R35).firmwareRunning().eeprom(E24LC64);
+    SorvaneUSB usb;
+    ASSERT_TRUE(usb.InitPort(13));
+    EXPECT_EQ(board.exchanges().back().request, 3);
+    EXPECT_EQ(hex(board.exchanges().back().sent.data(), 5), "20 02 1F FF 51");
+    board.clearExchanges();
+    ASSERT_TRUE(usb.InitPort(13));
+    EXPECT_EQ(wire(board), "74/6") << "the second opening finds it configured";
+}
+
+TEST(Preparation, FailsWithTheCodeOfTheStepThatFailed)
+{
+    plug(12, Model::R35).firmwareRunning().faults().add(Fault::status(98).on(5, 2).forever());
+    SorvaneUSB usb;
+    EXPECT_EQ(usb.InitPort(12), 0);
+    EXPECT_EQ(usb.GetLastError(), 98);
+}
+
+}  // namespace
+
+}  // namespace tests

@@ -1,0 +1,120 @@
+// Three reels: ramps, running, stopping at a count, and finding the index.
+#include "tests/support/open_board.h"
+
+namespace tests
+{
+
+namespace
+{
+
+using namespace std::chrono_literals;
+
+enum Motion : unsigned int { Still, RampingUp, Running, RampingDown };
+constexpr unsigned int synchronised = 0x01;
+constexpr unsigned int backward = 0x80;
+constexpr unsigned int untilStopped = 0xFFFF;
+
+class ReelScenario : public testing::TestWithParam<sim::Model>
+{
+protected:
+    ReelStatusEx status()
+    {
+        ReelStatusEx all{};
+        EXPECT_TRUE(usb.GetReelStatusEx(&all));
+        return all;
+    }
+
+    void expectReel(int reel, unsigned int count, unsigned int left, unsigned int motion, unsigned int flags = 0)
+    {
+        const ReelStatusEx all = status();
+        EXPECT_EQ(all.first[reel], count) << "steps of reel " << reel;
+        EXPECT_EQ(all.second[reel], left) << "steps left of reel " << reel;
+        EXPECT_EQ(all.third[reel], motion) << "motion of reel " << reel;
+        EXPECT_EQ(all.fourth[reel], flags) << "flags of reel " << reel;
+    }
+
+    OpenBoard open{GetParam()};
+    SorvaneUSB &usb = open.usb;
+    sim::VirtualBoard &board = open.board;
+};
+
+INSTANTIATE_TEST_SUITE_P(Models, ReelScenario, testing::ValuesIn(everyModel),
+                         [](const auto &info) { return nameOf(info.param); });
+
+TEST_P(ReelScenario, AReelRampsUpRunsRampsDownAndStandsAtItsCount)
+{
+    EXPECT_TRUE(usb.ConfigureReelsEx(3, 400, 1));
+    EXPECT_TRUE(usb.SpinRampUp(1, {3, {30, 20, 10}}));
+    EXPECT_TRUE(usb.SpinRampDown(1, {2, {20, 40}}));
+    EXPECT_TRUE(usb.SpinReels(1, 1, 300));
+    const struct {
+        sim::Nanoseconds pause;
+        unsigned int count, left;
+        Motion motion;
+    } moments[] = {
+        {0ms, 0, 300, RampingUp},  {50ms, 2, 298, RampingUp},  {10ms, 3, 297, Running}, {1000ms, 103, 197, Running},
+        {1949ms, 297, 3, Running}, {1ms, 298, 2, RampingDown}, {20ms, 299, 1, RampingDown}, {40ms, 300, 0, Still},
+        {10s, 300, 0, Still},
+    };
+    for (const auto &moment : moments) {
+        testClock().advance(moment.pause);
+        expectReel(1, moment.count, moment.left, moment.motion);
+    }
+    EXPECT_EQ(board.reels().at(1).place(), (91U + 300U) % 400U);
+    usbReelStatus narrow{};
+    EXPECT_TRUE(usb.GetReelStatus(&narrow));
+    EXPECT_EQ(narrow.first[1], 300 - 256);
+}
+
+TEST_P(ReelScenario, ThreeReelsTurnEachOnItsOwn)
+{
+    EXPECT_TRUE(usb.ConfigureReels(3, 200, 0));
+    EXPECT_TRUE(usb.SpinRampUp(1, {1, {8}}));
+    EXPECT_TRUE(usb.SpinRampDown(2, {3, {50, 50, 50}}));
+    EXPECT_TRUE(usb.SpinReels(0, 1, 100));
+    EXPECT_TRUE(usb.SpinReels(1, 254, 0));
+    testClock().advance(200ms);
+    EXPECT_TRUE(usb.SpinReels(2, 255, 5));
+    expectReel(0, 50, 50, Running);
+    expectReel(1, 25, untilStopped, Running, backward);
+    expectReel(2, 0, 5, Running, backward);
+    EXPECT_TRUE(usb.SpinReels(1, 0, 0));
+    testClock().advance(200ms);
+    expectReel(0, 100, 0, Still);
+    expectReel(1, 25, 0, Still, backward);
+    expectReel(2, 5, 0, Still, backward);
+    EXPECT_EQ(board.reels().at(2).place(), 135U);
+}
+
+TEST_P(ReelScenario, AReelToldToStopTurnsThroughItsRamp)
+{
+    EXPECT_TRUE(usb.SpinRampDown(0, {3, {10, 20, 30}}));
+    EXPECT_TRUE(usb.SpinReels(0, 2, 0));
+    testClock().advance(400ms);
+    EXPECT_TRUE(usb.SpinReels(0, 0, 0));
+    expectReel(0, 100, 3, RampingDown);
+    testClock().advance(59ms);
+    expectReel(0, 102, 1, RampingDown);
+    testClock().advance(1ms);
+    expectReel(0, 103, 0, Still);
+}
+
+TEST_P(ReelScenario, ASynchronisedReelCountsFromItsIndex)
+{
+    EXPECT_TRUE(usb.ConfigureReels(3, 200, 0));
+    EXPECT_TRUE(usb.ReelSynchroniseEnable(1 << 2));
+    EXPECT_TRUE(usb.SpinReels(0, 1, 500));
+    EXPECT_TRUE(usb.SpinReels(2, 1, 500));
+    testClock().advance(59 * 4ms);
+    expectReel(2, 59, 441, Running);
+    testClock().advance(11 * 4ms);
+    expectReel(2, 10, 430, Running, synchronised);
+    expectReel(0, 70, 430, Running);
+    testClock().advance(10s);
+    EXPECT_EQ(status().first[2], board.reels().at(2).place());
+    EXPECT_EQ(status().first[0], 500) << "it has no index to count from";
+}
+
+}  // namespace
+
+}  // namespace tests

@@ -1,0 +1,252 @@
+// Bytes and 9-bit words through the serial ports: chunks out, everything that waits in, parity, and a lost game.
+#include <cerrno>
+#include <numeric>
+
+#include "tests/support/open_board.h"
+
+namespace tests
+{
+
+namespace
+{
+
+using namespace std::chrono_literals;
+
+sim::Bytes counting(std::size_t count)
+{
+    sim::Bytes bytes(count);
+    std::iota(bytes.begin(), bytes.end(), static_cast<unsigned char>(1));
+    return bytes;
+}
+
+class SerialScenario : public testing::TestWithParam<sim::Model>
+{
+protected:
+    void configure(_usbSerialPort port, _usbPortType type = usbPortType0)
+    {
+        _DCB settings = {38400, 0, 0};
+        EXPECT_TRUE(usb.SetConfig(port, &settings, type));
+        board.clearExchanges();
+    }
+
+    /// Has these bytes arrive at a port.
+    void deliver(unsigned int port, const sim::Bytes &bytes)
+    {
+        board.serialPort(port).deliver(bytes);
+        testClock().advance(2s);
+    }
+
+    std::size_t answers(std::size_t bytes) const
+    {
+        return (bytes + sim::largestAnswer(GetParam()) - 1) / sim::largestAnswer(GetParam());
+    }
+
+    /// The id of one receive request of port 0.
+    int nextId(SorvaneUSB &from, sim::VirtualBoard &on)
+    {
+        unsigned char data[sim::serialBufferCapacity];
+        unsigned long length = 9;
+        EXPECT_TRUE(from.Receive(usbSerialPort0, data, &length));
+        EXPECT_EQ(length, 0U);
+        return on.exchanges().back().sent.at(0);
+    }
+    int nextId() { return nextId(usb, board); }
+
+    OpenBoard open{GetParam()};
+    SorvaneUSB &usb = open.usb;
+    sim::VirtualBoard &board = open.board;
+};
+
+INSTANTIATE_TEST_SUITE_P(Models, SerialScenario, testing::ValuesIn(everyModel),
+                         [](const auto &info) { return nameOf(info.param); });
+
+std::vector<std::size_t> chunksOf(const sim::VirtualBoard &board)
+{
+    std::vector<std::size_t> chunks;
+    for (const sim::Exchange &exchange : board.exchanges())
+        chunks.push_back(exchange.request == 98 ? exchange.sent.size() : 0);
+    return chunks;
+}
+
+TEST_P(SerialScenario, DataTravelsInChunksOfTheBusSpeed)
+{
+    const struct {
+        bool highSpeed;
+        unsigned int length;
+        std::vector<std::size_t> bytes, words;
+    } cases[] = {
+        {false, 130, {60, 60, 10}, {60, 60, 60, 60, 20}},
+        {true, 130, {130}, {252, 8}},
+        {false, 60, {60}, {60, 60}},
+        {false, 61, {60, 1}, {60, 60, 2}},
+        {true, 252, {252}, {252, 252}},
+        {true, 253, {252, 1}, {252, 252, 2}},
+    };
+    for (const auto &each : cases) {
+        OpenBoard fast(GetParam(), 1, each.highSpeed);
+        sim::Bytes bytes = counting(each.length);
+        EXPECT_TRUE(fast.usb.Send(usbSerialPort1, bytes.data(), each.length));
+        EXPECT_EQ(chunksOf(fast.board), each.bytes) << each.length;
+        const auto &sent = fast.board.serialPort(1).sent();
+        EXPECT_EQ(sim::Bytes(sent.begin(), sent.end()), bytes);
+
+        _DCB settings = {38400, 0, 0};
+        EXPECT_TRUE(fast.usb.SetConfig(usbSerialPort0, &settings, usbPortType3));
+        fast.board.clearExchanges();
+        sim::Words words(each.length);
+        std::iota(words.begin(), words.end(), static_cast<std::uint16_t>(0x0F0));
+        EXPECT_TRUE(fast.usb.Send9BitData(usbSerialPort0, words.data(), each.length));
+        EXPECT_EQ(chunksOf(fast.board), each.words) << each.length;
+        const auto &sentWords = fast.board.serialPort(0).sent();
+        EXPECT_EQ(sim::Words(sentWords.begin(), sentWords.end()), words);
+    }
+}
+
+TEST_P(SerialScenario, AFailureInTheMiddleLeavesTheEarlierChunksSent)
+{
+    board.faults().add(sim::Fault::ioctlFails(EIO).on(98).skip(1));
+    sim::Bytes bytes = counting(130);
+    EXPECT_FALSE(usb.Send(usbSerialPort1, bytes.data(), 130));
+    EXPECT_EQ(usb.GetLastError(), usbErrorTransfer);
+    EXPECT_EQ(board.serialPort(1).sentCount(), 60U);
+
+    configure(usbSerialPort0, usbPortType3);
+    board.faults().add(sim::Fault::status(0x21).on(98).skip(2));
+    sim::Words words(100, 0x1A5);
+    EXPECT_FALSE(usb.Send9BitData(usbSerialPort0, words.data(), 100));
+    EXPECT_EQ(usb.GetLastError(), 0x21);
+    EXPECT_EQ(board.serialPort(0).sentCount(), 60U) << "words, in two chunks";
+}
+
+TEST_P(SerialScenario, WhatIsSentIntoALoopComesBack)
+{
+    for (const _usbSerialPort port : {usbSerialPort0, usbSerialPort1}) {
+        board.serialPeripheral(port, sim::makePeripheral("loopback"));
+        configure(port);
+        sim::Bytes sent = counting(200);
+        EXPECT_TRUE(usb.Send(port, sent.data(), 200));
+        testClock().advance(1s);
+        unsigned char data[sim::serialBufferCapacity];
+        unsigned long length = 0;
+        EXPECT_TRUE(usb.Receive(port, data, &length));
+        EXPECT_EQ(sim::Bytes(data, data + length), sent);
+
+        configure(port, usbPortType3);
+        sim::Words words = {0x1A5, 0x0FF, 0x100, 0x001};
+        EXPECT_TRUE(usb.Send9BitData(port, words.data(), 4));
+        testClock().advance(1s);
+        unsigned short back[sim::serialBufferCapacity];
+        EXPECT_TRUE(usb.Receive9BitData(port, back, &length));
+        EXPECT_EQ(sim::Words(back, back + length), words);
+    }
+}
+
+TEST_P(SerialScenario, ReceiveCollectsUntilTheBoardIsEmpty)
+{
+    for (const _usbSerialPort port : {usbSerialPort0, usbSerialPort1}) {
+        const sim::Bytes arrived = counting(700);
+        deliver(port, arrived);
+        board.clearExchanges();
+        unsigned char data[2 * sim::serialBufferCapacity];
+        unsigned long length = 0;
+        EXPECT_TRUE(usb.Receive(port, data, &length));
+        EXPECT_EQ(sim::Bytes(data, data + length), arrived);
+        EXPECT_EQ(board.exchanges().size(), answers(700) + 1) << "the last one is empty";
+    }
+}
+
+TEST_P(SerialScenario, AReceiveThatFailsKeepsWhatCameBefore)
+{
+    const std::size_t first = sim::largestAnswer(GetParam());
+    const sim::Bytes arrived = counting(400);
+    deliver(0, arrived);
+    board.faults().add(sim::Fault::ioctlFails(EINTR).on(99).skip(1));
+    unsigned char data[sim::serialBufferCapacity] = {};
+    unsigned long length = 9;
+    EXPECT_FALSE(usb.Receive(usbSerialPort0, data, &length));
+    EXPECT_EQ(usb.GetLastError(), usbErrorTransfer);
+    ASSERT_EQ(length, first);
+    EXPECT_EQ(sim::Bytes(data, data + first), sim::Bytes(arrived.begin(), arrived.begin() + long(first)));
+    EXPECT_TRUE(usb.Receive(usbSerialPort0, data, &length));
+    EXPECT_EQ(sim::Bytes(data, data + length), sim::Bytes(arrived.begin() + long(first), arrived.end()));
+}
+
+TEST_P(SerialScenario, TheMessageIdCountsEveryPort0ReceiveOfTheProcess)
+{
+    OpenBoard other(GetParam(), 1);
+    unsigned char data[usbLargestAnswer];
+    unsigned short words[usbLargestAnswer];
+    unsigned long length;
+    unsigned char timestamp;
+    unsigned int received;
+    const struct {
+        const char *what;
+        int count;
+        std::function<void()> act;
+    } acts[] = {
+        {"another board's receive", 1, [&] { nextId(other.usb, other.board); }},
+        {"9-bit words", 1, [&] { usb.Receive9BitData(usbSerialPort0, words, &length); }},
+        {"with a capacity", 1, [&] { usb.Receive(usbSerialPort0, data, &length, sizeof data); }},
+        {"a call that the driver fails", 1,
+         [&] {
+             board.faults().add(sim::Fault::ioctlFails(EIO).on(99));
+             EXPECT_FALSE(usb.Receive(usbSerialPort0, data, &length));
+         }},
+        {"a request that the board refuses", 1,
+         [&] {
+             board.faults().add(sim::Fault::status(0x21).on(99));
+             EXPECT_FALSE(usb.Receive(usbSerialPort0, data, &length));
+         }},
+        {"port 1", 0, [&] { usb.Receive(usbSerialPort1, data, &length); }},
+        {"port 2", 0, [&] { usb.Receive(_usbSerialPort(2), data, &length); }},
+        {"a null pointer", 0, [&] { usb.Receive(usbSerialPort0, nullptr, &length); }},
+        {"timestamps", 0, [&] { usb.ReceiveByteWithTimestamp(usbSerialPort0, data, &timestamp, &received); }},
+    };
+    for (const auto &each : acts) {
+        const int before = nextId();
+        each.act();
+        EXPECT_EQ(nextId(), (before + each.count + 1) % 256) << each.what;
+    }
+    int last = nextId();
+    for (int k = 0; k < 300; ++k) {
+        const int id = nextId();
+        ASSERT_EQ(id, last == 255 ? 0 : last + 1);
+        last = id;
+    }
+}
+
+TEST_P(SerialScenario, WordsWithWrongParityAreCountedAndReceived)
+{
+    unsigned short errors = 9;
+    board.serialPort(1).spoilParity(3);
+    deliver(1, counting(20));
+    EXPECT_TRUE(usb.GetParityErrors(usbSerialPort1, &errors));
+    EXPECT_EQ(errors, 3);
+    EXPECT_TRUE(usb.GetParityErrors(usbSerialPort0, &errors));
+    EXPECT_EQ(errors, 0) << "each port counts its own";
+    unsigned char data[sim::serialBufferCapacity];
+    unsigned long length = 0;
+    EXPECT_TRUE(usb.Receive(usbSerialPort1, data, &length));
+    EXPECT_EQ(length, 20U);
+    configure(usbSerialPort1);
+    EXPECT_TRUE(usb.GetParityErrors(usbSerialPort1, &errors));
+    EXPECT_EQ(errors, 0);
+}
+
+TEST_P(SerialScenario, ThePeripheralIsToldWhenTheGameFallsSilent)
+{
+    unsigned char stop[] = {0xAB, 0xCD};
+    EXPECT_TRUE(usb.SetTimeoutMessage(usbSerialPort1, stop, 2, 1.5F));
+    testClock().advance(1400ms);
+    unsigned char data[] = {1};
+    EXPECT_TRUE(usb.Send(usbSerialPort1, data, 1));
+    testClock().advance(1400ms);
+    EXPECT_EQ(board.serialPort(1).sentCount(), 1U) << "the game has spoken in time";
+    testClock().advance(10s);
+    const auto &sent = board.serialPort(1).sent();
+    EXPECT_EQ(sim::Bytes(sent.begin(), sent.end()), (sim::Bytes{1, 0xAB, 0xCD}));
+}
+
+}  // namespace
+
+}  // namespace tests
