@@ -63,12 +63,48 @@ private:
     bool opened_;
 };
 
+// The pieces as one system call takes them.
+struct Transfer {
+    explicit Transfer(std::span<const MemoryPiece> pieces)
+    {
+        for (const MemoryPiece &piece : pieces) {
+            possible = possible && expressible(piece.address, piece.size);
+            local.push_back({piece.data, piece.size});
+            remote.push_back(remotePart(piece.address, piece.size));
+            size += static_cast<ssize_t>(piece.size);
+        }
+    }
+
+    using Call = ssize_t(pid_t, const iovec *, unsigned long, const iovec *, unsigned long, unsigned long);
+    bool carriedOutBy(Call *call, pid_t process) const
+    {
+        return possible && call(process, local.data(), local.size(), remote.data(), remote.size(), 0) == size;
+    }
+
+    std::vector<iovec> local;
+    std::vector<iovec> remote;
+    ssize_t size = 0;
+    bool possible = true;
+};
+
 bool callIsMissing(pid_t process)
 {
     return (errno == ENOSYS || errno == EPERM) && process == getpid();
 }
 
 }  // namespace
+
+bool CallerMemory::readAll(std::span<const MemoryPiece> pieces)
+{
+    return std::all_of(pieces.begin(), pieces.end(),
+                       [this](const MemoryPiece &piece) { return read(piece.address, piece.data, piece.size); });
+}
+
+bool CallerMemory::writeAll(std::span<const MemoryPiece> pieces)
+{
+    return std::all_of(pieces.begin(), pieces.end(),
+                       [this](const MemoryPiece &piece) { return write(piece.address, piece.data, piece.size); });
+}
 
 bool CallerMemory::writable(std::uint64_t address, std::size_t size)
 {
@@ -86,6 +122,17 @@ bool ProcessMemory::read(std::uint64_t address, void *to, std::size_t size)
     if (process_vm_readv(process_, &local, 1, &remote, 1, 0) == static_cast<ssize_t>(size))
         return true;
     return callIsMissing(process_) && Pipe().copy(remote.iov_base, to, size);
+}
+
+// What one call does not do in full is tried piece by piece.
+bool ProcessMemory::readAll(std::span<const MemoryPiece> pieces)
+{
+    return Transfer(pieces).carriedOutBy(process_vm_readv, process_) || CallerMemory::readAll(pieces);
+}
+
+bool ProcessMemory::writeAll(std::span<const MemoryPiece> pieces)
+{
+    return Transfer(pieces).carriedOutBy(process_vm_writev, process_) || CallerMemory::writeAll(pieces);
 }
 
 bool ProcessMemory::write(std::uint64_t address, const void *from, std::size_t size)

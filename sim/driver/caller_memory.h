@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <sys/types.h>
 
 namespace sim
@@ -14,6 +15,13 @@ enum class CallerWidth { bits32, bits64 };
 
 constexpr CallerWidth ownWidth = sizeof(void *) == 4 ? CallerWidth::bits32 : CallerWidth::bits64;
 
+/// A place in the caller's memory and what belongs there.
+struct MemoryPiece {
+    std::uint64_t address;
+    unsigned char *data;
+    std::size_t size;
+};
+
 /// A failed read or write may have moved a part.
 class CallerMemory
 {
@@ -22,6 +30,10 @@ public:
 
     virtual bool read(std::uint64_t address, void *to, std::size_t size) = 0;
     virtual bool write(std::uint64_t address, const void *from, std::size_t size) = 0;
+
+    /// Several places at once.
+    virtual bool readAll(std::span<const MemoryPiece> pieces);
+    virtual bool writeAll(std::span<const MemoryPiece> pieces);
 
     /// Whether a write is going to succeed; writes back what stands there. Nothing is asked about 0 bytes.
     bool writable(std::uint64_t address, std::size_t size);
@@ -36,6 +48,8 @@ public:
 
     bool read(std::uint64_t address, void *to, std::size_t size) override;
     bool write(std::uint64_t address, const void *from, std::size_t size) override;
+    bool readAll(std::span<const MemoryPiece> pieces) override;
+    bool writeAll(std::span<const MemoryPiece> pieces) override;
 
 private:
     pid_t process_;

@@ -92,26 +92,48 @@ bool waitIfSlow(VirtualBoard &board, unsigned char request, int pipe, const Driv
     return true;
 }
 
-// An answer without bytes may go behind the end of a buffer that is full.
-bool canTake(CallerMemory &memory, std::uint64_t inData, std::size_t size)
+// Puts bytes into the caller's memory, or leaves all of it as it was.
+bool putAll(CallerMemory &memory, std::vector<MemoryPiece> pieces)
 {
-    if (inData == 0)
+    std::vector<Bytes> before;
+    std::vector<MemoryPiece> old;
+    for (const MemoryPiece &piece : pieces) {
+        before.emplace_back(piece.size);
+        old.push_back({piece.address, before.back().data(), piece.size});
+    }
+    if (!memory.readAll(old))
+        return false;
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        if (!pieces[i].data)
+            pieces[i].data = old[i].data;
+    }
+    if (memory.writeAll(pieces))
         return true;
-    if (size > 0)
-        return memory.writable(inData, size);
-    return memory.writable(inData, 1) || memory.writable(inData - 1, 1);
+    for (const MemoryPiece &piece : old)
+        memory.write(piece.address, piece.data, piece.size);
+    return false;
 }
 
 bool deliver(const Record &record, const Exchange &exchange, CallerWidth width, CallerMemory &memory)
 {
-    const std::size_t size = exchange.status == 0 ? exchange.received.size() : 0;
-    const auto status = bytesOf32le(static_cast<std::uint32_t>(exchange.status));
-    Bytes count = bytesOf32le(static_cast<std::uint32_t>(size));
+    Bytes data = exchange.status == 0 ? exchange.received : Bytes{};
+    Bytes status = bytesOf32le(static_cast<std::uint32_t>(exchange.status));
+    Bytes count = bytesOf32le(static_cast<std::uint32_t>(data.size()));
     count.resize(countSize(width));
-    const bool dataArrived =
-        size == 0 || record.inData == 0 || memory.write(record.inData, exchange.received.data(), size);
-    return dataArrived && memory.write(record.inLength, count.data(), count.size()) &&
-           memory.write(record.statusWord, status.data(), status.size());
+    std::vector<MemoryPiece> pieces{{record.statusWord, status.data(), status.size()},
+                                    {record.inLength, count.data(), count.size()}};
+    if (record.inData == 0)
+        return putAll(memory, pieces);
+    if (!data.empty()) {
+        pieces.insert(pieces.begin(), {record.inData, data.data(), data.size()});
+        return putAll(memory, pieces);
+    }
+    // A buffer in which nothing is put must be one all the same; an answer without bytes may lie behind a full one.
+    pieces.push_back({record.inData, nullptr, 1});
+    if (putAll(memory, pieces))
+        return true;
+    --pieces.back().address;
+    return putAll(memory, pieces);
 }
 
 int carryOut(VirtualBoard &board, const Record &record, const Bytes &payload, CallerWidth width, CallerMemory &memory,
@@ -121,13 +143,10 @@ int carryOut(VirtualBoard &board, const Record &record, const Bytes &payload, Ca
     if (!isThere(board, call))
         return -ENODEV;
     PendingExchange pending = board.prepare(record.request, static_cast<int>(record.pipeIndex) + 1, payload);
-    const std::size_t size = pending.exchange.status == 0 ? pending.exchange.received.size() : 0;
-    if (!canTake(memory, record.inData, size))
+    if (pending.ioctlResult == 0 && !deliver(record, pending.exchange, width, memory))
         return -EFAULT;
     board.complete(pending);
-    if (pending.ioctlResult != 0)
-        return pending.ioctlResult;
-    return deliver(record, pending.exchange, width, memory) ? 0 : -EFAULT;
+    return pending.ioctlResult;
 }
 
 void fillPacket(const PendingExchange &pending, unsigned char *packet)
@@ -187,7 +206,7 @@ int recordExchange(VirtualBoard &board, std::uint64_t recordAddress, CallerWidth
     if (!isThereNow(board, call))
         return -ENODEV;
     const std::optional<Record> record = readRecord(recordAddress, width, memory);
-    if (!record || !memory.writable(record->statusWord, 4) || !memory.writable(record->inLength, countSize(width)))
+    if (!record)
         return -EFAULT;
     if (record->pipeIndex >= pipes || record->outLength > longestPayload)
         return -EINVAL;
