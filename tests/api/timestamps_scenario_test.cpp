@@ -9,8 +9,6 @@ namespace tests
 namespace
 {
 
-using namespace std::chrono_literals;
-
 const _usbSerialPort port2 = _usbSerialPort(2);
 
 /// What a call stored: "1 41 05" is received, data and timestamp; ".." was not written.
@@ -87,7 +85,8 @@ TEST_P(TimestampScenario, ABatchIsHandedOutItemByItemAndThenTheNextIsFetched)
             for (const std::string &expected : words ? each.words : each.bytes)
                 EXPECT_EQ(words ? nextWord(usb) : next(usb), expected);
             EXPECT_EQ(wire(board), "102/3");
-            EXPECT_EQ(words ? nextWord(usb, usbSerialPort1) : next(usb, usbSerialPort1), words ? "0 .... 77" : "0 .. 77");
+            EXPECT_EQ(words ? nextWord(usb, usbSerialPort1) : next(usb, usbSerialPort1),
+                      words ? "0 .... 77" : "0 .. 77");
             EXPECT_EQ(wire(board), "102/3; 102/4");
         }
     }
@@ -144,25 +143,6 @@ TEST_P(TimestampScenario, EachDeviceKeepsItsOwnBatch)
     board.answerNext(sim::Bytes(sim::largestAnswer(GetParam()), 0x99));
     EXPECT_EQ(next(usb), r20() ? "1 99 99" : "0 .. ..");
     EXPECT_EQ(next(other.usb), "1 42 06");
-}
-
-TEST_P(TimestampScenario, BytesCarryTheTimeOfTheirArrival)
-{
-    const auto now = [] { return static_cast<unsigned char>(testClock().now() / 1ms & 0xFF); };
-    const auto text = [](unsigned char byte) { return hex(&byte, 1); };
-    _DCB settings = {62500, 0, 0};
-    EXPECT_TRUE(usb.SetConfig(usbSerialPort1, &settings, usbPortType0));
-    std::vector<std::string> expected;
-    for (const unsigned char byte : {0x41, 0x42}) {
-        board.serialPort(1).deliver(sim::Bytes{byte});
-        testClock().advance(160us);
-        expected.push_back("1 " + text(byte) + " " + text(now()));
-        EXPECT_EQ(board.serialPort(1).waiting(), expected.size());
-        testClock().advance(50ms);
-    }
-    EXPECT_EQ(next(usb, usbSerialPort1), expected[0]);
-    EXPECT_EQ(next(usb, usbSerialPort1), expected[1]);
-    EXPECT_EQ(next(usb, usbSerialPort1), "0 .. " + text(now())) << "nothing has come: the time alone";
 }
 
 }  // namespace
