@@ -1,13 +1,131 @@
 #include "sim/command/preload.h"
 
+#include "sim/nodes/failure.h"
+#include "sim/nodes/program.h"
+
+#include <array>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <elf.h>
+#include <fcntl.h>
+#include <sched.h>
 #include <stdexcept>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace sim
 {
 
-void executePreloaded(const RunRequest &, const TextWords &)
+namespace
 {
-    throw std::runtime_error("not yet");
+
+constexpr char libraryName[] = "libsorvane_sim_preload.so";
+
+// Beside this program in a build, in the neighbouring lib where it is installed.
+std::string libraryPath()
+{
+    std::array<char, PATH_MAX> self{};
+    if (::readlink("/proc/self/exe", self.data(), self.size() - 1) <= 0)
+        fail("finding this program");
+    const std::string folder = std::string(self.data()).substr(0, std::string(self.data()).rfind('/'));
+    for (const std::string &path : {folder + "/" + libraryName, folder + "/../lib/" + libraryName}) {
+        if (::access(path.c_str(), R_OK) == 0)
+            return path;
+    }
+    throw std::runtime_error(std::string(libraryName) + " is missing beside " + self.data());
+}
+
+// Where execvp is going to find it; empty when nowhere.
+std::string findProgram(const std::string &name)
+{
+    if (name.find('/') != std::string::npos)
+        return name;
+    const char *path = std::getenv("PATH");
+    for (const std::string &folder : splitAt(path ? path : "/bin:/usr/bin", ':')) {
+        const std::string candidate = (folder.empty() ? "." : folder) + "/" + name;
+        if (::access(candidate.c_str(), X_OK) == 0)
+            return candidate;
+    }
+    return "";
+}
+
+struct Binary {
+    bool isELF = false;
+    unsigned char width = 0;  ///< ELFCLASS32 or ELFCLASS64
+    bool isDynamic = false;
+    bool hasMoreRights = false;
+};
+
+template <class Header, class Segment>
+bool hasInterpreter(const OwnedFd &file)
+{
+    Header header{};
+    if (::pread(file.get(), &header, sizeof header, 0) != sizeof header)
+        return false;
+    for (unsigned int number = 0; number < header.e_phnum; ++number) {
+        Segment segment{};
+        const auto at = static_cast<off_t>(header.e_phoff + number * sizeof segment);
+        if (::pread(file.get(), &segment, sizeof segment, at) == sizeof segment && segment.p_type == PT_INTERP)
+            return true;
+    }
+    return false;
+}
+
+Binary inspect(const std::string &path)
+{
+    Binary binary;
+    const OwnedFd file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    std::array<unsigned char, EI_NIDENT> identity{};
+    struct stat attributes {
+    };
+    if (!file || ::fstat(file.get(), &attributes) != 0 ||
+        ::pread(file.get(), identity.data(), identity.size(), 0) != static_cast<ssize_t>(identity.size()))
+        return binary;
+    binary.isELF = std::memcmp(identity.data(), ELFMAG, SELFMAG) == 0;
+    binary.width = identity[EI_CLASS];
+    binary.hasMoreRights = (attributes.st_mode & (S_ISUID | S_ISGID)) != 0;
+    binary.isDynamic = binary.width == ELFCLASS32 ? hasInterpreter<Elf32_Ehdr, Elf32_Phdr>(file)
+                                                  : hasInterpreter<Elf64_Ehdr, Elf64_Phdr>(file);
+    return binary;
+}
+
+// A script is taken as it comes: whatever runs it is a program of the machine.
+void refuseUnlessPossible(const std::string &program, const std::string &library)
+{
+    const Binary binary = inspect(findProgram(program));
+    if (!binary.isELF)
+        return;
+    const auto refusal = [&program](const std::string &reason) {
+        return std::runtime_error("no boards inside " + program + ": " + reason);
+    };
+    if (binary.hasMoreRights)
+        throw refusal("it runs with more rights than its user and takes no library");
+    if (!binary.isDynamic)
+        throw refusal("it is statically linked and takes no library; only device nodes reach it");
+    if (binary.width != inspect(library).width)
+        throw refusal(std::string("it is a ") + (binary.width == ELFCLASS32 ? "32" : "64") + "-bit program and " +
+                      libraryName + " is not");
+}
+
+}  // namespace
+
+void executePreloaded(const RunRequest &request, const TextWords &program)
+{
+    const std::string library = libraryPath();
+    refuseUnlessPossible(program[0], library);
+    const char *others = std::getenv("LD_PRELOAD");
+    ::setenv("LD_PRELOAD", (library + (others ? ":" + std::string(others) : "")).c_str(), 1);
+    ::setenv(preloadBoards, join(request.boardArguments, " ").c_str(), 1);
+    if (!request.scenarioFile.empty()) {
+        const std::unique_ptr<char, void (*)(void *)> path(::realpath(request.scenarioFile.c_str(), nullptr),
+                                                           std::free);
+        ::setenv(preloadScenario, path ? path.get() : "", 1);
+    }
+    // Only who may do it gets it; the program can do without.
+    if (request.privateIpc)
+        (void)::unshare(CLONE_NEWIPC);
+    execute(program);
 }
 
 }  // namespace sim

@@ -1,7 +1,7 @@
 #include "sim/command/run_names.h"
 
 #include "sim/command/words.h"
-#include "sim/nodes/namespaces.h"
+#include "sim/nodes/run_link.h"
 
 #include <algorithm>
 #include <cctype>

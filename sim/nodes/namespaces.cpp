@@ -3,6 +3,7 @@
 #include "sim/nodes/bound_directory.h"
 #include "sim/nodes/channel.h"
 #include "sim/nodes/failure.h"
+#include "sim/nodes/run_link.h"
 
 #include <array>
 #include <climits>
@@ -19,8 +20,6 @@ namespace sim
 
 namespace
 {
-
-constexpr char runLink[] = "/dev/sorvane-sim";
 
 bool mayMount()
 {
@@ -114,14 +113,6 @@ MountedDevices mountDevices(const std::vector<int> &deviceNos, const std::string
         mountFuse(fuse, node, S_IFREG);
     }
     return devices;
-}
-
-std::optional<std::string> findRunFromInside()
-{
-    std::array<char, PATH_MAX> name{};
-    if (::readlink(runLink, name.data(), name.size() - 1) <= 0)
-        return std::nullopt;
-    return name.data();
 }
 
 void joinNamespacesOf(pid_t process)

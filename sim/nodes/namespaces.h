@@ -28,11 +28,8 @@ struct MountedDevices {
 /// everything that was there is bound. Real boards and those of an outer run are left out.
 ///
 /// Called outside of any new process namespace: the kernel names callers as the mounting process sees them. `runName`
-/// is what a program inside finds by findRunFromInside().
+/// is what findRunFromInside() finds there.
 MountedDevices mountDevices(const std::vector<int> &deviceNos, const std::string &runName);
-
-/// The run in whose mount namespace this process lives.
-std::optional<std::string> findRunFromInside();
 
 /// Joins the user and IPC namespaces of a process and takes a copy of its mount namespace.
 void joinNamespacesOf(pid_t process);

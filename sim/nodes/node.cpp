@@ -2,6 +2,7 @@
 
 #include "sim/driver/driver.h"
 #include "sim/nodes/caller.h"
+#include "sim/nodes/caller_pages.h"
 
 #include <array>
 #include <cerrno>
@@ -58,11 +59,23 @@ void write(fuse_req_t request, fuse_ino_t, const char *, size_t, off_t, fuse_fil
 }
 
 // The kernel has fetched the packet and is going to deliver it, but into read-only memory it fails only then, with the
-// exchange already done.
-int exchangePacket(VirtualBoard &board, std::uint64_t address, unsigned char *packet, CallerMemory &memory,
-                   const DriverCall &call)
+// exchange already done: what has been fetched is put back first.
+int exchangePacket(VirtualBoard &board, std::uint64_t address, unsigned char *packet, const DriverCall &call,
+                   pid_t caller)
 {
-    return memory.writable(address, packetSize) ? packetExchange(board, packet, call) : -EFAULT;
+    const bool writable = ProcessMemory(caller).write(address, packet, packetSize);
+    return writable ? packetExchange(board, packet, call) : -EFAULT;
+}
+
+int exchangeOther(VirtualBoard &board, unsigned int number, std::uint64_t argument, CallerWidth width, DriverCall call,
+                  pid_t caller)
+{
+    CallerPages memory(caller);
+    call.wait = [&memory, caller](Nanoseconds time) {
+        memory.forget();
+        return sleepUnlessDying(caller, time);
+    };
+    return driverIoctl(board, number, argument, width, memory, call);
 }
 
 void reply(fuse_req_t request, int result, const void *bytes, std::size_t size)
@@ -80,15 +93,14 @@ void ioctl(fuse_req_t request, fuse_ino_t, unsigned int number, void *argument, 
     const pid_t caller = fuse_req_ctx(request)->pid;
     const CallerWidth width = flags & FUSE_IOCTL_COMPAT ? CallerWidth::bits32 : CallerWidth::bits64;
     const auto address = reinterpret_cast<std::uintptr_t>(argument);
-    ProcessMemory memory(caller);
     const DriverCall call{file->fh, [caller](Nanoseconds time) { return sleepUnlessDying(caller, time); }};
     if (number == packetRequest && inSize == packetSize && board->model() == Model::R20) {
         std::array<unsigned char, packetSize> packet;
         std::memcpy(packet.data(), in, packet.size());
-        const int result = exchangePacket(*board, address, packet.data(), memory, call);
+        const int result = exchangePacket(*board, address, packet.data(), call, caller);
         reply(request, result, packet.data(), packet.size());
     } else {
-        reply(request, driverIoctl(*board, number, address, width, memory, call), nullptr, 0);
+        reply(request, exchangeOther(*board, number, address, width, call, caller), nullptr, 0);
     }
 }
 

@@ -28,18 +28,6 @@ int takeSignal(const timespec *atMost = nullptr)
     return signal;
 }
 
-[[noreturn]] void execute(const std::vector<std::string> &words)
-{
-    std::vector<char *> arguments;
-    for (const std::string &word : words)
-        arguments.push_back(const_cast<char *>(word.c_str()));
-    arguments.push_back(nullptr);
-    ::execvp(arguments[0], arguments.data());
-    const int error = errno;
-    std::fprintf(stderr, "sorvane-sim: %s: %s\n", arguments[0], std::strerror(error));
-    ::_exit(error == ENOENT || error == ENOTDIR ? notFound : cannotExecute);
-}
-
 // The program's process, still waiting for the word to start.
 struct Prepared {
     pid_t process;
@@ -135,6 +123,18 @@ int waitForEndingSignal()
         if (signal == SIGINT || signal == SIGTERM || signal == SIGHUP || signal == SIGQUIT)
             return signal;
     }
+}
+
+void execute(const std::vector<std::string> &words)
+{
+    std::vector<char *> arguments;
+    for (const std::string &word : words)
+        arguments.push_back(const_cast<char *>(word.c_str()));
+    arguments.push_back(nullptr);
+    ::execvp(arguments[0], arguments.data());
+    const int error = errno;
+    std::fprintf(stderr, "sorvane-sim: %s: %s\n", arguments[0], std::strerror(error));
+    ::_exit(error == ENOENT || error == ENOTDIR ? notFound : cannotExecute);
 }
 
 void endLike(int waitStatus)

@@ -22,6 +22,9 @@ struct Supervision {
 /// (126 or 127 as an exit when it cannot be started). Everything it started is gone when this returns.
 int runProgram(const std::vector<std::string> &words, Supervision supervision);
 
+/// Becomes the program; where that fails it says so and exits with 126 or 127.
+[[noreturn]] void execute(const std::vector<std::string> &words);
+
 /// Waits for a signal that ends a program; the result is its number.
 int waitForEndingSignal();
 

@@ -1,12 +1,11 @@
 // A program that talks to a device node with nothing but system calls, in this build's width. It reads orders from its
 // input, one a line, and answers each with a line:
 //   open N | close             the node /dev/Vexa_N, for all that follows
-//   ask REQUEST PIPE [BYTE...] one exchange in the open board's protocol: "ok COUNT BYTES", "status S" or an errno's name
-//   other                      the other protocol's request number
-//   unknown                    a request number of nobody's
-//   pointers                   every wrong pointer in turn: "refused", or what was let through
-//   product N | speed N        the attribute, or an errno's name
-//   flood COUNT INTERVAL       ModifyOutputs COUNT times with growing patterns under SIGALRM every so many microseconds
+//   ask REQUEST PIPE [BYTE...] one exchange in the open board's protocol: "ok COUNT BYTES", "status S" or an errno's
+//   name other                      the other protocol's request number unknown                    a request number of
+//   nobody's pointers                   every wrong pointer in turn: "refused", or what was let through product N |
+//   speed N        the attribute, or an errno's name flood COUNT INTERVAL       ModifyOutputs COUNT times with growing
+//   patterns under SIGALRM every so many microseconds
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
@@ -132,9 +131,11 @@ std::string wrongPointers()
         Record bad;
         for (unsigned char *wrong : {static_cast<unsigned char *>(nullptr), missing, readOnly}) {
             expectFault("status", recordNumber, &((bad = good).status = reinterpret_cast<std::int32_t *>(wrong), bad));
-            expectFault("count", recordNumber, &((bad = good).inLength = reinterpret_cast<unsigned long *>(wrong), bad));
+            expectFault("count", recordNumber,
+                        &((bad = good).inLength = reinterpret_cast<unsigned long *>(wrong), bad));
             if (wrong)
-                expectFault("answer", recordNumber, &((bad = good).inData = wrong, bad.request = 75, bad.outLength = 0, bad));
+                expectFault("answer", recordNumber,
+                            &((bad = good).inData = wrong, bad.request = 75, bad.outLength = 0, bad));
             if (wrong != readOnly) {
                 expectFault("payload", recordNumber, &((bad = good).outData = wrong, bad));
                 expectFault("record", recordNumber, wrong);
