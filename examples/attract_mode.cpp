@@ -9,7 +9,8 @@
 namespace
 {
 
-constexpr unsigned short meterAddress = 8;  // addresses 0 to 7 are reserved
+constexpr unsigned short meterAddress = 8;          // addresses 0 to 7 are reserved
+constexpr unsigned char meterMark[2] = {'S', 'M'};  // in front of the count: a new chip holds anything
 
 const char *modelName(unsigned char type)
 {
@@ -66,18 +67,21 @@ bool chaseLamps(SorvaneUSB &board)
 
 bool countStart(SorvaneUSB &board)
 {
-    unsigned char meter[4] = {};
-    if (!succeeded(board.ReadEEPROM(meterAddress, meter, sizeof meter), board, "ReadEEPROM"))
+    unsigned char record[6] = {};
+    if (!succeeded(board.ReadEEPROM(meterAddress, record, sizeof record), board, "ReadEEPROM"))
         return false;
+    const bool written = record[0] == meterMark[0] && record[1] == meterMark[1];
     unsigned long starts = 0;
-    for (int k = 3; k >= 0; --k)
-        starts = starts << 8 | meter[k];
+    for (int k = 3; written && k >= 0; --k)
+        starts = starts << 8 | record[2 + k];
     ++starts;
+    record[0] = meterMark[0];
+    record[1] = meterMark[1];
     for (int k = 0; k < 4; ++k)
-        meter[k] = static_cast<unsigned char>(starts >> 8 * k);
-    if (!succeeded(board.WriteEEPROM(meterAddress, meter, sizeof meter), board, "WriteEEPROM"))
+        record[2 + k] = static_cast<unsigned char>(starts >> 8 * k);
+    if (!succeeded(board.WriteEEPROM(meterAddress, record, sizeof record), board, "WriteEEPROM"))
         return false;
-    std::printf("The meter in the EEPROM now reads %lu\n", starts);
+    std::printf("The meter in the EEPROM counts %lu start%s\n", starts, starts == 1 ? "" : "s");
     return true;
 }
 

@@ -70,7 +70,7 @@ bool payOut(SorvaneUSB &board)
         return false;
     std::printf("Asked the hopper for %d coins\n", coinsToPay);
     unsigned char paid = 0;
-    for (int look = 0; look < 50; ++look) {
+    for (int look = 0; look < 80; ++look) {
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
         if (!succeeded(board.GetParallelHopperStatus(hopperInput, &status, &paid), board, "GetParallelHopperStatus"))
             return false;
