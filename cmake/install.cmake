@@ -1,0 +1,13 @@
+# cmake --install BUILD --prefix P: header, both libraries, pkg-config file and CMake package.
+install(FILES api/sorvaneusb.h api/sorvaneusb_types.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(TARGETS sorvaneusb EXPORT SorvaneUSB LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS sorvaneusb_static EXPORT SorvaneUSB ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+
+configure_file(cmake/sorvaneusb.pc.in sorvaneusb.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/sorvaneusb.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+include(CMakePackageConfigHelpers)
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/SorvaneUSB)
+install(EXPORT SorvaneUSB NAMESPACE SorvaneUSB:: FILE SorvaneUSBConfig.cmake DESTINATION ${package_dir})
+write_basic_package_version_file(SorvaneUSBConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/SorvaneUSBConfigVersion.cmake DESTINATION ${package_dir})

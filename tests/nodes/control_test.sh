@@ -1,0 +1,183 @@
+#!/usr/bin/env bash
+# Words: options, commands, scenarios, and the state they lead to.
+. "$(dirname "$0")/support.sh"
+
+# Every mistake gives status 2 and names what is allowed.
+mistake() { # ALLOWED ARGUMENT...
+    local allowed=$1 output
+    shift
+    output=$("$sim" "$@" 2>&1)
+    check "sorvane-sim $*" 2 $?
+    contains "sorvane-sim $*" "$allowed" "$output"
+}
+mistake "run" fly
+mistake "--board" run --boards 0=R35 -- true
+mistake "PROGRAM" run --board 0=R35
+mistake "PROGRAM" enter
+mistake "N=MODEL" run --board R35 -- true
+mistake "0 to 15" run --board 16=R35 -- true
+mistake "R20, R20s, R35" run --board 0=R36 -- true
+mistake "R20, R20s, R35" run --board 0= -- true
+mistake "one for each number" run --board 0=R35 --board 0=R20 -- true
+mistake "speed, number, eeprom" run --board 0=R35,colour=red -- true
+mistake "speed, number, eeprom" run --board 0=R35, -- true
+mistake "speed=full|high" run --board 0=R35,speed= -- true
+mistake "high, full" run --board 0=R35,speed=low -- true
+mistake "once" run --board 0=R35,number=1,number=1 -- true
+mistake "0 to 7" run --board 0=R35,number=8 -- true
+mistake "24LC512" run --board 0=R35,eeprom=24LC3 -- true
+mistake "loopback" run --board 0=R35,serial0=mouse -- true
+mistake "0 to 1" run --board 0=R35,serial2=cctalk -- true
+mistake "0 to 32" run --board 0=R35,hopper33=1 -- true
+mistake "node, preload, auto" run --board 0=R35 --how maybe -- true
+mistake "--share-ipc" run --private-ipc --share-ipc -- true
+mistake "input, coin, hopper" ctl
+mistake "input, coin, hopper" ctl dance
+mistake "0 to 15" ctl --board 16 unplug
+mistake "on, off, pulse" ctl input 3 blink
+mistake "0 to 32" ctl input 33 on
+mistake "0 to 32" ctl input "" on
+mistake "input N on|off|pulse" ctl input 3 on off
+mistake "jam" ctl hopper 5
+mistake "open, close" ctl switch shut
+mistake "fail, replace" ctl battery
+mistake "1.5s or 20ms" ctl slow 20
+mistake "1.5s or 20ms" ctl slow -1s
+mistake "\\xHH" ctl serial 0 send 'a\q'
+mistake "0 to 255" ctl spi reply 256
+mistake "ioctl [ERRNO]" ctl fail sideways
+mistake "count N" ctl fail ioctl twice
+mistake "1 to 1000000" ctl fail ioctl count 0
+mistake "state [--json]" ctl state --xml
+mistake "--follow is allowed with state" ctl input 3 on --follow
+
+for command in "" run serve enter ctl "ctl input"; do
+    output=$("$sim" $command --help 2>&1)
+    check "$command --help" 0 $?
+    contains "$command --help" Usage "$output"
+    check "$command --version" "sorvane-sim" "$("$sim" $command --version | cut -d' ' -f1)"
+done
+
+need_nodes
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+
+scenario_mistake() { # LINE PART SCENARIO: reported with its line, before the program starts
+    local output
+    printf "$3" >"$folder/scenario"
+    output=$("$sim" run --board 0=R35 --scenario "$folder/scenario" -- echo started 2>&1)
+    check "scenario $3" 2 $?
+    contains "scenario $3" "$folder/scenario:$1: " "$output"
+    contains "scenario $3" "$2" "$output"
+    case $output in *started*) check "scenario $3" "no start" "$output" ;; esac
+}
+scenario_mistake 1 "on, off, pulse" 'input 3\n'
+scenario_mistake 3 "1.5s or 20ms" '# coins\n\nat soon coin 3\n'
+scenario_mistake 2 "allowed: 0" 'coin 1\nat 2s --board 1 coin 3\n'
+scenario_mistake 1 "only an R20 echoes" 'at 5s fail echo\n'
+scenario_mistake 1 "quote" 'serial 0 send "abc\n'
+check "a scenario that is not there" 2 "$("$sim" run --scenario "$folder/none" -- true 2>/dev/null; echo $?)"
+
+cat >"$folder/scenario" <<'SCENARIO'
+at 1s input 4 on      # behind the next one in time
+input 1 on
+at 0.4s --board 0 input 2 on
+serial 0 send "a # b\x00"
+SCENARIO
+check "a scenario keeps to its times" "1 1,2 1,2,4 6" "$("$sim" run --board 0=R35 --scenario "$folder/scenario" -- bash -c '
+    inputs() { '"$sim"' ctl state --json | python3 -c "
+import json, sys
+print(*json.load(sys.stdin)[\"boards\"][0][\"inputs\"], sep=\",\")"; }
+    sleep 0.1; first=$(inputs); sleep 0.5; second=$(inputs); sleep 0.6
+    waiting=$('"$sim"' ctl state --json | python3 -c "
+import json, sys
+print(json.load(sys.stdin)[\"boards\"][0][\"serial_ports\"][0][\"waiting\"])")
+    echo $first $second $(inputs) $waiting')"
+
+# Commands change what they say, seen by the program or in the state.
+cat >"$folder/inside" <<'INSIDE'
+field() { "$sim" ctl state --json | python3 -c "
+import json, sys
+board = json.load(sys.stdin)['boards'][${2:-0}]
+print(json.dumps($1))"; }
+expect() { check "$1" "$2" "$(field "$1" "${3:-0}")"; }
+ctl() { check "ctl $*" "" "$("$sim" ctl "$@" 2>&1)"; }
+ask() { { echo "open $1"; shift; printf '%s\n' "$@"; } | "$client" | tail -n +2 | tr '\n' ';'; }
+
+check "which board" 2 "$("$sim" ctl input 3 on >"$folder/out" 2>&1; echo $?)"
+contains "which board" "0, 7" "$(cat "$folder/out")"
+check "no such board" 2 "$("$sim" ctl --board 3 input 3 on 2>/dev/null; echo $?)"
+expect "[board['device'], board['model'], board['plugged'], board['speed']]" '[0, "R35", true, "full"]'
+expect "[board['device'], board['model'], board['board_number'], board['eeprom']]" '[7, "R20", 5, "24LC64"]' 1
+ctl --board 0 input 3 on
+ctl --board 0 input 2 pulse 3
+ctl --board 0 switch open
+ctl --board 0 switch 4 open
+ctl --board 0 battery fail
+ctl --board 0 clock set 1000
+ctl --board 0 hopper 6 stock 9
+ctl --board 7 hopper 5 jam
+ctl --board 0 serial 0 parity 1
+ctl --board 0 serial 0 send 'xy\x00'
+ctl --board 0 spi reply 1 0x22 3
+ctl --board 0 coin 2
+expect "3 in board['inputs']" true
+expect "board['open_switches']" "[0, 4]"
+expect "board['battery_good']" false
+expect "board['clock'] in (1000, 1001)" true
+expect "[[h['input'], h['stock'], h['jammed']] for h in board['hoppers']]" "[[6, 9, false]]"
+expect "[[h['input'], h['stock'], h['jammed']] for h in board['hoppers']]" "[[5, 20, true]]" 1
+sleep 0.1
+expect "[board['serial_ports'][0][key] for key in ('waiting', 'parity_errors')]" "[3, 1]"
+check "the SPI slave replies" "ok 0;ok 3 1 34 3;" "$(ask 0 "ask 94 7" "ask 96 7 1 3 1 0 0 0")"
+
+# On in both periods, in one, in the other.
+check "outputs" "ok 0;ok 0;" "$(ask 0 "ask 77 1 13 0 0 0 0 0 0 0 0 0" "ask 83 1 9 0 0 0 0")"
+expect "[board['outputs_on_period'], board['outputs_off_period']]" "[[0, 3], [0, 2, 3]]"
+expect "board['last_exchanges'][-1]['operation']" '"SetOnPeriodOutputs"'
+ctl --board 0 unplug
+expect "[board['plugged'], board['outputs_on_period'], board['firmware_running']]" "[false, [], false]"
+ctl --board 0 plug
+expect "board['plugged']" true
+contains "the text names what the program did" "SetOnPeriodOutputs" "$("$sim" ctl state)"
+finish
+INSIDE
+"$sim" run --board 0=R35,firmware=running --board 7=R20,number=5,eeprom=24LC64,hopper5=20,firmware=running -- \
+    bash -c ". '$(dirname "$0")/support.sh' '$build' '$width'; folder='$folder'; . '$folder/inside'"
+check "commands" 0 $?
+
+# From outside a run is named when there are several; others' runs are out of reach.
+"$sim" run --board 0=R35 -- sleep 20 & first=$!
+"$sim" run --board 0=R20 -- sleep 20 & second=$!
+eventually "$sim" ctl --run $first state >/dev/null 2>&1
+eventually "$sim" ctl --run $second state >/dev/null 2>&1
+contains "which run" "$first, $second" "$("$sim" ctl state 2>&1 | tr -d '\n')"
+contains "the first run" R35 "$("$sim" ctl --run $first state)"
+contains "the second run" R20 "$("$sim" ctl --run $second state)"
+if [ "$(id -u)" -eq 0 ] && command -v setpriv >/dev/null; then
+    for run in $first $second; do
+        check "another user" 2 "$(setpriv --reuid 65534 --clear-groups "$sim" ctl --run $run unplug >/dev/null 2>&1; echo $?)"
+    done
+fi
+
+# The picture is redrawn in place, and the terminal is left as it was.
+picture=$({ sleep 1; printf '\003'; } | script -qec "$sim ctl --run $first state --follow" /dev/null)
+contains "the picture" "Vexa_0  R35" "$picture"
+contains "the other page of the terminal" $'\033[?1049h' "$picture"
+contains "the terminal afterwards" $'\033[?25h\033[?1049l' "$(tail -c 20 <<<"$picture")"
+kill $first $second
+wait
+
+# Programs come and go while the boards stay.
+"$sim" serve --board 0=R35,firmware=running >"$folder/served" &
+eventually grep -q "sorvane-sim enter" "$folder/served"
+enter=("$sim" enter --run $!)
+check "one line says how to enter" 1 "$(wc -l <"$folder/served")"
+"$sim" ctl --run $! input 7 on
+check "a program enters" "open ok 5 128 0 0 0 0 " "$(printf 'open 0\nask 75 1\nask 77 1 1 0 0 0 0 1 0 0 0 0\n' | "${enter[@]}" -- "$client" | head -2 | tr '\n' ' ')"
+check "its status comes back" 9 "$("${enter[@]}" -- sh -c 'sleep 50 & exit 9' >/dev/null; echo $?)"
+contains "the next one finds the board as it was" "steady 0;" "$("${enter[@]}" -- "$sim" ctl state)"
+kill -TERM $!
+wait $!
+check "serving ends with a signal" 0 $?
+finish
