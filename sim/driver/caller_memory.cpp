@@ -9,6 +9,12 @@
 #include <cerrno>
 #include <vector>
 
+#if __has_include(<valgrind/memcheck.h>)
+#include <valgrind/memcheck.h>
+#else
+#define VALGRIND_MAKE_MEM_DEFINED(address, size) static_cast<void>(address), static_cast<void>(size)
+#endif
+
 namespace sim
 {
 
@@ -87,6 +93,13 @@ struct Transfer {
     bool possible = true;
 };
 
+// Memcheck does not see what a process writes into itself by way of the kernel.
+void nowDefined(pid_t process, std::uint64_t address, std::size_t size)
+{
+    if (process == getpid())
+        VALGRIND_MAKE_MEM_DEFINED(remotePart(address, size).iov_base, size);
+}
+
 bool callIsMissing(pid_t process)
 {
     return (errno == ENOSYS || errno == EPERM) && process == getpid();
@@ -132,7 +145,11 @@ bool ProcessMemory::readAll(std::span<const MemoryPiece> pieces)
 
 bool ProcessMemory::writeAll(std::span<const MemoryPiece> pieces)
 {
-    return Transfer(pieces).carriedOutBy(process_vm_writev, process_) || CallerMemory::writeAll(pieces);
+    if (!Transfer(pieces).carriedOutBy(process_vm_writev, process_))
+        return CallerMemory::writeAll(pieces);
+    for (const MemoryPiece &piece : pieces)
+        nowDefined(process_, piece.address, piece.size);
+    return true;
 }
 
 bool ProcessMemory::write(std::uint64_t address, const void *from, std::size_t size)
@@ -142,8 +159,10 @@ bool ProcessMemory::write(std::uint64_t address, const void *from, std::size_t s
     const iovec local{const_cast<void *>(from), size};
     errno = 0;
     const iovec remote = remotePart(address, size);
-    if (process_vm_writev(process_, &local, 1, &remote, 1, 0) == static_cast<ssize_t>(size))
+    if (process_vm_writev(process_, &local, 1, &remote, 1, 0) == static_cast<ssize_t>(size)) {
+        nowDefined(process_, address, size);
         return true;
+    }
     return callIsMissing(process_) && Pipe().copy(from, remote.iov_base, size);
 }
 
