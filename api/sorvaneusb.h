@@ -743,8 +743,8 @@ public:
     /// - Result: `data` receives at most `capacity` words; `count`: their number. If less than a whole answer's room is
     ///   left behind them, more may be waiting: call again.
     /// - Errors: 30 `data` or `count` null; 7 `capacity` below one answer; 8 `port` above 1; the exchange's own.
-    /// - On failure: with 30 nothing is written. Otherwise `count` is 0, and what was received is lost; before 7 and 8
-    ///   nothing has been asked for.
+    /// - On failure: with 30 nothing is written. Otherwise `data` and `count` hold the words that came before it; before
+    ///   7 and 8 nothing has been asked for.
     int Receive9BitData(_usbSerialPort port, unsigned short *data, unsigned long *count, unsigned long capacity);
 
     /// Receives one 9-bit word with the timestamp that the board gave it. Locked across processes. One batch a device
