@@ -42,7 +42,7 @@ SorvaneUSB &SorvaneUSB::operator=(const SorvaneUSB &other)
     return *this;
 }
 
-SorvaneUSB &SorvaneUSB::operator=(SorvaneUSB &other)
+SorvaneUSB &SorvaneUSB::operator=(SorvaneUSB &other)  // NOLINT(bugprone-unhandled-self-assignment): the other has it
 {
     return *this = static_cast<const SorvaneUSB &>(other);
 }

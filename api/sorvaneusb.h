@@ -50,9 +50,10 @@
 /// answer carries at most `usbLargestAnswer` bytes (256), on an R20 `usbLargestAnswerR20` (62).
 ///
 /// Where an operation hands over whatever the board answers, the form without a `capacity` **writes all that comes**,
-/// past the end of a small buffer too. Use the form with a `capacity`, which never writes more (it also cuts an answer
-/// longer than `usbLargestAnswer`), or give `usbLargestAnswer` bytes where one answer is received. For `Receive`,
-/// `Receive9BitData` and `ReceivePolledMessage` without a `capacity` no size is ever safe.
+/// past the end of a small buffer too. Use the form with a `capacity`, which never writes more into it, or give
+/// `usbLargestAnswer` bytes where one answer is received. For `Receive`, `Receive9BitData` and `ReceivePolledMessage`
+/// without a `capacity` no size is ever safe. The R20s and R35 driver is told no buffer sizes: that one answer ends
+/// after `usbLargestAnswer` bytes is its promise, and nothing in the library can hold it to that.
 ///
 /// ### Copies
 /// Copies and assignments share one open board, so objects may live in standard containers. The `close` or destruction
@@ -743,8 +744,9 @@ public:
     /// - Result: `data` receives at most `capacity` words; `count`: their number. If less than a whole answer's room is
     ///   left behind them, more may be waiting: call again.
     /// - Errors: 30 `data` or `count` null; 7 `capacity` below one answer; 8 `port` above 1; the exchange's own.
-    /// - On failure: with 30 nothing is written. Otherwise `data` and `count` hold the words that came before it; before
-    ///   7 and 8 nothing has been asked for.
+    /// - On failure: with 30 nothing is written. Otherwise `data` and `count` hold the words that came before it; with
+    /// 7
+    ///   and 8 nothing has been asked for.
     int Receive9BitData(_usbSerialPort port, unsigned short *data, unsigned long *count, unsigned long capacity);
 
     /// Receives one 9-bit word with the timestamp that the board gave it. Locked across processes. One batch a device

@@ -1,7 +1,7 @@
 // The 38 outputs: two patterns that take turns, a common brightness, and pulses that end by themselves.
 //
 // An output of both patterns is steadily on, one of a single pattern flashes. The lengths of the two periods are the
-// firmware's; here each lasts half a second, the on period first, counted from when the board was built. An output
+// firmware's; here each lasts half a second, the on period first, in step with the board's clock. An output
 // that is switched on and off in the same request ends off.
 #ifndef SORVANE_SIM_BOARD_OUTPUTS_H
 #define SORVANE_SIM_BOARD_OUTPUTS_H
