@@ -84,15 +84,11 @@ input 1 on
 at 0.4s --board 0 input 2 on
 serial 0 send "a # b\x00"
 SCENARIO
-check "a scenario keeps to its times" "1 1,2 1,2,4 6" "$("$sim" run --board 0=R35 --scenario "$folder/scenario" -- bash -c '
-    inputs() { '"$sim"' ctl state --json | python3 -c "
-import json, sys
-print(*json.load(sys.stdin)[\"boards\"][0][\"inputs\"], sep=\",\")"; }
-    sleep 0.1; first=$(inputs); sleep 0.5; second=$(inputs); sleep 0.6
-    waiting=$('"$sim"' ctl state --json | python3 -c "
-import json, sys
-print(json.load(sys.stdin)[\"boards\"][0][\"serial_ports\"][0][\"waiting\"])")
-    echo $first $second $(inputs) $waiting')"
+check "a scenario keeps to its times" "1 1,2 1,2,4 6" \
+    "$("$sim" run --board 0=R35,firmware=running --scenario "$folder/scenario" -- bash -c '
+    of() { '"$sim"' ctl state --json | grep -o "\"$1\":[^]}]*" | tr -dc "0-9,\n" | head -1; }
+    first=$(of inputs); sleep 0.6; second=$(of inputs); sleep 0.6
+    echo $first $second $(of inputs) $(of waiting | cut -d, -f1)')"
 
 # Commands change what they say, seen by the program or in the state.
 cat >"$folder/inside" <<'INSIDE'
@@ -124,12 +120,12 @@ ctl --board 0 coin 2
 expect "3 in board['inputs']" true
 expect "board['open_switches']" "[0, 4]"
 expect "board['battery_good']" false
-expect "board['clock'] in (1000, 1001)" true
+expect "1000 <= board['clock'] <= 1010" true
 expect "[[h['input'], h['stock'], h['jammed']] for h in board['hoppers']]" "[[6, 9, false]]"
 expect "[[h['input'], h['stock'], h['jammed']] for h in board['hoppers']]" "[[5, 20, true]]" 1
 sleep 0.1
 expect "[board['serial_ports'][0][key] for key in ('waiting', 'parity_errors')]" "[3, 1]"
-check "the SPI slave replies" "ok 0;ok 3 1 34 3;" "$(ask 0 "ask 94 7" "ask 96 7 1 3 1 0 0 0")"
+check "the SPI slave replies" "ok 0;ok 3 1 34 3;" "$(ask 0 "ask 94 7" "ask 96 7 8 24 0 0")"
 
 # On in both periods, in one, in the other.
 check "outputs" "ok 0;ok 0;" "$(ask 0 "ask 77 1 13 0 0 0 0 0 0 0 0 0" "ask 83 1 9 0 0 0 0")"
@@ -174,7 +170,7 @@ eventually grep -q "sorvane-sim enter" "$folder/served"
 enter=("$sim" enter --run $!)
 check "one line says how to enter" 1 "$(wc -l <"$folder/served")"
 "$sim" ctl --run $! input 7 on
-check "a program enters" "open ok 5 128 0 0 0 0 " "$(printf 'open 0\nask 75 1\nask 77 1 1 0 0 0 0 1 0 0 0 0\n' | "${enter[@]}" -- "$client" | head -2 | tr '\n' ' ')"
+check "a program enters" "open ok 5 128 0 0 0 0 " "$(printf 'open 0\nask 75 1\nask 77 1 1 0 0 0 0 0 0 0 0 0\n' | "${enter[@]}" -- "$client" | head -2 | tr '\n' ' ')"
 check "its status comes back" 9 "$("${enter[@]}" -- sh -c 'sleep 50 & exit 9' >/dev/null; echo $?)"
 contains "the next one finds the board as it was" "steady 0;" "$("${enter[@]}" -- "$sim" ctl state)"
 kill -TERM $!

@@ -47,7 +47,7 @@ inside() {
     say "ask 75 1" "ok 5 0 2 0 3 0"
     say "ask 77 1 0 0 0 0 0 0 0 0 0 0" "status 9"
     ctl fail off
-    say "ask 77 1 1 0 0 0 0 1 0 0 0 0" "ok 0"
+    say "ask 77 1 1 0 0 0 0 0 0 0 0 0" "ok 0"
 
     # Signals that do not kill, also in the middle of slow exchanges.
     say "flood 2000 200" all

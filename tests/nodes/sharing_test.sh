@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# Programs of the library on virtual boards: the examples, and two processes that share one board.
+. "$(dirname "$0")/support.sh"
+need_nodes
+examples=$build/examples
+
+run() { timeout 30 "$sim" run "$@" 2>&1; }
+board=R35,number=3,serial0=cctalk,hopper5=40,hopper10=40
+for model in R20 R20s R35; do
+    output=$(run --board "0=$model,number=3" -- "$examples/attract_mode")
+    check "attract_mode on an $model" 0 $?
+    contains "attract_mode on an $model" "Found an $model at full speed" "$output"
+    contains "attract_mode on an $model" "board number 3" "$output"
+done
+for example in coin_and_hopper reels cctalk_acceptor lockdown; do
+    run --board "0=$board,speed=high" -- "$examples/$example" >/dev/null
+    check "$example" 0 $?
+done
+
+# Two processes switch an output each on one board, many times at once: neither may undo the other's.
+check "two processes share a board" "0 0 [1,2]" "$(run --board 0=R35,firmware=running -- bash -c '
+    '"$build"'/tests/nodes/output_writer 0 1 400 & first=$!
+    '"$build"'/tests/nodes/output_writer 0 2 400; second=$?
+    wait $first
+    echo $? $second $('"$sim"' ctl state --json | grep -o "\"outputs_on_period\":[^]]*]" | cut -d: -f2)')"
+
+if [ "$(id -u)" -eq 0 ] && [ -z "$(tail -qn +2 /proc/sysvipc/shm /proc/sysvipc/sem)" ]; then
+    check "no key file, no SysV object remains" "" "$(ls /tmp/R20SharedMemory /tmp/Sem_R20Mutex 2>/dev/null
+        tail -qn +2 /proc/sysvipc/shm /proc/sysvipc/sem)"
+fi
+finish
