@@ -12,6 +12,7 @@ namespace
 struct Option {
     const char *name;
     bool numbered;  ///< a number belongs to the name: hopper5, serial0
+    const char *usage;
     const char *help;
     void (*apply)(BoardOptions &board, const std::string &index, const std::string &value);
 };
@@ -66,12 +67,12 @@ void setSerial(BoardOptions &board, const std::string &index, const std::string 
 }
 
 constexpr Option options[] = {
-    {"speed", false, "speed=full|high         the USB speed (full)", setSpeed},
-    {"number", false, "number=0..7             the board number on inputs 24 to 26 (0)", setNumber},
-    {"eeprom", false, "eeprom=24LC256          the fitted chip: 24LC01 to 24LC512 (24LC256)", setEEPROM},
-    {"firmware", false, "firmware=missing|running  whether the firmware runs already (missing)", setFirmware},
-    {"hopper", true, "hopper5=20              a hopper on input 5 with 20 coins; repeatable by input", setHopper},
-    {"serial", true, "serial0=cctalk          what hangs on serial port 0 or 1", setSerial},
+    {"speed", false, "speed=full|high", "the USB speed (full)", setSpeed},
+    {"number", false, "number=0..7", "the board number on inputs 24 to 26 (0)", setNumber},
+    {"eeprom", false, "eeprom=24LC256", "the fitted chip, 24LC01 to 24LC512 (24LC256)", setEEPROM},
+    {"firmware", false, "firmware=missing|running", "whether the firmware runs already (missing)", setFirmware},
+    {"hopper", true, "hopper5=20", "a hopper on input 5 with 20 coins", setHopper},
+    {"serial", true, "serial0=cctalk", "what hangs on serial port 0 or 1", setSerial},
 };
 
 TextWords optionNames()
@@ -119,7 +120,7 @@ BoardOptions boardFrom(const std::string &argument)
         const Option &option = optionFor(key);
         const std::string value = at == std::string::npos ? "" : part->substr(at + 1);
         if (value.empty())
-            throw UsageError("board option " + key + " has no value; allowed: " + option.help);
+            throw UsageError("board option " + key + " has no value; allowed: " + option.usage);
         if (std::find(seen.begin(), seen.end(), key) != seen.end())
             throw UsageError("board option " + key + " stands there twice; allowed is once");
         seen.push_back(key);
@@ -171,9 +172,11 @@ void plugBoards(VirtualBoards &boards, const std::vector<BoardOptions> &options)
 std::string boardOptionsHelp()
 {
     std::string help = "N=MODEL[,option=value...]: N 0 to 15; MODEL R20, R20s or R35; options:\n";
-    for (const Option &option : options)
-        help += std::string("  ") + option.help + "\n";
-    return help + "  peripherals: " + join(peripheralNames(), ", ") + "\n";
+    for (const Option &option : options) {
+        const std::string usage = option.usage;
+        help += "  " + usage + std::string(26 - usage.size(), ' ') + option.help + "\n";
+    }
+    return help + "  peripherals: " + join(peripheralNames(), ", ");
 }
 
 }  // namespace sim

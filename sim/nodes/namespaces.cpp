@@ -74,7 +74,8 @@ void tryEverything()
     obtainTheRightToMount();
     const OwnedFd fuse = openFuse();
     takeOwnMountNamespace();
-    checked(::mount("tmpfs", "/dev", "tmpfs", 0, nullptr), "mounting on /dev");
+    for (const char *directory : {"/dev", "/sys/class"})
+        checked(::mount("tmpfs", directory, "tmpfs", 0, nullptr), std::string("mounting on ") + directory);
     checked(::mkdir("/dev/probe", 0755), "making a directory");
     mountFuse(fuse, "/dev/probe", S_IFDIR);
     checked(::unshare(CLONE_NEWIPC | CLONE_NEWPID), "making IPC and process namespaces");

@@ -92,10 +92,12 @@ check "a scenario keeps to its times" "1 1,2 1,2,4 6" \
 
 # Commands change what they say, seen by the program or in the state.
 cat >"$folder/inside" <<'INSIDE'
-field() { "$sim" ctl state --json | python3 -c "
-import json, sys
-board = json.load(sys.stdin)['boards'][${2:-0}]
-print(json.dumps($1))"; }
+field() { # EXPRESSION INDEX: of the board $b in the list of boards
+    "$sim" ctl state --json | perl -MJSON::PP -0777 -ne '
+        BEGIN { @words = splice @ARGV }
+        my $b = decode_json($_)->{boards}[$words[1]];
+        print JSON::PP->new->canonical->allow_nonref->encode(eval $words[0])' "$1" "${2:-0}"
+}
 expect() { check "$1" "$2" "$(field "$1" "${3:-0}")"; }
 ctl() { check "ctl $*" "" "$("$sim" ctl "$@" 2>&1)"; }
 ask() { { echo "open $1"; shift; printf '%s\n' "$@"; } | "$client" | tail -n +2 | tr '\n' ';'; }
@@ -103,8 +105,8 @@ ask() { { echo "open $1"; shift; printf '%s\n' "$@"; } | "$client" | tail -n +2 
 check "which board" 2 "$("$sim" ctl input 3 on >"$folder/out" 2>&1; echo $?)"
 contains "which board" "0, 7" "$(cat "$folder/out")"
 check "no such board" 2 "$("$sim" ctl --board 3 input 3 on 2>/dev/null; echo $?)"
-expect "[board['device'], board['model'], board['plugged'], board['speed']]" '[0, "R35", true, "full"]'
-expect "[board['device'], board['model'], board['board_number'], board['eeprom']]" '[7, "R20", 5, "24LC64"]' 1
+expect '[@$b{qw(device model plugged speed)}]' '[0,"R35",true,"full"]'
+expect '[@$b{qw(device model board_number eeprom)}]' '[7,"R20",5,"24LC64"]' 1
 ctl --board 0 input 3 on
 ctl --board 0 input 2 pulse 3
 ctl --board 0 switch open
@@ -117,24 +119,24 @@ ctl --board 0 serial 0 parity 1
 ctl --board 0 serial 0 send 'xy\x00'
 ctl --board 0 spi reply 1 0x22 3
 ctl --board 0 coin 2
-expect "3 in board['inputs']" true
-expect "board['open_switches']" "[0, 4]"
-expect "board['battery_good']" false
-expect "1000 <= board['clock'] <= 1010" true
-expect "[[h['input'], h['stock'], h['jammed']] for h in board['hoppers']]" "[[6, 9, false]]"
-expect "[[h['input'], h['stock'], h['jammed']] for h in board['hoppers']]" "[[5, 20, true]]" 1
+expect '[grep { $_ == 3 } @{$b->{inputs}}]' "[3]"
+expect '$b->{open_switches}' "[0,4]"
+expect '$b->{battery_good}' false
+expect '$b->{clock} >= 1000 && $b->{clock} <= 1010' 1
+expect '[map { [@$_{qw(input stock jammed)}] } @{$b->{hoppers}}]' "[[6,9,false]]"
+expect '[map { [@$_{qw(input stock jammed)}] } @{$b->{hoppers}}]' "[[5,20,true]]" 1
 sleep 0.1
-expect "[board['serial_ports'][0][key] for key in ('waiting', 'parity_errors')]" "[3, 1]"
+expect '[@{$b->{serial_ports}[0]}{qw(waiting parity_errors)}]' "[3,1]"
 check "the SPI slave replies" "ok 0;ok 3 1 34 3;" "$(ask 0 "ask 94 7" "ask 96 7 8 24 0 0")"
 
 # On in both periods, in one, in the other.
 check "outputs" "ok 0;ok 0;" "$(ask 0 "ask 77 1 13 0 0 0 0 0 0 0 0 0" "ask 83 1 9 0 0 0 0")"
-expect "[board['outputs_on_period'], board['outputs_off_period']]" "[[0, 3], [0, 2, 3]]"
-expect "board['last_exchanges'][-1]['operation']" '"SetOnPeriodOutputs"'
+expect '[@$b{qw(outputs_on_period outputs_off_period)}]' "[[0,3],[0,2,3]]"
+expect '$b->{last_exchanges}[-1]{operation}' '"SetOnPeriodOutputs"'
 ctl --board 0 unplug
-expect "[board['plugged'], board['outputs_on_period'], board['firmware_running']]" "[false, [], false]"
+expect '[@$b{qw(plugged outputs_on_period firmware_running)}]' "[false,[],false]"
 ctl --board 0 plug
-expect "board['plugged']" true
+expect '$b->{plugged}' true
 contains "the text names what the program did" "SetOnPeriodOutputs" "$("$sim" ctl state)"
 finish
 INSIDE

@@ -20,6 +20,7 @@ inside() {
 
     ctl input 9 on
     say "ask 75 1" "ok 5 0 2 0 3 0"
+    check "$model, a static program" "open ok 5 0 2 0 3 0" "$(printf 'open 0\nask 75 1\n' | "${client%/*}/static_client" | xargs)"
     say other ENOTTY
     say unknown ENOTTY
     say "ask 200 1" "status 64"

@@ -1,26 +1,43 @@
-// Switches one output of a board so many times and leaves it on:
-//   output_writer DEVICE OUTPUT TIMES
-// After each change it reads the patterns' way back from the board: a change that is lost is an error.
+// Switches one output of a board off and on, again and again, and leaves it on:
+//   output_writer DEVICE OUTPUT TIMES|SECONDSs
+// It ends at the first error; otherwise it prints the number of its changes.
 #include <sorvaneusb.h>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
+
+namespace
+{
+
+int fail(const char *what, int error)
+{
+    std::fprintf(stderr, "%s: error %d\n", what, error);
+    return 1;
+}
+
+}  // namespace
 
 int main(int argc, char **argv)
 {
     if (argc != 4)
         return 2;
+    const std::string amount = argv[3];
+    const bool timed = amount.back() == 's';
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(timed ? std::stoi(amount) : 0);
+    const auto goesOn = [&](long done) {
+        return timed ? std::chrono::steady_clock::now() < end : done < 2 * std::stol(amount);
+    };
     SorvaneUSB board;
-    if (!board.InitPort(std::atoi(argv[1]))) {
-        std::fprintf(stderr, "board %s cannot be opened: error %d\n", argv[1], static_cast<int>(board.GetLastError()));
-        return 1;
+    if (!board.InitPort(std::atoi(argv[1])))
+        return fail("opening", board.GetLastError());
+    const auto output = static_cast<_usbOutputBitId>(std::atoi(argv[2]));
+    long done = 0;
+    for (; goesOn(done); done += 2) {
+        if (!board.SetOutputBit(output, 0) || !board.SetOutputBit(output, 1))
+            return fail("switching", board.GetLastError());
     }
-    const int times = std::atoi(argv[3]);
-    for (int n = 1; n <= 2 * times; ++n) {
-        if (!board.SetOutputBit(static_cast<_usbOutputBitId>(std::atoi(argv[2])), n % 2 == 0)) {
-            std::fprintf(stderr, "change %d failed: error %d\n", n, static_cast<int>(board.GetLastError()));
-            return 1;
-        }
-    }
+    std::printf("%ld\n", done);
     return 0;
 }

@@ -19,8 +19,8 @@ done
 
 # Two processes switch an output each on one board, many times at once: neither may undo the other's.
 check "two processes share a board" "0 0 [1,2]" "$(run --board 0=R35,firmware=running -- bash -c '
-    '"$build"'/tests/nodes/output_writer 0 1 400 & first=$!
-    '"$build"'/tests/nodes/output_writer 0 2 400; second=$?
+    '"$build"'/tests/nodes/output_writer 0 1 400 >/dev/null & first=$!
+    '"$build"'/tests/nodes/output_writer 0 2 400 >/dev/null; second=$?
     wait $first
     echo $? $second $('"$sim"' ctl state --json | grep -o "\"outputs_on_period\":[^]]*]" | cut -d: -f2)')"
 
