@@ -7,6 +7,7 @@
 
 #include <array>
 #include <deque>
+#include <sys/types.h>
 
 namespace sim
 {
@@ -14,7 +15,7 @@ namespace sim
 class CallerPages : public CallerMemory
 {
 public:
-    explicit CallerPages(pid_t caller) : memory_(caller) {}
+    explicit CallerPages(pid_t caller) : caller_(caller) {}
 
     bool read(std::uint64_t address, void *to, std::size_t size) override;
     bool write(std::uint64_t address, const void *from, std::size_t size) override;
@@ -33,7 +34,7 @@ private:
 
     const Page *page(std::uint64_t number);
 
-    ProcessMemory memory_;
+    pid_t caller_;
     std::deque<Page> pages_;
 };
 

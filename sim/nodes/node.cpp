@@ -63,7 +63,7 @@ void write(fuse_req_t request, fuse_ino_t, const char *, size_t, off_t, fuse_fil
 int exchangePacket(VirtualBoard &board, std::uint64_t address, unsigned char *packet, const DriverCall &call,
                    pid_t caller)
 {
-    const bool writable = ProcessMemory(caller).write(address, packet, packetSize);
+    const bool writable = CallerPages(caller).write(address, packet, packetSize);
     return writable ? packetExchange(board, packet, call) : -EFAULT;
 }
 

@@ -37,7 +37,9 @@ protected:
         int ends[2];
         EXPECT_EQ(socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends), 0);
         kernel_ = OwnedFd(ends[0]);
-        node_ = new Node(boards_, 0, OwnedFd(ends[1]));
+        // Its thread outlives the test.
+        static std::vector<std::unique_ptr<Node>> nodes;
+        nodes.push_back(std::make_unique<Node>(boards_, 0, OwnedFd(ends[1])));
         memory_ = static_cast<ProgramMemory *>(
             mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_32BIT, -1, 0));
         EXPECT_NE(memory_, MAP_FAILED);
@@ -47,11 +49,7 @@ protected:
         EXPECT_EQ(ask(FUSE_OPEN, fuse_open_in{O_RDWR, 0}, &opened), 0);
         handle_ = opened.fh;
     }
-    ~CompatTest() override
-    {
-        // The node's thread ends with its connection only, and would not notice that its boards have gone.
-        munmap(memory_, 4096);
-    }
+    ~CompatTest() override { munmap(memory_, 4096); }
 
     static std::uint32_t low(const void *pointer)
     {
@@ -114,7 +112,6 @@ protected:
     ManualClock clock_;
     VirtualBoards boards_;
     OwnedFd kernel_;
-    Node *node_ = nullptr;
     ProgramMemory *memory_ = nullptr;
     std::uint64_t handle_ = 0;
     std::uint64_t unique_ = 0;
