@@ -1,0 +1,59 @@
+// The language of scenarios and of `ctl`, and the words of --board: whatever is written, it is carried out or refused
+// with a UsageError.
+#include <sstream>
+
+#include "sim/command/scenario.h"
+#include "tests/fuzz/fuzz_input.h"
+
+namespace
+{
+
+void tryScenario(const std::string &text)
+{
+    std::istringstream lines(text);
+    const sim::Scenario scenario = sim::Scenario::parse(lines, "scenario");
+    std::vector<sim::BoardOptions> options(3);
+    options[1] = {.deviceNo = 1, .model = sim::Model::R20s};
+    options[2] = {.deviceNo = 15, .model = sim::Model::R35};
+    scenario.check(options);
+
+    sim::ManualClock clock;
+    sim::VirtualBoards boards(clock);
+    sim::plugBoards(boards, options);
+    scenario.prepare(boards);
+    for (const sim::BoardOptions &option : options) {
+        sim::VirtualBoard &board = *boards.find(option.deviceNo);
+        board.exchange(75, 1, nullptr, 0);
+        clock.advance(std::chrono::hours(1));
+        board.state();
+    }
+}
+
+void tryBoardOptions(const std::string &text)
+{
+    std::istringstream lines(text);
+    sim::TextWords arguments;
+    for (std::string line; std::getline(lines, line);)
+        arguments.push_back(line);
+    const std::vector<sim::BoardOptions> options = sim::boardsFrom(arguments);
+    sim::ManualClock clock;
+    sim::VirtualBoards boards(clock);
+    sim::plugBoards(boards, options);
+}
+
+}  // namespace
+
+/// The first character chooses: '=' for the words of --board, anything else for a scenario.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const std::string text(reinterpret_cast<const char *>(data), size);
+    try {
+        if (!text.empty() && text[0] == '=')
+            tryBoardOptions(text.substr(1));
+        else
+            tryScenario(text);
+    } catch (const sim::UsageError &error) {
+        fuzz::require(error.what()[0] != '\0', "a refusal says why");
+    }
+    return 0;
+}
