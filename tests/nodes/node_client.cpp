@@ -10,6 +10,7 @@
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <fstream>
@@ -193,6 +194,8 @@ std::string obey(std::istringstream &order)
         return tryNumber(0x8401);
     if (what == "pointers")
         return wrongPointers();
+    if (what == "exit")
+        std::exit(first);
     if (what == "flood")
         return flood(first, second);
     Bytes payload;

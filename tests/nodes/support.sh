@@ -7,14 +7,26 @@ sim=$build/sim/command/sorvane-sim
 client=$build/tests/nodes/node_client
 failures=0
 
-skip() {
+for program in "$sim" "$client"; do
+    [ -x "$program" ] || {
+        echo "FAILED: $program is not built"
+        exit 1
+    }
+done
+
+skip() { # what has failed before is not forgotten
     echo "SKIPPED: $*"
+    [ "$failures" -eq 0 ] || exit 1
     exit 77
+}
+
+need_width() {
+    "$client" </dev/null 2>/dev/null || skip "this machine does not run $width-bit programs"
 }
 
 # Ends the test when this machine cannot run programs of the build's width, or cannot show them device nodes.
 need_nodes() {
-    "$client" </dev/null 2>/dev/null || skip "this machine does not run $width-bit programs"
+    need_width
     local reason
     reason=$("$sim" run --how node --board 0=R35 -- true 2>&1) || skip "no device nodes here: $reason"
 }
