@@ -1,0 +1,39 @@
+// A board that all processes of a test share: a driver that answers the calls of the program it is linked into and
+// writes every request down, in the order in which they came, in a file that all of them map.
+#ifndef SORVANE_TESTS_STRESS_RECORDING_DRIVER_H
+#define SORVANE_TESTS_STRESS_RECORDING_DRIVER_H
+
+#include <atomic>
+#include <cstdint>
+
+namespace stress
+{
+
+/// One change of outputs. The same in both widths.
+struct Record {
+    std::atomic<std::uint32_t> complete;
+    std::uint8_t request;
+    std::uint8_t payload[10];
+    std::uint8_t mirrorOn[5];  // the shared patterns of the device, as they were when the request came
+    std::uint8_t mirrorOff[5];
+};
+
+struct Trace {
+    static constexpr std::uint32_t capacity = 1 << 17;
+
+    std::atomic<std::uint32_t> count;
+    std::atomic<std::uint32_t> nextItem;  // of the timestamped stream: item n is the byte n / 256 with the time n % 256
+    Record records[capacity];
+};
+static_assert(sizeof(Record) == 28 && std::atomic<std::uint32_t>::is_always_lock_free);
+
+constexpr int boardDevice = 1;
+
+/// Maps the trace; makes a new one of zeros where there is none.
+Trace &sharedTrace();
+/// Lets the next sharedTrace() of every process that starts from now on begin with an empty one.
+void startNewTrace();
+
+}  // namespace stress
+
+#endif

@@ -1,0 +1,171 @@
+#include "tests/stress/tracer.h"
+
+#include <cerrno>
+#include <csignal>
+#include <linux/audit.h>
+#include <stdexcept>
+#include <sys/ptrace.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace stress
+{
+
+namespace
+{
+
+struct Name {
+    unsigned int number;
+    const char *name;
+};
+constexpr Name wideCalls[] = {{0, "read"},   {1, "write"},   {3, "close"},    {16, "ioctl"}, {29, "shmget"},
+                              {30, "shmat"}, {31, "shmctl"}, {64, "semget"},  {65, "semop"}, {66, "semctl"},
+                              {67, "shmdt"}, {220, "semop"}, {257, "openat"}, {231, "exit"}};
+constexpr Name narrowCalls[] = {{3, "read"},     {4, "write"},    {6, "close"},    {54, "ioctl"},   {295, "openat"},
+                                {393, "semget"}, {394, "semctl"}, {395, "shmget"}, {396, "shmctl"}, {397, "shmat"},
+                                {398, "shmdt"},  {420, "semop"},  {252, "exit"}};
+constexpr unsigned int narrowIpc = 117;
+constexpr Name narrowIpcCalls[] = {{1, "semop"},  {2, "semget"}, {3, "semctl"},  {4, "semop"},
+                                   {21, "shmat"}, {22, "shmdt"}, {23, "shmget"}, {24, "shmctl"}};
+
+template <std::size_t Count>
+std::string nameIn(const Name (&names)[Count], unsigned long long number)
+{
+    for (const Name &entry : names)
+        if (entry.number == number)
+            return entry.name;
+    return "call " + std::to_string(number);
+}
+
+constexpr auto requestOf(int request)
+{
+    return static_cast<__ptrace_request>(request);
+}
+
+}  // namespace
+
+Traced::Traced(const std::string &program) : peer(program, tests::Peer::Start::held)
+{
+    const auto options = reinterpret_cast<void *>(PTRACE_O_TRACESYSGOOD | PTRACE_O_TRACEEXEC | PTRACE_O_EXITKILL);
+    if (::ptrace(PTRACE_SEIZE, peer.id(), nullptr, options) != 0)
+        throw std::runtime_error("this machine does not let a process be traced");
+    peer.release();
+    int status;
+    if (::waitpid(peer.id(), &status, 0) != peer.id() || status >> 8 != (SIGTRAP | PTRACE_EVENT_EXEC << 8))
+        throw std::runtime_error("the program did not start under the tracer");
+}
+
+bool Traced::possible()
+{
+    tests::Peer victim("/bin/true", tests::Peer::Start::held);
+    return ::ptrace(PTRACE_SEIZE, victim.id(), nullptr, nullptr) == 0;
+}
+
+void Traced::resume(int request)
+{
+    int signal = 0;
+    for (;;) {
+        int status;
+        if (::ptrace(requestOf(request), peer.id(), nullptr, reinterpret_cast<void *>(static_cast<long>(signal))) !=
+                0 ||
+            ::waitpid(peer.id(), &status, 0) != peer.id())
+            throw std::runtime_error("the traced process was lost");
+        alive = WIFSTOPPED(status);
+        if (!alive || WSTOPSIG(status) == (SIGTRAP | 0x80) || WSTOPSIG(status) == SIGTRAP)
+            break;
+        signal = status >> 16 ? 0 : WSTOPSIG(status);  // one of the process's own: it gets it
+    }
+    if (alive)
+        look();
+}
+
+void Traced::look()
+{
+    __ptrace_syscall_info info = {};
+    const auto size = reinterpret_cast<void *>(sizeof info);
+    if (::ptrace(requestOf(PTRACE_GET_SYSCALL_INFO), peer.id(), size, &info) <= 0)
+        throw std::runtime_error("the kernel does not tell where a traced process stands");
+    compat = info.arch == AUDIT_ARCH_I386;
+    instruction = info.instruction_pointer;
+    atCall = info.op == PTRACE_SYSCALL_INFO_ENTRY || info.op == PTRACE_SYSCALL_INFO_EXIT;
+    before = info.op == PTRACE_SYSCALL_INFO_ENTRY;
+    if (!before)
+        return;  // afterwards number and arguments are those of the call before
+    number = info.entry.nr;
+    for (int k = 0; k < 6; ++k)
+        arguments[k] = info.entry.args[k];
+}
+
+std::string Traced::where() const
+{
+    std::string name = compat && number == narrowIpc ? nameIn(narrowIpcCalls, arguments[0] & 0xFFFF)
+                       : compat                      ? nameIn(narrowCalls, number)
+                                                     : nameIn(wideCalls, number);
+    return name + (before ? " before" : " after");
+}
+
+std::string Traced::textAt(unsigned long long address) const
+{
+    std::string text;
+    for (;; address += sizeof(long)) {
+        errno = 0;
+        const long word = ::ptrace(PTRACE_PEEKDATA, peer.id(), reinterpret_cast<void *>(address), nullptr);
+        if (errno != 0)
+            return text;
+        for (std::size_t k = 0; k < sizeof word; ++k) {
+            const char character = static_cast<char>(word >> 8 * k);
+            if (character == '\0')
+                return text;
+            text += character;
+        }
+    }
+}
+
+bool Traced::isStart(const Part &wanted) const
+{
+    if (wanted.loading())
+        return where() == "openat before" && textAt(arguments[1]).starts_with("/tmp/");
+    return where() == "read after" && arguments[0] == 0;
+}
+
+bool Traced::isOver() const
+{
+    const std::string here = where();
+    return here == "exit before" || (here == "write before" && arguments[0] == 1);
+}
+
+void Traced::beginWith(const Part &wanted)
+{
+    part = wanted;
+    if (!part.loading())
+        peer.tell(part.line);
+    do
+        resume(PTRACE_SYSCALL);
+    while (alive && !isStart(part));
+    if (!alive)
+        throw std::runtime_error("the process ended before \"" + part.line + "\"");
+}
+
+bool Traced::next()
+{
+    resume(PTRACE_SYSCALL);
+    return alive && !isOver();
+}
+
+bool Traced::stepInstruction()
+{
+    errno = 0;
+    const long code = ::ptrace(PTRACE_PEEKTEXT, peer.id(), reinterpret_cast<void *>(instruction), nullptr) & 0xFFFF;
+    if (errno != 0 || code == 0x050F || code == 0x80CD || code == 0x340F)  // syscall, int 0x80, sysenter
+        return false;
+    resume(PTRACE_SINGLESTEP);
+    return alive;
+}
+
+void Traced::release()
+{
+    if (alive)
+        ::ptrace(PTRACE_DETACH, peer.id(), nullptr, nullptr);
+}
+
+}  // namespace stress
