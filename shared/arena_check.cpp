@@ -34,6 +34,16 @@ bool isPartOfNewHeader(const SharedMemoryArenaHeader *header, const SharedMemory
     return true;
 }
 
+/// Nothing behind the header is used before the header is complete.
+bool isZeroBehindHeader(const SharedMemoryArenaHeader *header, unsigned int size)
+{
+    const auto *bytes = reinterpret_cast<const unsigned char *>(header);
+    for (std::size_t k = headerBytes; k < size; ++k)
+        if (bytes[k] != 0)
+            return false;
+    return true;
+}
+
 bool chainIsWhole(SharedMemoryArenaHeader *header, unsigned int blockCount)
 {
     RunWalk walk(header, blockCount);
@@ -46,7 +56,7 @@ bool chainIsWhole(SharedMemoryArenaHeader *header, unsigned int blockCount)
 
 ArenaState examineArena(SharedMemoryArenaHeader *header, const SharedMemoryArenaID &id, unsigned int size)
 {
-    if (header->blockCount == 0 && isPartOfNewHeader(header, id, size))
+    if (header->blockCount == 0 && isPartOfNewHeader(header, id, size) && isZeroBehindHeader(header, size))
         return ArenaState::unfinished;
     if (!(header->arenaID.objectID == id.objectID))
         return ArenaState::foreign;

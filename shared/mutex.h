@@ -75,6 +75,7 @@ public:
         if (held)
             held->UnLock();
     }
+    bool holds() const { return held != nullptr; }
     MutexGuard(const MutexGuard &) = delete;
     MutexGuard &operator=(const MutexGuard &) = delete;
 

@@ -19,12 +19,14 @@ constexpr int mostSemaphores = 250;
 /// Each try that fails means that another process made or removed the set in between.
 constexpr int mostTries = 1000;
 
-enum class Outcome { done, again, failed };
+enum class Outcome { done, full, again, failed };
 
 Outcome outcomeOf(bool succeeded)
 {
     if (succeeded)
         return Outcome::done;
+    if (errno == ERANGE)
+        return Outcome::full;
     return setIsGone(errno) ? Outcome::again : Outcome::failed;
 }
 
@@ -56,11 +58,14 @@ Outcome joinSet(int id, int semaphores)
     return outcomeOf(registerOnceFree(id));
 }
 
-/// Succeeds only for the last process, which then holds the first mutex.
-bool unregisterAsLast(int id)
+/// Succeeds only for the only process that is registered, and lets nobody in any more: it holds the first mutex.
+bool lockAsLast(int id)
 {
-    sembuf operations[] = {{registrations, -1, IPC_NOWAIT}, {registrations, 0, IPC_NOWAIT}, {firstMutex, -1, SEM_UNDO}};
-    return semaphoreOperation(id, operations, 3);
+    sembuf operations[] = {{registrations, -1, IPC_NOWAIT},
+                           {registrations, 0, IPC_NOWAIT},
+                           {registrations, +1, IPC_NOWAIT},
+                           {firstMutex, -1, SEM_UNDO}};
+    return semaphoreOperation(id, operations, 4);
 }
 
 /// Succeeds only while another process is registered.
@@ -93,12 +98,13 @@ LinuxMutexSet::LinuxMutexSet(const MutexID &id) : mutexID(id)
 
 LinuxMutexSet::~LinuxMutexSet()
 {
-    if (semaphoreSetID != -1)
+    if (semaphoreSetID != -1 && registered)
         Leave();
 }
 
-int LinuxMutexSet::Join(Missing missing) const
+int LinuxMutexSet::Join(Missing missing)
 {
+    registered = false;
     const int semaphores = mutexID.count + 1;
     if (semaphores <= firstMutex || semaphores > mostSemaphores)
         return -1;
@@ -116,6 +122,9 @@ int LinuxMutexSet::Join(Missing missing) const
             return -1;
         switch (joinSet(id, semaphores)) {
         case Outcome::done:
+            registered = true;
+            return id;
+        case Outcome::full:
             return id;
         case Outcome::failed:
             return -1;
@@ -129,7 +138,7 @@ int LinuxMutexSet::Join(Missing missing) const
 void LinuxMutexSet::Leave() const
 {
     for (int tries = 0; tries < mostTries; ++tries) {
-        if (unregisterAsLast(semaphoreSetID)) {
+        if (lockAsLast(semaphoreSetID)) {
             ::semctl(semaphoreSetID, 0, IPC_RMID);
             return;
         }

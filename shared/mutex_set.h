@@ -5,9 +5,11 @@
 // whole is that a semop of several operations happens entirely or not at all:
 //   - a new set has only zeros; one semop initialises it and registers its first process;
 //   - in an initialised set one semop waits until mutex 0 is free and registers;
-//   - the last process takes mutex 0 and gives up its registration in one semop that succeeds only if no other is
-//     registered, and then removes the set. Whoever waits for mutex 0 is woken by the removal and starts again.
-// The registrations carry no undo: a process that is killed leaves its own, and with it the set.
+//   - the last process takes mutex 0 in one semop that succeeds only if no other is registered, and then removes the
+//     set. Whoever waits for mutex 0 is woken by the removal and starts again. Its own registration stands until then,
+//     so that the set never looks like a new one.
+// The registrations carry no undo: a process that is killed leaves its own, and with it the set. When they have filled
+// the counter, a process uses the set without one.
 #ifndef SORVANE_SHARED_MUTEX_SET_H
 #define SORVANE_SHARED_MUTEX_SET_H
 
@@ -40,7 +42,7 @@ public:
     static void ReleaseLinuxMutex(LinuxMutex *mutex);
 
     /// For a mutex that found the set goneID removed: the set that has its name now, with this process registered in
-    /// it, or -1. None is made: only a process that starts makes a set.
+    /// it, or -1. No set is made: only a process that starts makes one.
     int Rejoin(int goneID);
 
     static LinuxMutexSet *MasterListStart;
@@ -52,8 +54,10 @@ public:
 
 private:
     enum class Missing { make, leave };
-    int Join(Missing missing) const;
+    int Join(Missing missing);
     void Leave() const;
+
+    bool registered = false;
 };
 
 #endif

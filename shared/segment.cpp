@@ -65,8 +65,12 @@ bool LinuxSharedMemory::Create()
 LinuxSharedMemory::Outcome LinuxSharedMemory::Attach()
 {
     void *attached = ::shmat(segmentID, nullptr, 0);
-    if (attached == notAttached)
-        return errno == EIDRM || errno == EINVAL ? Outcome::removedMeanwhile : Outcome::failed;
+    if (attached == notAttached) {
+        const bool removed = errno == EIDRM || errno == EINVAL;
+        if (!meFirst)
+            segmentID = -1;  // never looked at, so not ours to remove
+        return removed ? Outcome::removedMeanwhile : Outcome::failed;
+    }
     shmid_ds status;
     if (::shmctl(segmentID, IPC_STAT, &status) == 0 && markedForRemoval(status)) {
         ::shmdt(attached);

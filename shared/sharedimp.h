@@ -46,7 +46,7 @@ struct SharedMemoryBlockHeader {
     /// Makes an allocated run an object. The first byte of the name is stored last: until then the run has none.
     void Name(const SharedMemoryObjectID &id);
 
-    /// Room for size bytes, header included, in an arena; null when no free run is long enough.
+    /// Room for size bytes, header included, in an arena, as AllocateBlock gives it.
     static void *operator new(std::size_t size, SharedMemoryArenaHeader *arena) noexcept;
 
     void *data() { return this + 1; }
@@ -64,7 +64,7 @@ struct SharedMemoryArenaHeader {
     /// with a block count is complete.
     SharedMemoryArenaHeader(const SharedMemoryArenaID &id, unsigned int size);
 
-    /// First fit over the free runs; the rest of a longer run becomes a free run. Nothing ever frees a run.
+    /// First fit over the free runs; the rest of a longer run becomes a free run.
     SharedMemoryBlockHeader *AllocateBlock(unsigned int size);
     /// Frees the runs that are used but have no name: whoever allocated them died before naming them. Only for a
     /// holder of the arena's mutex, under which allocation and naming happen.

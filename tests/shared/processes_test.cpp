@@ -367,18 +367,33 @@ TEST_F(Processes, ADamagedArenaIsNotUsedAndGoesWithTheLastOne)
 TEST_F(Processes, ASegmentOfSomebodyElseIsLeftAlone)
 {
     touch(arenaKeyFile);
-    const int id = ::shmget(::ftok(arenaKeyFile, 1), 65536, IPC_CREAT | 0666);
-    auto *theirs = static_cast<unsigned char *>(::shmat(id, nullptr, 0));
-    std::memset(theirs, 0x5A, 65536);
-    ::shmdt(theirs);
-    Peer peer;
-    EXPECT_EQ(peer.ask("attached"), "no");
-    shmid_ds status;
-    ASSERT_EQ(::shmctl(id, IPC_STAT, &status), 0);
-    EXPECT_EQ(status.shm_nattch, 0u);
-    EXPECT_TRUE(peer.quit());
-    EXPECT_EQ(::shmctl(id, IPC_STAT, &status), 0) << "never removed";
-    EXPECT_EQ(semaphores(), -1);
+    for (std::size_t leadingZeros : {0u, 128u, 252u, 65535u}) {
+        const int id = ::shmget(::ftok(arenaKeyFile, 1), 65536, IPC_CREAT | 0666);
+        auto *theirs = static_cast<unsigned char *>(::shmat(id, nullptr, 0));
+        std::memset(theirs + leadingZeros, 0x5A, 65536 - leadingZeros);
+        ::shmdt(theirs);
+        Peer peer;
+        EXPECT_EQ(peer.ask("attached"), "no") << leadingZeros;
+        shmid_ds status;
+        ASSERT_EQ(::shmctl(id, IPC_STAT, &status), 0);
+        EXPECT_EQ(status.shm_nattch, 0u);
+        EXPECT_TRUE(peer.quit());
+        EXPECT_EQ(::shmctl(id, IPC_STAT, &status), 0) << "never removed";
+        EXPECT_EQ(semaphores(), -1);
+        ::shmctl(id, IPC_RMID, nullptr);
+    }
+}
+
+TEST_F(Processes, AFullCountOfRegistrationsCostsNobodyTheLocks)
+{
+    Peer first;
+    ASSERT_EQ(::semctl(semaphores(), 0, SETVAL, 32767), 0);  // of processes that were killed
+    Peer second;
+    EXPECT_EQ(second.ask("lock 1"), "ok");
+    EXPECT_EQ(valueOf(2), 0);
+    EXPECT_TRUE(second.quit());
+    EXPECT_EQ(valueOf(0), 32767) << "it takes no registration away";
+    EXPECT_EQ(valueOf(2), 1);
 }
 
 TEST_F(Processes, AChildThatWasForkedTearsNothingDown)
