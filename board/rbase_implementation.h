@@ -9,6 +9,7 @@
 
 class SorvaneUSB;
 class Response;
+struct TimestampedItem;
 
 class RBaseImplementation
 {
@@ -194,8 +195,7 @@ private:
     int ReadEEPROMChunks(unsigned short address, unsigned char *data, unsigned int length);
     int SpinRamp(Request request, unsigned char reel, const usbRampTable &table);
     int GetFiveInputBytes(Request request, unsigned char *bytes);
-    int NextTimestampedItem(_usbSerialPort port, void *data, int dataBytes, unsigned char *timestamp,
-                            unsigned int *received);
+    int NextTimestampedItem(_usbSerialPort port, unsigned int size, TimestampedItem &item);
     int AskForSerialData(_usbSerialPort port, unsigned char *data, unsigned long *count);
     int ReceivePolledParts(_usbSerialPort port, unsigned char slot, unsigned char *message, unsigned long *length,
                            unsigned int *status, unsigned long capacity, unsigned long largestPart);

@@ -10,6 +10,8 @@
 namespace
 {
 
+static_assert(sizeof(CCTalkConfig) == 72 && sizeof(RS232PollConfig) == 76);  // in both widths
+
 constexpr unsigned char lastSlot = 3;
 constexpr unsigned int lastOptionA = 3;
 constexpr unsigned char lastOptionB = 4;
@@ -113,12 +115,14 @@ int RBaseImplementation::ReceivePolledParts(_usbSerialPort port, unsigned char s
             std::memcpy(message + *length, response.bytes + messageHeader, response.count - messageHeader);
             *length += response.count - messageHeader;
             emptyParts = 0;
-        } else if (++emptyParts > mostEmptyParts) {
-            return Fail(usbErrorTransfer);
+        } else {
+            ++emptyParts;
         }
         const bool more = response.u8(1) != 0;
         if (!more)
             break;
+        if (emptyParts > mostEmptyParts)
+            return Fail(usbErrorTransfer);
     }
     return 1;
 }

@@ -6,6 +6,8 @@
 namespace
 {
 
+static_assert(sizeof(_DCB) == 8);  // in both widths
+
 struct Divisor {
     unsigned int baudRate;
     unsigned char a;

@@ -152,12 +152,8 @@ int RBaseImplementation::Receive9BitData(_usbSerialPort port, unsigned short *da
     return result;
 }
 
-int RBaseImplementation::NextTimestampedItem(_usbSerialPort port, void *data, int dataBytes, unsigned char *timestamp,
-                                             unsigned int *received)
+int RBaseImplementation::NextTimestampedItem(_usbSerialPort port, unsigned int size, TimestampedItem &item)
 {
-    SharedObjectLock lock(SharedserialRxBuffer);
-    if (!data || !timestamp || !received)
-        return Fail(usbErrorNullPointer);
     ReceiveBuffer &buffer = receiveBuffer(GetDeviceNo());
     if (buffer.empty()) {
         if (!isSerialPort(port))
@@ -167,36 +163,51 @@ int RBaseImplementation::NextTimestampedItem(_usbSerialPort port, void *data, in
             return 0;
         buffer.fill(response.bytes, response.count);
     }
-    if (buffer.empty() || buffer.count == 1) {  // nothing came, or a time without data
-        buffer.take(*timestamp);
-        *received = 0;
-        return 1;
-    }
-    unsigned char byte;
-    if (dataBytes == 1) {
-        buffer.take(*static_cast<unsigned char *>(data));
-    } else {
-        unsigned short &word = *static_cast<unsigned short *>(data);
-        if (buffer.take(byte))
-            word = static_cast<unsigned short>(byte << 8);
-        if (buffer.take(byte))
-            word = static_cast<unsigned short>((word & 0xFF00) | byte);
-    }
-    buffer.take(*timestamp);
-    *received = 1;
+    item.timeAlone = buffer.count == 1;
+    item.count = buffer.take(item.bytes, size);
     return 1;
 }
 
 int RBaseImplementation::ReceiveByteWithTimestamp(_usbSerialPort port, unsigned char *data, unsigned char *timestamp,
                                                   unsigned int *received)
 {
-    return NextTimestampedItem(port, data, 1, timestamp, received);
+    SharedObjectLock lock(SharedserialRxBuffer);
+    if (!data || !timestamp || !received)
+        return Fail(usbErrorNullPointer);
+    TimestampedItem item;
+    if (!NextTimestampedItem(port, 2, item))
+        return 0;
+    if (item.timeAlone) {
+        *timestamp = item.bytes[0];
+    } else {
+        if (item.count > 0)
+            *data = item.bytes[0];
+        if (item.count > 1)
+            *timestamp = item.bytes[1];
+    }
+    *received = item.hasData();
+    return 1;
 }
 
 int RBaseImplementation::ReceiveByteWithTimestamp9BitData(_usbSerialPort port, unsigned short *data,
                                                           unsigned char *timestamp, unsigned int *received)
 {
-    return NextTimestampedItem(port, data, 2, timestamp, received);
+    SharedObjectLock lock(SharedserialRxBuffer);
+    if (!data || !timestamp || !received)
+        return Fail(usbErrorNullPointer);
+    TimestampedItem item;
+    if (!NextTimestampedItem(port, 3, item))
+        return 0;
+    if (item.timeAlone) {
+        *timestamp = item.bytes[0];
+    } else {
+        if (item.count > 0)
+            *data = static_cast<unsigned short>(item.bytes[0] << 8 | (item.count > 1 ? item.bytes[1] : 0));
+        if (item.count > 2)
+            *timestamp = item.bytes[2];
+    }
+    *received = item.hasData();
+    return 1;
 }
 
 int RBaseImplementation::GetParityErrors(_usbSerialPort port, unsigned short *count)

@@ -1,7 +1,12 @@
 #include "board/rbase_shared_implementation/shared_board_state.h"
 
 #include <cstring>
+#include <iterator>
+#include <pthread.h>
 #include <unistd.h>
+
+#include "shared/arena_check.h"
+#include "shared/store_order.h"
 
 constinit SharedMemoryArenaID sharedBlock = {{"R20SharedMemory", 0}, {"R20Mutex", 0, 10}, 65536};
 constinit SharedMemoryObject SharedOutOnCopy = {};
@@ -11,18 +16,25 @@ constinit SharedMemoryObject SharedserialRxBuffer = {};
 
 void ReceiveBuffer::fill(const unsigned char *batch, unsigned long length)
 {
-    count = static_cast<std::uint16_t>(length % sizeof bytes);
+    const unsigned long batchBytes = length % sizeof bytes;
+    count = 0;
+    storesBeforeAreDone();
+    std::memcpy(bytes, batch, batchBytes);
     readIndex = 0;
-    std::memcpy(bytes, batch, count);
+    storesBeforeAreDone();
+    count = static_cast<std::uint16_t>(batchBytes);
 }
 
-bool ReceiveBuffer::take(unsigned char &byte)
+unsigned int ReceiveBuffer::take(unsigned char *item, unsigned int size)
 {
-    if (empty())
-        return false;
-    byte = bytes[readIndex % sizeof bytes];
-    ++readIndex;
-    return true;
+    const unsigned int end = count <= mostCount ? count : 0;
+    unsigned int index = readIndex;
+    unsigned int taken = 0;
+    while (taken < size && index < end)
+        item[taken++] = bytes[index++];
+    storesBeforeAreDone();
+    readIndex = static_cast<std::uint16_t>(index);
+    return taken;
 }
 
 namespace
@@ -53,6 +65,14 @@ constexpr ObjectPlan plans[] = {
     {&SharedserialRxBuffer, {"R20BUFFERS", 0}, 4, sizeof(ReceiveBuffers)},
 };
 
+/// Whether a run that was found has room for the table, whatever its header says by now.
+bool holds(SharedMemoryArenaHeader *arena, const SharedMemoryBlockHeader *run, unsigned int bytes)
+{
+    const unsigned int blocks = (bytes + sizeof *run - 1) / sizeof *run;
+    const auto index = static_cast<unsigned int>(run - arena->block(0));
+    return run->blockCount >= blocks && index + blocks <= blocksInSegment(sharedBlock.size);
+}
+
 /// Hold the arena's mutex. A run that carries the name but is too short for the table is not used.
 SharedMemoryBlockHeader *findOrAllocate(SharedMemoryArenaHeader *arena, const ObjectPlan &plan)
 {
@@ -60,7 +80,7 @@ SharedMemoryBlockHeader *findOrAllocate(SharedMemoryArenaHeader *arena, const Ob
     if (!arena)
         return nullptr;
     if (SharedMemoryBlockHeader *found = SharedMemoryLocalListElement::FindSharedMemoryObject(arena, plan.id)) {
-        if (found->blockCount < (bytes + sizeof *found - 1) / sizeof *found)
+        if (!holds(arena, found, bytes))
             return nullptr;
         ++found->useCount;
         return found;
@@ -83,7 +103,7 @@ void setUp(const ObjectPlan &plan)
     {
         MutexGuard guard(handle.element->sharedMemory->mutex);
         ++handle.element->sharedMemory->referenceCount;
-        if (handle.element->arenaHeader)
+        if (handle.element->arenaHeader && guard.holds())
             handle.element->arenaHeader->ReclaimUnnamedRuns();
         handle.object = findOrAllocate(handle.element->arenaHeader, plan);
     }
@@ -96,22 +116,30 @@ void tearDown(const ObjectPlan &plan)
     SharedMemoryObject &handle = *plan.handle;
     if (!handle.element)
         return;
-    if (handle.object)
-        MutexGuard waitForOthers(handle.element->sharedMemory->mutex);
+    if (handle.object) {
+        MutexGuard waitForOthers(handle.element->sharedMemory->mutex);  // nobody is in the middle of the arena
+    }
     if (handle.mutex)
         Mutex::ReleaseLocalMutex(handle.mutex);
     SharedMemoryLocalListElement::ReleaseSharedMemoryElement(handle.element);
     handle = {};
 }
 
-/// The process that set the state up. A child of it has copies of the handles, but no registration of its own.
+/// The process that set the state up. A child of it has copies of the handles, but no registration of its own; in a
+/// PID namespace it may even have its parent's number.
 constinit pid_t joinedProcess = 0;
+
+void forgetInChild()
+{
+    joinedProcess = 0;
+}
 
 // 101 is the first priority open to programs: before static objects, in a shared library and in a program alike.
 
 [[gnu::constructor(101)]] void setUpAll()
 {
     joinedProcess = ::getpid();
+    ::pthread_atfork(nullptr, nullptr, forgetInChild);
     for (const ObjectPlan &plan : plans)
         setUp(plan);
 }
@@ -120,8 +148,8 @@ constinit pid_t joinedProcess = 0;
 {
     if (joinedProcess != ::getpid())
         return;
-    for (int k = 3; k >= 0; --k)
-        tearDown(plans[k]);
+    for (auto plan = std::rbegin(plans); plan != std::rend(plans); ++plan)
+        tearDown(*plan);
 }
 
 }  // namespace

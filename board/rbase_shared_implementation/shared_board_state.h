@@ -36,10 +36,11 @@ static_assert(sizeof(EEPROMTable) == 128);
 /// a count or index that cannot be means an empty buffer.
 struct ReceiveBuffer {
     bool empty() const { return count > mostCount || readIndex >= count; }
-    /// Takes over a batch; one of 256 bytes counts as none.
+    /// Takes over a batch; one of 256 bytes counts as none. Until it is there in full the buffer is empty, also for
+    /// whoever follows a process that was killed in between.
     void fill(const unsigned char *batch, unsigned long length);
-    /// The next byte, if there is one.
-    bool take(unsigned char &byte);
+    /// Hands out up to size bytes and returns their number. They count as handed out once all are.
+    unsigned int take(unsigned char *item, unsigned int size);
 
     static constexpr unsigned int mostCount = 255;
     std::uint16_t count;
@@ -47,6 +48,15 @@ struct ReceiveBuffer {
     unsigned char bytes[256];
 };
 static_assert(sizeof(ReceiveBuffer) == 260 && offsetof(ReceiveBuffer, bytes) == 4);
+
+/// Up to two bytes of data and a time, as they were taken from a batch.
+struct TimestampedItem {
+    unsigned int hasData() const { return count > 0 && !timeAlone ? 1 : 0; }
+
+    unsigned char bytes[3];
+    unsigned int count;
+    bool timeAlone;  // a batch of one byte
+};
 
 struct ReceiveBuffers {
     ReceiveBuffer device[deviceCount];
