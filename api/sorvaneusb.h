@@ -77,9 +77,11 @@
 ///
 /// Everything else is unlocked: transfers of several exchanges (SRAM, serial data, firmware) interleave with those of
 /// other processes, and two readers of one serial port or switch log take each other's data. The shared state is SysV
-/// shared memory and semaphores under the key files /tmp/R20SharedMemory and /tmp/Sem_R20Mutex; who deletes these files
-/// or removes the objects splits the processes into strangers. Where the memory cannot be had, or is damaged, one
-/// process still drives its boards fully, on tables of its own and without locks.
+/// shared memory and semaphores under the key files /tmp/R20SharedMemory and /tmp/Sem_R20Mutex. A process that is
+/// killed, or ends by `_exit`, `abort` or `exec`, leaves its registration, and so the semaphores stay in the system,
+/// where the next process uses them. Who deletes these files or removes the objects splits the processes into
+/// strangers. Where the memory cannot be had, or is damaged, one process still drives its boards fully, on tables of
+/// its own and without locks.
 ///
 /// A child made by fork that did not load the library itself may drive the boards while its parent lives; to outlive
 /// it, it must exec. Open nodes are closed by exec.
@@ -744,9 +746,8 @@ public:
     /// - Result: `data` receives at most `capacity` words; `count`: their number. If less than a whole answer's room is
     ///   left behind them, more may be waiting: call again.
     /// - Errors: 30 `data` or `count` null; 7 `capacity` below one answer; 8 `port` above 1; the exchange's own.
-    /// - On failure: with 30 nothing is written. Otherwise `data` and `count` hold the words that came before it; with
-    /// 7
-    ///   and 8 nothing has been asked for.
+    /// - On failure: with 30 nothing is written. Otherwise `data` and `count` hold the words that came before it; none
+    ///   with 7 and 8.
     int Receive9BitData(_usbSerialPort port, unsigned short *data, unsigned long *count, unsigned long capacity);
 
     /// Receives one 9-bit word with the timestamp that the board gave it. Locked across processes. One batch a device
@@ -866,7 +867,9 @@ public:
     /// - Arguments: `port` 0 or 1; `slot` 0 to 3.
     /// - Result: `message` receives bytes 2 onward of every answer, whatever comes; `length`: their number; `status`:
     ///   byte 0 of the last answer, 0 to 255, the firmware's.
-    /// - Errors: 30 `message`, `length` or `status` null; 8 `slot` above 3; 8 `port` above 1; the exchange's own.
+    /// - Errors: 30 `message`, `length` or `status` null; 8 `slot` above 3; 8 `port` above 1; 6 for a board that
+    /// announces
+    ///   one more part after 257 without a byte; the exchange's own.
     /// - On failure: with 30 or a wrong `slot` nothing is written. Otherwise the parts received before stay in
     ///   `message`, counted at `length` (0 with a wrong `port`), and `status` is that of the last of them.
     int ReceivePolledMessage(_usbSerialPort port, unsigned char slot, unsigned char *message, unsigned long *length,
@@ -880,7 +883,7 @@ public:
     /// - Result: `message` receives at most `capacity` bytes; `length`: their number; `status`: byte 0 of the last
     ///   answer. If a whole part's room is left, the message is complete; otherwise more of it may follow.
     /// - Errors: 30 `message`, `length` or `status` null; 8 `slot` above 3; 7 `capacity` below one part; 8 `port` above
-    ///   1; the exchange's own.
+    ///   1; 6 for a board that announces one more part after 257 without a byte; the exchange's own.
     /// - On failure: with 30, a wrong `slot` or 7 nothing is written. Otherwise the parts received before stay in
     ///   `message`, counted at `length` (0 with a wrong `port`), and `status` is that of the last of them.
     int ReceivePolledMessage(_usbSerialPort port, unsigned char slot, unsigned char *message, unsigned long *length,
