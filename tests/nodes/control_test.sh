@@ -79,15 +79,15 @@ scenario_mistake 1 "quote" 'serial 0 send "abc\n'
 check "a scenario that is not there" 2 "$("$sim" run --scenario "$folder/none" -- true 2>/dev/null; echo $?)"
 
 cat >"$folder/scenario" <<'SCENARIO'
-at 1s input 4 on      # behind the next one in time
+at 2.6s input 4 on      # behind the next one in time
 input 1 on
-at 0.4s --board 0 input 2 on
+at 1s --board 0 input 2 on
 serial 0 send "a # b\x00"
 SCENARIO
 check "a scenario keeps to its times" "1 1,2 1,2,4 6" \
     "$("$sim" run --board 0=R35,firmware=running --scenario "$folder/scenario" -- bash -c '
     of() { '"$sim"' ctl state --json | grep -o "\"$1\":[^]}]*" | tr -dc "0-9,\n" | head -1; }
-    first=$(of inputs); sleep 0.6; second=$(of inputs); sleep 0.6
+    first=$(of inputs); sleep 1.7; second=$(of inputs); sleep 1.7
     echo $first $second $(of inputs) $(of waiting | cut -d, -f1)')"
 
 # Commands change what they say, seen by the program or in the state.
@@ -149,7 +149,9 @@ check "commands" 0 $?
 "$sim" run --board 0=R20 -- sleep 20 & second=$!
 eventually "$sim" ctl --run $first state >/dev/null 2>&1
 eventually "$sim" ctl --run $second state >/dev/null 2>&1
-contains "which run" "$first, $second" "$("$sim" ctl state 2>&1 | tr -d '\n')"
+for run in $first $second; do
+    contains "which run" "$run" "$("$sim" ctl state 2>&1)"
+done
 contains "the first run" R35 "$("$sim" ctl --run $first state)"
 contains "the second run" R20 "$("$sim" ctl --run $second state)"
 if [ "$(id -u)" -eq 0 ] && command -v setpriv >/dev/null; then
@@ -168,7 +170,7 @@ wait
 
 # Programs come and go while the boards stay.
 "$sim" serve --board 0=R35,firmware=running >"$folder/served" &
-eventually grep -q "sorvane-sim enter" "$folder/served"
+eventually grep -qs "sorvane-sim enter" "$folder/served"
 enter=("$sim" enter --run $!)
 check "one line says how to enter" 1 "$(wc -l <"$folder/served")"
 "$sim" ctl --run $! input 7 on

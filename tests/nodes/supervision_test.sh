@@ -51,7 +51,7 @@ COUNTER
 signals() { # HOW NUMBER_OF_LINES: sends by `HOW pid` to a run that is its group's leader
     setsid "${run[@]}" -- perl "$folder/counter" >"$folder/out" &
     local pid=$!
-    eventually grep -q ready "$folder/out"
+    eventually grep -qs ready "$folder/out"
     "$1" "$pid"
     wait "$pid" 2>/dev/null
     tail -n +2 "$folder/out" | sort | tr '\n' ' '
