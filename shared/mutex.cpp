@@ -57,7 +57,7 @@ bool LinuxMutex::Add(int value) const
 {
     if (semaphoreSetID == -1)
         return false;
-    sembuf operation = {static_cast<unsigned short>(mutexID.number + 1), static_cast<short>(value), SEM_UNDO};
+    sembuf operation = {static_cast<unsigned short>(mutexID.number + 1U), static_cast<short>(value), SEM_UNDO};
     return semaphoreOperation(semaphoreSetID, &operation, 1);
 }
 

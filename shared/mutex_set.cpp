@@ -105,9 +105,9 @@ LinuxMutexSet::~LinuxMutexSet()
 int LinuxMutexSet::Join(Missing missing)
 {
     registered = false;
-    const int semaphores = mutexID.count + 1;
-    if (semaphores <= firstMutex || semaphores > mostSemaphores)
+    if (mutexID.count < 1 || mutexID.count >= mostSemaphores || mutexID.number < 0 || mutexID.number >= mostSemaphores)
         return -1;
+    const int semaphores = mutexID.count + 1;
     const key_t key = keyOf("/tmp/Sem_", mutexID.name, mutexID.number + 1);
     if (key == -1)
         return -1;
