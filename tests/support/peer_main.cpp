@@ -23,11 +23,8 @@ struct StaticObject {
 
 R35_Implementation &board(int deviceNo)
 {
-    static std::map<int, R35_Implementation *> boards;
-    R35_Implementation *&found = boards[deviceNo];
-    if (!found)
-        found = new R35_Implementation(nullptr, -1, 2, deviceNo);
-    return *found;
+    static std::map<int, R35_Implementation> boards;
+    return boards.try_emplace(deviceNo, nullptr, -1, 2, deviceNo).first->second;
 }
 
 std::string hex(const unsigned char *bytes, unsigned int count)
