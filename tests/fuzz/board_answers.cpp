@@ -49,7 +49,7 @@ template <class... Parameter>
 Operation call(int (SorvaneUSB::*operation)(Parameter...), Sizes sizes = {1, 1, 1})
 {
     return [=](SorvaneUSB &board, Input &input) {
-        std::size_t next = 0;
+        [[maybe_unused]] std::size_t next = 0;
         std::tuple<Argument<Parameter>...> arguments{Argument<Parameter>(input, sizes, next)...};
         return std::apply([&](auto &...argument) { return (board.*operation)(argument.value...); }, arguments);
     };
@@ -125,6 +125,7 @@ int polled(SorvaneUSB &board, Input &input)
 {
     driver.truthful = true;
     driver.answersLeft = answersOfUnboundedReceive;
+    driver.bytesWithoutData = 2;
     Memory data(input, answersOfUnboundedReceive * whole);
     unsigned long length = 0;
     unsigned int status = 0;
@@ -387,12 +388,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     SorvaneUSB board;
     openBoard(board, static_cast<int>(input.upTo(15)));
     for (int calls = 0; calls < 20 && !input.ended(); ++calls) {
-        driver.truthful = false;
-        driver.answersLeft = ~0U;
         const int result = operations[input.take<std::uint8_t>() % operations.size()](board, input);
         require(result == 0 || result == 1, "an operation returns 0 or 1");
         driver.truthful = false;
         driver.answersLeft = ~0U;
+        driver.bytesWithoutData = 0;
         require(usbErrorText(board.GetLastError()) != nullptr, "every code has a text");
     }
     return 0;

@@ -40,7 +40,7 @@ struct Answer {
         std::memset(bytes, 1, sizeof bytes);
         if (driver.answersLeft == 0)
             length = 0;
-        else
+        else if (length > driver.bytesWithoutData)
             --driver.answersLeft;
         if (!endless)
             input.fill(bytes, length);

@@ -21,6 +21,8 @@ struct Driver {
     bool truthful = false;
     /// After so many answers of data none follows, where an operation would go on for ever otherwise.
     unsigned int answersLeft = ~0U;
+    /// Answers of no more bytes are not counted by it: they carry none of the data that is waited for.
+    unsigned int bytesWithoutData = 0;
     /// When the input has ended every answer has so many bytes, each 1: "more follows" for whoever asks for parts.
     unsigned int endlessBytes = 0;
 
