@@ -12,9 +12,7 @@ void tryScenario(const std::string &text)
 {
     std::istringstream lines(text);
     const sim::Scenario scenario = sim::Scenario::parse(lines, "scenario");
-    std::vector<sim::BoardOptions> options(3);
-    options[1] = {.deviceNo = 1, .model = sim::Model::R20s};
-    options[2] = {.deviceNo = 15, .model = sim::Model::R35};
+    const std::vector<sim::BoardOptions> options = sim::boardsFrom({"0=R20", "1=R20s", "15=R35"});
     scenario.check(options);
 
     sim::ManualClock clock;
