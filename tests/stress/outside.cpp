@@ -24,6 +24,11 @@ bool emulated()
 
 }  // namespace
 
+bool longRun()
+{
+    return std::getenv("SORVANE_STRESS_SECONDS") != nullptr;
+}
+
 Rounds::Rounds(const char *what, int few) : what(what), few(emulated() ? (few + 9) / 10 : few)
 {
     const char *asked = std::getenv("SORVANE_STRESS_SECONDS");
@@ -100,6 +105,12 @@ void removeEverything()
         ::semctl(report.setID, 0, IPC_RMID);
     if (report.segmentID != -1)
         ::shmctl(report.segmentID, IPC_RMID, nullptr);
+}
+
+int arenaMutexHolder()
+{
+    const int set = ::semget(::ftok("/tmp/Sem_R20Mutex", 1), 0, 0);
+    return set != -1 && ::semctl(set, 1, GETVAL) == 0 ? ::semctl(set, 1, GETPID) : 0;
 }
 
 void Stress::SetUp()

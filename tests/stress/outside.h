@@ -14,6 +14,9 @@ namespace stress
 
 using tests::Peer;
 
+/// Whether the tests were asked to take their time.
+bool longRun();
+
 /// How often a test repeats itself: a few rounds, or for as long as SORVANE_STRESS_SECONDS says. Prints its figure.
 class Rounds
 {
@@ -59,6 +62,8 @@ protected:
 };
 
 void removeEverything();
+/// The process that holds the arena's mutex; 0 when it is free.
+int arenaMutexHolder();
 
 }  // namespace stress
 

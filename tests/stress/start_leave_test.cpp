@@ -133,12 +133,12 @@ class StartAndLeave : public Stress
 
 TEST_F(StartAndLeave, ThirtyTwoAtOnceMakeOneArenaAndLeaveNothing)
 {
-    startTogether("32 at once", 32, 6, false);
+    startTogether("32 at once", 32, 4, false);
 }
 
 TEST_F(StartAndLeave, SomebodyJoinsWhileTheLastOneLeaves)
 {
-    churn("churn", 150, false);
+    churn("churn", 80, false);
 }
 
 #ifdef OTHER_WIDTH_WORKER
@@ -187,7 +187,7 @@ TEST_F(StartAndLeave, ProcessesKilledAtRandomMomentsHoldNobodyUp)
     for (std::size_t k = 0; k < 4; ++k)
         drivers.push_back(driving(k));
     int driversKilled = 0, startersKilled = 0;
-    for (Rounds rounds("random kills, one of a driver and one of a starting process each", 150); rounds.another();) {
+    for (Rounds rounds("random kills, one of a driver and one of a starting process each", 80); rounds.another();) {
         std::this_thread::sleep_for(std::chrono::microseconds(random() % 3000));
         const std::size_t k = random() % drivers.size();
         drivers[k]->kill();

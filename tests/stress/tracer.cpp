@@ -162,6 +162,16 @@ bool Traced::stepInstruction()
     return alive;
 }
 
+bool Traced::stepInstructions(std::size_t count)
+{
+    int status = 0;
+    for (; count > 0; --count)
+        if (::ptrace(PTRACE_SINGLESTEP, peer.id(), nullptr, nullptr) != 0 ||
+            ::waitpid(peer.id(), &status, 0) != peer.id() || !WIFSTOPPED(status))
+            return false;
+    return true;
+}
+
 void Traced::release()
 {
     if (alive)

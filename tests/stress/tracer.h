@@ -35,6 +35,8 @@ public:
     std::string where() const;
     /// One instruction. False when the next instruction is a system call, which is not made then.
     bool stepInstruction();
+    /// That many instructions at once, none of them a system call.
+    bool stepInstructions(std::size_t count);
     /// Lets it go on by itself.
     void release();
 
@@ -51,8 +53,8 @@ private:
     bool alive = true;
     bool atCall = false;
     bool before = false;
-    bool compat = false;  // a 32-bit process
-    unsigned long long number = 0;
+    bool compat = false;                // a 32-bit process
+    unsigned long long number = ~0ULL;  // none yet
     unsigned long long arguments[6] = {};
     unsigned long long instruction = 0;
 };
