@@ -68,6 +68,13 @@ bool lockAsLast(int id)
     return semaphoreOperation(id, operations, 4);
 }
 
+/// For the last process where the set is not its own to remove: leaves it as if others were still there.
+void unlockAndUnregister(int id)
+{
+    sembuf operations[] = {{registrations, -1, IPC_NOWAIT}, {firstMutex, +1, SEM_UNDO}};
+    semaphoreOperation(id, operations, 2);
+}
+
 /// Succeeds only while another process is registered.
 bool unregisterBesideOthers(int id)
 {
@@ -139,7 +146,8 @@ void LinuxMutexSet::Leave() const
 {
     for (int tries = 0; tries < mostTries; ++tries) {
         if (lockAsLast(semaphoreSetID)) {
-            ::semctl(semaphoreSetID, 0, IPC_RMID);
+            if (::semctl(semaphoreSetID, 0, IPC_RMID) == -1)
+                unlockAndUnregister(semaphoreSetID);
             return;
         }
         if (errno != EAGAIN)
