@@ -1,11 +1,9 @@
 // A process killed before and after each of its system calls, and between its instructions: alone, and beside one that
 // lives on.
 #include <algorithm>
-#include <ctime>
 #include <memory>
 #include <random>
 #include <sstream>
-#include <unistd.h>
 #include <vector>
 
 #include "tests/stress/outside.h"
@@ -157,7 +155,7 @@ std::size_t killAtEachCall(const Part &part, bool beside, std::initializer_list<
     expectCalls(calls, expected);
     // A short run takes some of them, other ones each time.
     const std::size_t step = longRun() ? 1 : 5;
-    const std::size_t first = static_cast<std::size_t>(::getpid()) % step;
+    const std::size_t first = std::random_device()() % step;
     for (std::size_t point = first; point < calls.size() && !testing::Test::HasFailure(); point += step) {
         Scene scene(part, beside);
         bool reached = true;
@@ -195,7 +193,7 @@ std::vector<std::size_t> instructionsOf(const Part &part, bool beside, int drain
 /// loops between them do the same all the time.
 std::vector<std::size_t> pointsIn(std::size_t stretch, std::size_t most)
 {
-    static std::minstd_rand random(static_cast<unsigned int>(::time(nullptr)));
+    static std::minstd_rand random(std::random_device{}());
     constexpr std::size_t part = 2000;
     const std::size_t covered = std::min(stretch, 2 * part);
     const std::size_t count = std::min(covered, most);
@@ -260,7 +258,7 @@ TEST_F(Killed, AtEachSystemCallOfEachLockedOperation)
 
 TEST_F(Killed, BetweenInstructionsOfLoading)
 {
-    const std::size_t most = longRun() ? 40 : 1;
+    const std::size_t most = longRun() ? 3 : 1;
     for (Rounds rounds("killed between instructions of load", 1); rounds.another();) {
         std::size_t kills = 0;
         for (bool beside : {false, true})
@@ -271,7 +269,7 @@ TEST_F(Killed, BetweenInstructionsOfLoading)
 
 TEST_F(Killed, BetweenInstructionsOfTheOperationsThatChangeTables)
 {
-    const std::size_t most = longRun() ? 1000 : 5;
+    const std::size_t most = longRun() ? 10 : 5;
     for (Rounds rounds("killed between instructions of operations", 1); rounds.another();) {
         std::size_t kills = 0;
         for (const char *operation : {"SetOutputBit", "SetOnPeriodOutputs", "ConfigureEEPROM"})
@@ -282,7 +280,7 @@ TEST_F(Killed, BetweenInstructionsOfTheOperationsThatChangeTables)
 
 TEST_F(Killed, BetweenInstructionsOfTakingAnItem)
 {
-    const std::size_t most = longRun() ? 1000 : 20;
+    const std::size_t most = longRun() ? 40 : 20;
     for (Rounds rounds("killed between instructions of taking an item", 1); rounds.another();) {
         std::size_t kills = 0;
         for (int drained : {1, wholeBatch})

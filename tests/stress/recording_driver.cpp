@@ -117,11 +117,11 @@ int ioctl(int descriptor, unsigned long request, ...) noexcept
     va_start(arguments, request);
     auto *transfer = va_arg(arguments, TransferRecord *);
     va_end(arguments);
+    const bool board = descriptor != -1 && descriptor == boardDescriptor;
+    if (board)
+        answer(*transfer);  // so that nothing but the library's own work follows the call
     const long result = ::syscall(SYS_ioctl, descriptor, request, transfer);
-    if (descriptor != boardDescriptor || descriptor == -1)
-        return static_cast<int>(result);
-    answer(*transfer);
-    return 0;
+    return board ? 0 : static_cast<int>(result);
 }
 
 FILE *fopen(const char *path, const char *mode)
