@@ -37,7 +37,10 @@ Rounds::Rounds(const char *what, int few) : what(what), few(emulated() ? (few + 
 
 Rounds::~Rounds()
 {
-    std::printf("    %s: %d rounds%s in %.1f s\n", what, done(), notes.c_str(), seconds());
+    std::printf("    %s: %d rounds", what, done());
+    for (const auto &[name, value] : notes)
+        std::printf(", %lu %s", value, name.c_str());
+    std::printf(" in %.1f s\n", seconds());
     std::fflush(stdout);
 }
 

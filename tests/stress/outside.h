@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <gtest/gtest.h>
+#include <map>
 #include <string>
 
 #include "shared/arena_report.h"
@@ -28,8 +29,8 @@ public:
 
     bool another();
     int done() const { return count - 1; }
-    /// One more number for the figure.
-    void note(const char *name, unsigned long value) { notes += ", " + std::to_string(value) + " " + name; }
+    /// Adds to a number of the figure.
+    void note(const std::string &name, unsigned long value) { notes[name] += value; }
 
 private:
     double seconds() const;
@@ -38,7 +39,7 @@ private:
     int few;
     double most;  // seconds; 0: a few rounds
     int count = 0;
-    std::string notes;
+    std::map<std::string, unsigned long> notes;
     std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
 };
 

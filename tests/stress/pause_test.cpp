@@ -114,7 +114,7 @@ protected:
             pauseAtEachPoint({""}, where, then, count);
             pauseAtEachPoint({"quit"}, where, then, count);
             rounds.note("points", count.points);
-            rounds.note("of them made the other wait", count.waited);
+            rounds.note("points that made the other wait", count.waited);
             EXPECT_GT(count.waited, 0u);
         }
     }
