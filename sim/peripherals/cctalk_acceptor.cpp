@@ -18,17 +18,17 @@ constexpr Nanoseconds longestPause = std::chrono::milliseconds(500);
 
 enum Header : unsigned char {
     Reset = 1,
-    BuildCode = 192,
+    RequestBuildCode = 192,
     RequestMasterInhibit = 227,
     ModifyMasterInhibit = 228,
     ReadCredit = 229,
     RequestInhibit = 230,
     ModifyInhibit = 231,
-    SoftwareRevision = 241,
-    SerialNumber = 242,
-    ProductCode = 244,
-    EquipmentCategory = 245,
-    ManufacturerId = 246,
+    RequestSoftwareRevision = 241,
+    RequestSerialNumber = 242,
+    RequestProductCode = 244,
+    RequestEquipmentCategory = 245,
+    RequestManufacturerId = 246,
     SimplePoll = 254
 };
 
@@ -81,16 +81,16 @@ std::optional<Bytes> CcTalkAcceptor::dataFor(unsigned char header, Payload data)
     switch (header) {
     case SimplePoll:
         return Bytes{};
-    case ManufacturerId:
+    case RequestManufacturerId:
         return text("SIM");
-    case EquipmentCategory:
+    case RequestEquipmentCategory:
         return text("Coin Acceptor");
-    case ProductCode:
+    case RequestProductCode:
         return text("VCA");
-    case SerialNumber:
+    case RequestSerialNumber:
         return Bytes{1, 0, 0};
-    case SoftwareRevision:
-    case BuildCode:
+    case RequestSoftwareRevision:
+    case RequestBuildCode:
         return text("1.0");
     case ReadCredit:
         return credit();

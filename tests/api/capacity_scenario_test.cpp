@@ -15,8 +15,6 @@ using namespace std::chrono_literals;
 
 constexpr unsigned char guard = 0xEE;
 constexpr unsigned long largestCapacity = ~0UL;
-const _usbSerialPort port2 = _usbSerialPort(2);
-
 sim::Bytes counting(std::size_t count)
 {
     sim::Bytes bytes(count);
@@ -47,7 +45,7 @@ sim::Bytes first(const sim::Bytes &bytes, std::size_t count)
     return {bytes.begin(), bytes.begin() + long(std::min(count, bytes.size()))};
 }
 
-class CapacityScenario : public testing::TestWithParam<sim::Model>
+class CapacityScenario : public BoardScenario
 {
 protected:
     void deliver(unsigned int port, const sim::Bytes &bytes)
@@ -57,9 +55,6 @@ protected:
     }
 
     const std::size_t largest = sim::largestAnswer(GetParam());
-    OpenBoard open{GetParam()};
-    SorvaneUSB &usb = open.usb;
-    sim::VirtualBoard &board = open.board;
 };
 
 INSTANTIATE_TEST_SUITE_P(Models, CapacityScenario, testing::ValuesIn(everyModel),

@@ -11,7 +11,7 @@ namespace
 
 using namespace std::chrono_literals;
 
-class CoinScenario : public testing::TestWithParam<sim::Model>
+class CoinScenario : public BoardScenario
 {
 protected:
     int counted(_usbInputBitId input)
@@ -50,10 +50,6 @@ protected:
         EXPECT_TRUE(usb.GetParallelHopperStatus(usbInput5, &status, &paid));
         return status;
     }
-
-    OpenBoard open{GetParam()};
-    SorvaneUSB &usb = open.usb;
-    sim::VirtualBoard &board = open.board;
 };
 
 using Paying = std::pair<bool, int>;

@@ -11,7 +11,7 @@ namespace
 
 using namespace std::chrono_literals;
 
-class LampScenario : public testing::TestWithParam<sim::Model>
+class LampScenario : public BoardScenario
 {
 protected:
     // The kept patterns belong to the device number, not to the board that was plugged for this test.
@@ -23,10 +23,6 @@ protected:
     }
 
     bool lit(unsigned int output) { return board.outputs().lit(output); }
-
-    OpenBoard open{GetParam()};
-    SorvaneUSB &usb = open.usb;
-    sim::VirtualBoard &board = open.board;
 };
 
 INSTANTIATE_TEST_SUITE_P(Models, LampScenario, testing::ValuesIn(everyModel),

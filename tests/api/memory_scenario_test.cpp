@@ -11,7 +11,7 @@ namespace
 
 using namespace std::chrono_literals;
 
-class MemoryScenario : public testing::TestWithParam<sim::Model>
+class MemoryScenario : public BoardScenario
 {
 protected:
     /// The bytes that were asked for and the one behind them, which is to stay EE.
@@ -31,10 +31,6 @@ protected:
         EXPECT_TRUE(usb.GetRecordingStatus(&state, &taken, &left));
         return std::to_string(state) + " " + std::to_string(taken) + " " + std::to_string(left);
     }
-
-    OpenBoard open{GetParam()};
-    SorvaneUSB &usb = open.usb;
-    sim::VirtualBoard &board = open.board;
 };
 
 INSTANTIATE_TEST_SUITE_P(Models, MemoryScenario, testing::ValuesIn(everyModel),

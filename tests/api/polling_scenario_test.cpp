@@ -14,7 +14,7 @@ namespace
 
 using namespace std::chrono_literals;
 
-class PollingScenario : public testing::TestWithParam<sim::Model>
+class PollingScenario : public BoardScenario
 {
 protected:
     void configure(_usbSerialPort port, unsigned int baud, _usbPortType type)
@@ -32,10 +32,6 @@ protected:
         EXPECT_TRUE(usb.ReceivePolledMessage(port, slot, bytes, &length, &status, sizeof bytes));
         return std::to_string(status) + ": " + hex(bytes, length);
     }
-
-    OpenBoard open{GetParam()};
-    SorvaneUSB &usb = open.usb;
-    sim::VirtualBoard &board = open.board;
 };
 
 INSTANTIATE_TEST_SUITE_P(Models, PollingScenario, testing::ValuesIn(everyModel),

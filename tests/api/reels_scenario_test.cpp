@@ -14,7 +14,7 @@ constexpr unsigned int synchronised = 0x01;
 constexpr unsigned int backward = 0x80;
 constexpr unsigned int untilStopped = 0xFFFF;
 
-class ReelScenario : public testing::TestWithParam<sim::Model>
+class ReelScenario : public BoardScenario
 {
 protected:
     ReelStatusEx status()
@@ -32,10 +32,6 @@ protected:
         EXPECT_EQ(all.third[reel], motion) << "motion of reel " << reel;
         EXPECT_EQ(all.fourth[reel], flags) << "flags of reel " << reel;
     }
-
-    OpenBoard open{GetParam()};
-    SorvaneUSB &usb = open.usb;
-    sim::VirtualBoard &board = open.board;
 };
 
 INSTANTIATE_TEST_SUITE_P(Models, ReelScenario, testing::ValuesIn(everyModel),

@@ -9,7 +9,7 @@ namespace
 
 using namespace std::chrono_literals;
 
-class SecurityScenario : public testing::TestWithParam<sim::Model>
+class SecurityScenario : public BoardScenario
 {
 protected:
     unsigned long clock()
@@ -38,10 +38,6 @@ protected:
         unsigned char value = 9;
         return (usb.*read)(&value) ? std::to_string(value) : "error " + std::to_string(usb.GetLastError());
     }
-
-    OpenBoard open{GetParam()};
-    SorvaneUSB &usb = open.usb;
-    sim::VirtualBoard &board = open.board;
 };
 
 INSTANTIATE_TEST_SUITE_P(Models, SecurityScenario, testing::ValuesIn(everyModel),

@@ -19,7 +19,7 @@ sim::Bytes counting(std::size_t count)
     return bytes;
 }
 
-class SerialScenario : public testing::TestWithParam<sim::Model>
+class SerialScenario : public BoardScenario
 {
 protected:
     void configure(_usbSerialPort port, _usbPortType type = usbPortType0)
@@ -39,10 +39,6 @@ protected:
         return on.exchanges().back().sent.at(0);
     }
     int nextId() { return nextId(usb, board); }
-
-    OpenBoard open{GetParam()};
-    SorvaneUSB &usb = open.usb;
-    sim::VirtualBoard &board = open.board;
 };
 
 INSTANTIATE_TEST_SUITE_P(Models, SerialScenario, testing::ValuesIn(everyModel),

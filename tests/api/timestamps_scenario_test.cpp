@@ -9,8 +9,6 @@ namespace tests
 namespace
 {
 
-const _usbSerialPort port2 = _usbSerialPort(2);
-
 /// What a call stored: "1 41 05" is received, data and timestamp; ".." was not written.
 std::string item(unsigned int received, const unsigned char *data, std::size_t dataBytes, unsigned char timestamp)
 {
@@ -46,16 +44,12 @@ void useUp(SorvaneUSB &usb)
         ;
 }
 
-class TimestampScenario : public testing::TestWithParam<sim::Model>
+class TimestampScenario : public BoardScenario
 {
 protected:
     TimestampScenario() { useUp(usb); }
 
     bool r20() const { return GetParam() == sim::Model::R20; }
-
-    OpenBoard open{GetParam()};
-    SorvaneUSB &usb = open.usb;
-    sim::VirtualBoard &board = open.board;
 };
 
 INSTANTIATE_TEST_SUITE_P(Models, TimestampScenario, testing::ValuesIn(everyModel),

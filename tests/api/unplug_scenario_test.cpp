@@ -7,7 +7,7 @@ namespace tests
 namespace
 {
 
-class UnplugScenario : public testing::TestWithParam<sim::Model>
+class UnplugScenario : public BoardScenario
 {
 protected:
     bool answers(SorvaneUSB &which)
@@ -27,10 +27,6 @@ protected:
             count += exchange.request == request ? 1 : 0;
         return count;
     }
-
-    OpenBoard open{GetParam()};
-    SorvaneUSB &usb = open.usb;
-    sim::VirtualBoard &board = open.board;
 };
 
 INSTANTIATE_TEST_SUITE_P(Models, UnplugScenario, testing::ValuesIn(everyModel),

@@ -9,8 +9,6 @@ namespace tests
 namespace
 {
 
-const _usbSerialPort port2 = _usbSerialPort(2);
-
 WireCase hostTimeout(const char *name, double seconds, const std::string &expected, unsigned char slot = 2)
 {
     return row(

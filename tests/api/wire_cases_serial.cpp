@@ -9,8 +9,6 @@ namespace tests
 namespace
 {
 
-const _usbSerialPort port2 = _usbSerialPort(2);
-
 WireCase config(unsigned int port, unsigned int baud, unsigned char options, unsigned char format, int type,
                 const std::string &expected)
 {

@@ -11,6 +11,9 @@
 namespace tests
 {
 
+/// No board has it.
+const _usbSerialPort port2 = _usbSerialPort(2);
+
 constexpr sim::Model everyModel[] = {sim::Model::R20, sim::Model::R20s, sim::Model::R35};
 
 /// The clock of all boards of this process; it stands still unless a test advances it.
@@ -48,6 +51,15 @@ struct OpenBoard {
 
     sim::VirtualBoard &board;
     SorvaneUSB usb;
+};
+
+/// The same story on every model.
+class BoardScenario : public testing::TestWithParam<sim::Model>
+{
+protected:
+    OpenBoard open{GetParam()};
+    SorvaneUSB &usb = open.usb;
+    sim::VirtualBoard &board = open.board;
 };
 
 }  // namespace tests
