@@ -25,8 +25,7 @@ const CallerPages::Page *CallerPages::page(std::uint64_t number)
         if (known.number == number)
             return &known;
     }
-    Page &fetched = pages_.emplace_back();
-    fetched.number = number;
+    Page &fetched = pages_.emplace_back(number);
     const iovec local{fetched.bytes.data(), pageSize};
     const iovec remote = at(number * pageSize, pageSize);
     if (::process_vm_readv(caller_, &local, 1, &remote, 1, 0) == static_cast<ssize_t>(pageSize))

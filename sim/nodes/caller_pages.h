@@ -28,6 +28,8 @@ private:
     static constexpr std::size_t pageSize = 4096;
 
     struct Page {
+        explicit Page(std::uint64_t pageNumber) : number(pageNumber) {}
+
         std::uint64_t number;
         std::array<unsigned char, pageSize> bytes;
     };
