@@ -56,7 +56,7 @@ void takeOwnMountNamespace()
     checked(::mount(nullptr, "/", nullptr, MS_SLAVE | MS_REC, nullptr), "keeping mounts private");
 }
 
-OwnedFd openNamespace(const std::string &path)
+OwnedFd openToRead(const std::string &path)
 {
     return OwnedFd(checked(::open(path.c_str(), O_RDONLY | O_CLOEXEC), "opening " + path));
 }
@@ -118,18 +118,21 @@ MountedDevices mountDevices(const std::vector<int> &deviceNos, const std::string
 
 void joinNamespacesOf(pid_t process)
 {
-    // Joining a mount namespace leaves the working directory behind.
+    // Joining a mount namespace leaves the working directory behind, and the root, which may be that of a chroot.
     std::array<char, PATH_MAX> directory{};
     if (!::getcwd(directory.data(), directory.size()))
         fail("naming the working directory");
+    const OwnedFd root = openToRead("/proc/" + std::to_string(process) + "/root");
     std::vector<std::pair<OwnedFd, int>> spaces;
     for (const auto &[name, flag] : {std::pair{"user", CLONE_NEWUSER}, {"ipc", CLONE_NEWIPC}, {"mnt", CLONE_NEWNS}}) {
-        OwnedFd space = openNamespace("/proc/" + std::to_string(process) + "/ns/" + name);
-        if (!isSameFile(space, openNamespace(std::string("/proc/self/ns/") + name)))
+        OwnedFd space = openToRead("/proc/" + std::to_string(process) + "/ns/" + name);
+        if (!isSameFile(space, openToRead(std::string("/proc/self/ns/") + name)))
             spaces.emplace_back(std::move(space), flag);
     }
     for (const auto &[space, flag] : spaces)
         checked(::setns(space.get(), flag), "joining the namespaces of the boards");
+    checked(::fchdir(root.get()), "going to the root of the boards");
+    checked(::chroot("."), "taking the root of the boards");
     checked(::chdir(directory.data()), "going back to the working directory");
     takeOwnMountNamespace();
 }
