@@ -5,6 +5,7 @@
 #include <sys/sem.h>
 
 #include "shared/mutex_set.h"
+#include "shared/thread_sanitizer.h"
 
 constinit Mutex *Mutex::MutexChain = nullptr;
 
@@ -63,16 +64,19 @@ bool LinuxMutex::Add(int value) const
 
 bool LinuxMutex::Lock()
 {
-    if (Add(-1))
-        return true;
-    if (semaphoreSetID == -1 || !setIsGone(errno))
-        return false;
-    LinuxMutexSet *set = LinuxMutexSet::SearchForMutexSet(mutexID);
-    semaphoreSetID = set ? set->Rejoin(semaphoreSetID) : -1;
-    return Add(-1);
+    bool locked = Add(-1);
+    if (!locked && semaphoreSetID != -1 && setIsGone(errno)) {
+        LinuxMutexSet *set = LinuxMutexSet::SearchForMutexSet(mutexID);
+        semaphoreSetID = set ? set->Rejoin(semaphoreSetID) : -1;
+        locked = Add(-1);
+    }
+    if (locked)
+        tellAcquired(this);
+    return locked;
 }
 
 bool LinuxMutex::UnLock()
 {
+    tellReleased(this);
     return Add(+1);
 }
