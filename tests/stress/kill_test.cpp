@@ -46,7 +46,7 @@ public:
         startNewTrace();
         sharedTrace().nextItem = firstItem;
         if (beside) {
-            survivor = std::make_unique<Peer>(STRESS_WORKER);
+            survivor = std::make_unique<Peer>(workerAround());
             EXPECT_EQ(askInTime(*survivor, "bit 0 1"), "1");
             askInTime(*survivor, "drain " + std::to_string(drained));
         }
@@ -75,7 +75,7 @@ public:
             if (part.line.find("9Bit") == std::string::npos)  // mixing both forms shifts the items by right
                 expectStream(*survivor);
         }
-        Peer newcomer(STRESS_WORKER, Peer::Start::held);
+        Peer newcomer(workerAround(), Peer::Start::held);
         newcomer.release();
         expectAtWork(newcomer, 3, patience);
         expectPattern(newcomer, survivor ? 0x0D : 0x08);

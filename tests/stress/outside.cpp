@@ -29,10 +29,26 @@ bool longRun()
     return std::getenv("SORVANE_STRESS_SECONDS") != nullptr;
 }
 
-Rounds::Rounds(const char *what, int few) : what(what), few(emulated() ? (few + 9) / 10 : few)
+const char *otherWidthWorker()
 {
-    const char *asked = std::getenv("SORVANE_STRESS_SECONDS");
-    most = asked ? std::atof(asked) : 0;
+#ifdef OTHER_WIDTH_WORKER
+    return OTHER_WIDTH_WORKER;
+#else
+    return STRESS_WORKER;
+#endif
+}
+
+const char *workerAround()
+{
+    static unsigned int asked = 0;
+    return ++asked % 4 == 0 ? otherWidthWorker() : STRESS_WORKER;
+}
+
+Rounds::Rounds(const char *what, int few, int atLeast) : what(what), fewest(longRun() ? atLeast : few)
+{
+    if (emulated())
+        fewest = (fewest + 9) / 10;
+    seconds = longRun() ? std::atof(std::getenv("SORVANE_STRESS_SECONDS")) : 0;
 }
 
 Rounds::~Rounds()
@@ -40,11 +56,11 @@ Rounds::~Rounds()
     std::printf("    %s: %d rounds", what, done());
     for (const auto &[name, value] : notes)
         std::printf(", %lu %s", value, name.c_str());
-    std::printf(" in %.1f s\n", seconds());
+    std::printf(" in %.1f s\n", passed());
     std::fflush(stdout);
 }
 
-double Rounds::seconds() const
+double Rounds::passed() const
 {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
@@ -52,7 +68,7 @@ double Rounds::seconds() const
 bool Rounds::another()
 {
     // One that has failed need not fail a thousand times more.
-    const bool goOn = !testing::Test::HasFailure() && (count < few || seconds() < most);
+    const bool goOn = !testing::Test::HasFailure() && (count < fewest || passed() < seconds);
     ++count;
     return goOn;
 }

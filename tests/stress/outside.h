@@ -18,11 +18,17 @@ using tests::Peer;
 /// Whether the tests were asked to take their time.
 bool longRun();
 
-/// How often a test repeats itself: a few rounds, or for as long as SORVANE_STRESS_SECONDS says. Prints its figure.
+/// The worker in the other width, where this machine makes both; its own otherwise.
+const char *otherWidthWorker();
+/// The worker for those around a process that is stopped or killed: one in four is of the other width.
+const char *workerAround();
+
+/// How often a test repeats itself: a few rounds, or for as long as SORVANE_STRESS_SECONDS says, but so many at least.
+/// Prints its figure.
 class Rounds
 {
 public:
-    Rounds(const char *what, int few);
+    Rounds(const char *what, int few, int atLeast = 1);
     ~Rounds();
     Rounds(const Rounds &) = delete;
     Rounds &operator=(const Rounds &) = delete;
@@ -33,11 +39,11 @@ public:
     void note(const std::string &name, unsigned long value) { notes[name] += value; }
 
 private:
-    double seconds() const;
+    double passed() const;
 
     const char *what;
-    int few;
-    double most;  // seconds; 0: a few rounds
+    int fewest;
+    double seconds;  // to go on for
     int count = 0;
     std::map<std::string, unsigned long> notes;
     std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();

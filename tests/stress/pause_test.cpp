@@ -28,7 +28,7 @@ void expectInOrder(Peer &other)
 /// The whole life of another process, as far as the stopped one allows; true when it had to wait.
 bool otherLife(Traced &stopped, const Part &part, Then then)
 {
-    Peer other(STRESS_WORKER, Peer::Start::held);
+    Peer other(workerAround(), Peer::Start::held);
     const bool waits = arenaMutexHolder() == stopped.peer.id();
     other.release();
     if (waits) {
@@ -94,7 +94,7 @@ void pauseAtEachPoint(const Part &part, Where where, Then then, Count &count)
         count.waited += otherLife(process, part, then);
         EXPECT_TRUE(then == Then::isKilled || (part.leaving() ? process.peer.wait() : process.peer.quit()));
         if (then == Then::isKilled) {  // the last to leave in order takes away what a killed one left
-            Peer last(STRESS_WORKER);
+            Peer last(workerAround());
             EXPECT_TRUE(last.quit());
         }
         expectOnlyRegistrationsLeft("all left", 0, then == Then::isKilled);

@@ -62,11 +62,7 @@ private:
 
 const char *programFor(std::size_t number)
 {
-#ifdef OTHER_WIDTH_WORKER
-    return number % 2 ? OTHER_WIDTH_WORKER : STRESS_WORKER;
-#else
-    return number % 2 ? STRESS_WORKER : STRESS_WORKER;
-#endif
+    return number % 2 ? otherWidthWorker() : STRESS_WORKER;
 }
 
 void leaveTogether(std::vector<Peer> &peers)
@@ -79,7 +75,7 @@ void leaveTogether(std::vector<Peer> &peers)
 
 void startTogether(const char *what, std::size_t together, int few, bool mixed)
 {
-    for (Rounds rounds(what, few); rounds.another();) {
+    for (Rounds rounds(what, few, mixed ? few : 500); rounds.another();) {
         Gate gate;
         for (std::size_t k = 0; k < together; ++k)
             gate.add(programFor(mixed ? k : 0));
@@ -103,7 +99,7 @@ void churn(const char *what, int few, bool mixed)
     expectAtWork(first, 0);
     std::vector<Peer> present;
     present.push_back(std::move(first));
-    for (Rounds rounds(what, few); rounds.another();) {
+    for (Rounds rounds(what, few, mixed ? few : 5000); rounds.another();) {
         Gate gate;
         const std::size_t joiners = 1 + random() % 2;
         for (std::size_t k = 0; k < joiners; ++k)
@@ -155,7 +151,7 @@ TEST_F(StartAndLeave, SomebodyOfEitherWidthJoinsWhileTheLastOneLeaves)
 
 TEST_F(StartAndLeave, ForkedChildrenLeaveTheirParentWhole)
 {
-    Peer parent(STRESS_WORKER), other(STRESS_WORKER);
+    Peer parent(STRESS_WORKER), other(otherWidthWorker());
     for (Rounds rounds("forked children", 10); rounds.another();) {
         for (const char *end : {"exit", "hurry", "crash"}) {
             const char *expected = end == std::string("crash") ? "killed" : "exited";
@@ -179,7 +175,7 @@ TEST_F(StartAndLeave, ProcessesKilledAtRandomMomentsHoldNobodyUp)
     std::minstd_rand random(7);
     Peer survivor(STRESS_WORKER);
     const auto driving = [](std::size_t k) {
-        auto peer = std::make_unique<Peer>(STRESS_WORKER);
+        auto peer = std::make_unique<Peer>(workerAround());
         peer->tell("hammer " + std::to_string(8 * k));
         return peer;
     };
@@ -187,14 +183,15 @@ TEST_F(StartAndLeave, ProcessesKilledAtRandomMomentsHoldNobodyUp)
     for (std::size_t k = 0; k < 4; ++k)
         drivers.push_back(driving(k));
     int driversKilled = 0, startersKilled = 0;
-    for (Rounds rounds("random kills, one of a driver and one of a starting process each", 80); rounds.another();) {
+    for (Rounds rounds("random kills, one of a driver and one of a starting process each", 80, 1000);
+         rounds.another();) {
         std::this_thread::sleep_for(std::chrono::microseconds(random() % 3000));
         const std::size_t k = random() % drivers.size();
         drivers[k]->kill();
         const int state = ++driversKilled % 2;
         EXPECT_EQ(askInTime(survivor, "bit 33 " + std::to_string(state), 1000), "1");
         EXPECT_EQ(askInTime(survivor, "on").substr(8), state ? "02" : "00");
-        Peer starting(STRESS_WORKER, Peer::Start::held);
+        Peer starting(workerAround(), Peer::Start::held);
         starting.release();
         std::this_thread::sleep_for(std::chrono::microseconds(random() % 4000));
         starting.kill();
