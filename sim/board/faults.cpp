@@ -69,6 +69,11 @@ std::optional<Fault> Faults::striking(unsigned char request, int pipe) const
     return std::nullopt;
 }
 
+void Faults::removeDelays()
+{
+    std::erase_if(queue_, [](const Fault &fault) { return fault.kind == Fault::Kind::Delay; });
+}
+
 void Faults::countDown(const std::deque<Fault>::iterator &fault)
 {
     if (fault->count && --*fault->count == 0)

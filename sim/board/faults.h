@@ -68,6 +68,8 @@ class Faults
 public:
     void add(Fault fault) { queue_.push_back(std::move(fault)); }
     void clear() { queue_.clear(); }
+    /// The exchanges take their usual time again; the other faults go on waiting.
+    void removeDelays();
     bool empty() const { return queue_.empty(); }
     std::size_t size() const { return queue_.size(); }
 

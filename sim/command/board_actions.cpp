@@ -193,12 +193,6 @@ Action plug(Arguments &)
     return quietly([](VirtualBoard &board) { board.plug(); });
 }
 
-bool isSlow(VirtualBoard &board)
-{
-    Faults copy = board.faults();
-    return copy.takeDelay(0, 0) != Nanoseconds::zero();
-}
-
 Action slow(Arguments &arguments)
 {
     const Nanoseconds delay = durationFrom(arguments.take());
@@ -206,8 +200,7 @@ Action slow(Arguments &arguments)
     if (arguments.takeIf("count"))
         count = arguments.number("a number of exchanges", 1, 1000000);
     return quietly([delay, count](VirtualBoard &board) {
-        if (isSlow(board))
-            board.faults().clear();
+        board.faults().removeDelays();
         if (delay == Nanoseconds::zero())
             return;
         Fault fault = Fault::slow(delay);
@@ -233,9 +226,7 @@ const ActionKind actionKinds[12] = {
      failNext},
     {"unplug", "unplug", "pulls the board off", unplug},
     {"plug", "plug", "plugs it in again", plug},
-    {"slow", "slow TIME [count N]",
-     "every exchange (or the next N) takes so much longer; another slow, or slow 0s, also ends what fail has left",
-     slow},
+    {"slow", "slow TIME [count N]", "every exchange (or the next N) takes so much longer; 0s ends it", slow},
 };
 
 bool Arguments::takeIf(const std::string &word)

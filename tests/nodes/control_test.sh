@@ -133,6 +133,10 @@ check "the SPI slave replies" "ok 0;ok 3 1 34 3;" "$(ask 0 "ask 94 7" "ask 96 7 
 check "outputs" "ok 0;ok 0;" "$(ask 0 "ask 77 1 13 0 0 0 0 0 0 0 0 0" "ask 83 1 9 0 0 0 0")"
 expect '[@$b{qw(outputs_on_period outputs_off_period)}]' "[[0,3],[0,2,3]]"
 expect '$b->{last_exchanges}[-1]{operation}' '"SetOnPeriodOutputs"'
+ctl --board 0 slow 5s
+ctl --board 0 fail status 0x1e request 75
+ctl --board 0 slow 0s
+check "the next exchange is quick and fails" "status 30;" "$(ask 0 "ask 75 1")"
 ctl --board 0 unplug
 expect '[@$b{qw(plugged outputs_on_period firmware_running)}]' "[false,[],false]"
 ctl --board 0 plug
