@@ -1,8 +1,6 @@
 // What an R20 does in its own way: what it lacks, its shorter pulse and hopper requests, its image and its flat SRAM.
-#include <algorithm>
-#include <cstring>
-
 #include "board/exchange.h"
+#include "board/flat_memory.h"
 #include "board/model_words.h"
 #include "board/r20_implementation.h"
 #include "board/transfer_range.h"
@@ -136,34 +134,12 @@ int R20Implementation::WriteSRAM(unsigned long address, unsigned char *data, uns
 {
     if (!checkRange(address, data, length))
         return 0;
-    const unsigned long largestChunk = speed == 2 ? 249 : 57;
-    for (unsigned long done = 0; done < length;) {
-        const unsigned long n = std::min(largestChunk, length - done);
-        const unsigned long place = address + done;
-        Payload<3 + 249> payload(n, low(place), high(place));
-        payload.append(data + done, n);
-        if (!TellWith(Request::WriteFlatSRAM, payload.bytes, payload.length))
-            return 0;
-        done += n;
-    }
-    return 1;
+    return writeFlatMemory(*this, Request::WriteFlatSRAM, speed == 2 ? 249 : 57, address, data, length);
 }
 
 int R20Implementation::ReadSRAM(unsigned long address, unsigned char *data, unsigned long length)
 {
     if (!checkRange(address, data, length))
         return 0;
-    for (unsigned long done = 0; done < length;) {
-        const unsigned long n = std::min(58UL, length - done);
-        const unsigned long place = address + done;
-        Response response;
-        if (!Ask(Request::ReadFlatSRAM, response, n, low(place), high(place)))
-            return 0;
-        if (response.count == 0)
-            return Fail(usbErrorTransfer);
-        const unsigned long received = fitting(response.count, length - done);
-        std::memcpy(data + done, response.bytes, received);
-        done += received;
-    }
-    return 1;
+    return readFlatMemory(*this, Request::ReadFlatSRAM, address, data, length);
 }

@@ -192,7 +192,6 @@ protected:
     int ReadClockValue(Request request, unsigned long *time);
 
 private:
-    int ReadEEPROMChunks(unsigned short address, unsigned char *data, unsigned int length);
     int SpinRamp(Request request, unsigned char reel, const usbRampTable &table);
     int GetFiveInputBytes(Request request, unsigned char *bytes);
     int NextTimestampedItem(_usbSerialPort port, unsigned int size, TimestampedItem &item);

@@ -1,16 +1,16 @@
 // The board's serial EEPROM. The firmware drives the chip; it must be told the chip's type first. The type of every
 // board stands in a table that all processes share, under a lock that is held for a whole transfer.
-#include <algorithm>
+#include <cstring>
+#include <initializer_list>
 
 #include "board/exchange.h"
+#include "board/flat_memory.h"
 #include "board/rbase_shared_implementation/shared_board_state.h"
 #include "board/transfer_range.h"
 
 namespace
 {
 
-constexpr unsigned int readChunk = 58;
-constexpr unsigned int writeChunk = 57;
 constexpr unsigned short lastReservedAddress = 7;
 
 /// The bytes that tell one place of the chip from another when its capacity is looked for.
@@ -45,29 +45,12 @@ int RBaseImplementation::ConfigureEEPROM(R20EEPROM *eeprom)
                 low(eeprom->maxAddress), eeprom->busAddress);
 }
 
-int RBaseImplementation::ReadEEPROMChunks(unsigned short address, unsigned char *data, unsigned int length)
-{
-    for (unsigned int done = 0; done < length;) {
-        const unsigned int n = std::min(readChunk, length - done);
-        const unsigned int place = address + done;
-        Response response;
-        if (!Ask(Request::ReadEEPROM, response, n, low(place), high(place)))
-            return 0;
-        if (response.count == 0)
-            return Fail(usbErrorTransfer);
-        const unsigned long received = fitting(response.count, length - done);
-        std::memcpy(data + done, response.bytes, received);
-        done += static_cast<unsigned int>(received);
-    }
-    return 1;
-}
-
 int RBaseImplementation::UncheckedReadEEPROM(unsigned short address, unsigned char *data, unsigned int length)
 {
     SharedObjectLock lock(SharedcurrentEEPROM);
     if (!data)
         return Fail(usbErrorNullPointer);
-    return ReadEEPROMChunks(address, data, length);
+    return readFlatMemory(*this, Request::ReadEEPROM, address, data, length);
 }
 
 int RBaseImplementation::ReadEEPROM(unsigned short address, unsigned char *data, unsigned int length)
@@ -77,7 +60,7 @@ int RBaseImplementation::ReadEEPROM(unsigned short address, unsigned char *data,
         return Fail(usbErrorParameter);
     if (!data)
         return Fail(usbErrorNullPointer);
-    return ReadEEPROMChunks(address, data, length);
+    return readFlatMemory(*this, Request::ReadEEPROM, address, data, length);
 }
 
 int RBaseImplementation::WriteEEPROM(unsigned short address, unsigned char *data, unsigned int length)
@@ -87,16 +70,7 @@ int RBaseImplementation::WriteEEPROM(unsigned short address, unsigned char *data
         return Fail(usbErrorParameter);
     if (!data)
         return Fail(usbErrorNullPointer);
-    for (unsigned int done = 0; done < length;) {
-        const unsigned int n = std::min(writeChunk, length - done);
-        const unsigned int place = address + done;
-        Payload<3 + writeChunk> payload(n, low(place), high(place));
-        payload.append(data + done, n);
-        if (!TellWith(Request::WriteEEPROM, payload.bytes, payload.length))
-            return 0;
-        done += n;
-    }
-    return 1;
+    return writeFlatMemory(*this, Request::WriteEEPROM, 57, address, data, length);
 }
 
 // A chip answers an address beyond its capacity with the data at that address modulo the capacity. So the first
