@@ -4,6 +4,7 @@
 #include "sim/nodes/failure.h"
 #include "sim/nodes/node.h"
 #include "sim/nodes/program.h"
+#include "tests/nodes/driver_call.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -21,23 +22,6 @@ constexpr int packetBoard = 0;
 constexpr int recordBoard = 1;
 constexpr int bareFile = 2;
 
-struct Packet {
-    std::uint32_t sendPipe, receivePipe, sendLength, receiveLength;
-    unsigned char data[512];
-};
-
-struct Record {
-    std::int32_t *status;
-    std::uint32_t pipeIndex;
-    const unsigned char *outData;
-    unsigned long outLength;
-    unsigned char *inData;
-    unsigned long *inLength;
-    unsigned char request;
-};
-
-constexpr unsigned long packetNumber = 0xc2108100;
-constexpr unsigned long recordNumber = 0x8400;
 constexpr unsigned char modifyOutputs = 77;
 constexpr unsigned long payloadLength = 10;
 

@@ -1,11 +1,13 @@
 // A program that talks to a device node with nothing but system calls, in this build's width. It reads orders from its
 // input, one a line, and answers each with a line:
-//   open N | close             the node /dev/Vexa_N, for all that follows
-//   ask REQUEST PIPE [BYTE...] one exchange in the open board's protocol: "ok COUNT BYTES", "status S" or an errno's
-//   name other                      the other protocol's request number unknown                    a request number of
-//   nobody's pointers                   every wrong pointer in turn: "refused", or what was let through product N |
-//   speed N        the attribute, or an errno's name flood COUNT INTERVAL       ModifyOutputs COUNT times with growing
-//   patterns under SIGALRM every so many microseconds
+//
+//   open N, close               the node /dev/Vexa_N, for all that follows
+//   ask REQUEST PIPE [BYTE...]  one exchange in the open board's protocol: "ok COUNT BYTES", "status S" or an error
+//   other                       the other protocol's request number
+//   unknown                     a request number of nobody's
+//   pointers                    every wrong pointer in turn: "refused", or what was let through
+//   product N, speed N          the attribute, or an error
+//   flood COUNT INTERVAL        ModifyOutputs COUNT times with growing patterns, under SIGALRM every INTERVAL us
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
@@ -23,26 +25,11 @@
 #include <unistd.h>
 #include <vector>
 
+#include "tests/nodes/driver_call.h"
+
 namespace
 {
 
-struct Packet {
-    std::uint32_t sendPipe, receivePipe, sendLength, receiveLength;
-    unsigned char data[512];
-};
-
-struct Record {
-    std::int32_t *status;
-    std::uint32_t pipeIndex;
-    const unsigned char *outData;
-    unsigned long outLength;
-    unsigned char *inData;
-    unsigned long *inLength;
-    unsigned char request;
-};
-
-constexpr unsigned long packetNumber = 0xc2108100;
-constexpr unsigned long recordNumber = 0x8400;
 using Bytes = std::vector<unsigned char>;
 
 int node = -1;
