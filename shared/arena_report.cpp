@@ -8,6 +8,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <set>
 #include <sstream>
 #include <sys/ipc.h>
@@ -16,54 +17,25 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "shared/arena_contents.h"
+
 namespace
 {
 
 constexpr const char *segmentKeyFile = "/tmp/R20SharedMemory";
 constexpr const char *setKeyFile = "/tmp/Sem_R20Mutex";
-constexpr std::size_t segmentBytes = 65536;
-constexpr std::size_t headerBytes = 128;
-constexpr std::size_t blockBytes = 124;
-constexpr std::uint32_t blocksInArena = 526;
 constexpr int semaphoreCount = 11;
-constexpr int devices = 16;
+constexpr int arenaMutex = 1;  // its semaphore
 
-struct Object {
-    const char *name;
-    std::uint32_t blocks;
+/// What was looked at is gone: it was removed meanwhile, and all that was seen is out of date.
+struct Gone {
 };
-constexpr Object objects[ArenaReport::objectCount] = {
-    {"OutOnCopies", 2}, {"OutOffCopies", 2}, {"R20EEPROMS", 3}, {"R20BUFFERS", 35}};
 
-using Bytes = std::vector<unsigned char>;
-using Lines = std::vector<std::string>;
-
-[[gnu::format(printf, 2, 3)]] void add(Lines &lines, const char *format, ...)
+int orGone(int result)
 {
-    char line[200];
-    va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(line, sizeof line, format, arguments);
-    va_end(arguments);
-    lines.emplace_back(line);
-}
-
-std::uint32_t u32(const Bytes &bytes, std::size_t place)
-{
-    std::uint32_t value;
-    std::memcpy(&value, bytes.data() + place, sizeof value);
-    return value;
-}
-
-unsigned int u16(const Bytes &bytes, std::size_t place)
-{
-    return bytes[place] | bytes[place + 1] << 8;
-}
-
-std::string nameAt(const Bytes &bytes, std::size_t place)
-{
-    const char *name = reinterpret_cast<const char *>(bytes.data() + place);
-    return std::string(name, ::strnlen(name, 50));
+    if (result == -1 && (errno == EIDRM || errno == EINVAL))
+        throw Gone{};
+    return result;
 }
 
 /// The key of an existing regular file; -1 without one.
@@ -77,162 +49,94 @@ key_t existingKey(const char *path, ArenaReport &report)
     return ::ftok(path, 1);
 }
 
-/// Holds the arena's mutex for a scope, if it comes free in time.
+/// Holds the arena's mutex for a scope, if it comes free in time: nobody joins, and the last one does not leave.
 class QuietArena
 {
 public:
     explicit QuietArena(int setID) : setID(setID)
     {
-        sembuf take = {1, -1, SEM_UNDO};
+        if (setID == -1 || ::semctl(setID, 0, GETVAL) <= 0)
+            return;  // nobody is registered
+        sembuf take = {arenaMutex, -1, SEM_UNDO};
         const timespec patience = {1, 0};
-        held = setID != -1 && ::semtimedop(setID, &take, 1, &patience) == 0;
+        int result;
+        do
+            result = orGone(::semtimedop(setID, &take, 1, &patience));
+        while (result == -1 && errno == EINTR);
+        held = result == 0;
+        late = result == -1;
     }
     ~QuietArena()
     {
-        sembuf give = {1, +1, SEM_UNDO};
-        if (held)
-            ::semop(setID, &give, 1);
+        sembuf give = {arenaMutex, +1, SEM_UNDO};
+        while (held && ::semop(setID, &give, 1) == -1 && errno == EINTR) {
+        }
     }
     QuietArena(const QuietArena &) = delete;
     QuietArena &operator=(const QuietArena &) = delete;
 
     bool isHeld() const { return held; }
+    bool isLate() const { return late; }
 
 private:
     int setID;
-    bool held;
+    bool held = false;
+    bool late = false;
 };
 
-Bytes copyOf(int segmentID)
+/// Whether whoever took a semaphore last has died with it: it did not change while that was looked up.
+bool diedWith(int setID, int semaphore)
 {
-    void *address = ::shmat(segmentID, nullptr, SHM_RDONLY);
-    if (address == reinterpret_cast<void *>(-1))
-        return {};
-    Bytes bytes(segmentBytes);
-    std::memcpy(bytes.data(), address, bytes.size());
-    ::shmdt(address);
-    return bytes;
+    const int last = ::semctl(setID, semaphore, GETPID);
+    return last > 0 && ::kill(last, 0) == -1 && errno == ESRCH && ::semctl(setID, semaphore, GETVAL) == 0 &&
+           ::semctl(setID, semaphore, GETPID) == last;
 }
 
-void lookAtSet(ArenaReport &report)
+void lookAtSet(ArenaReport &report, const QuietArena &quiet)
 {
     semid_ds status;
-    if (::semctl(report.setID, 0, IPC_STAT, &status) != 0 || status.sem_nsems != semaphoreCount) {
-        add(report.findings, "set %d cannot be read or has another number of semaphores", report.setID);
-        return;
-    }
+    if (orGone(::semctl(report.setID, 0, IPC_STAT, &status)) != 0 || status.sem_nsems != semaphoreCount)
+        return add(report.findings, "set %d cannot be read or has another number of semaphores", report.setID);
     unsigned short values[semaphoreCount];
-    if (::semctl(report.setID, 0, GETALL, values) != 0)
+    if (orGone(::semctl(report.setID, 0, GETALL, values)) != 0)
         return add(report.findings, "set %d: its values cannot be read", report.setID);
+    values[arenaMutex] = static_cast<unsigned short>(values[arenaMutex] + quiet.isHeld());
     report.registrations = values[0];
     unsigned int sum = values[0];
     for (int k = 1; k < semaphoreCount; ++k) {
         sum += values[k];
         if (values[k] > 1)
             add(report.findings, "mutex %d is %u: it can be held by several at once", k - 1, values[k]);
-        const int last = ::semctl(report.setID, k, GETPID);
-        if (values[k] == 0 && last > 0 && ::kill(last, 0) == -1 && errno == ESRCH)
-            add(report.findings, "mutex %d is held, but process %d, which took it, is gone", k - 1, last);
+        if (values[k] == 0 && values[0] > 0 && diedWith(report.setID, k))
+            add(report.findings, "mutex %d is held, but the process that took it is gone", k - 1);
     }
+    if (quiet.isLate())
+        add(report.findings, "the arena's mutex does not come free: process %d took it",
+            ::semctl(report.setID, arenaMutex, GETPID));
     if (sum == 0)
         add(report.remarks, "the set is not initialised: whoever made it died before");
     else if (values[0] == 0)
         add(report.remarks, "nobody is registered: the last one died before it removed the set");
 }
 
-void lookAtHeader(const Bytes &bytes, ArenaReport &report)
+void lookAtSegment(ArenaReport &report)
 {
-    const std::string name = nameAt(bytes, 0), mutex = nameAt(bytes, 56);
-    if (name != "R20SharedMemory" || u32(bytes, 52) != 0)
-        add(report.findings, "header: name \"%s\", id %u", name.c_str(), u32(bytes, 52));
-    if (mutex != "R20Mutex" || u32(bytes, 108) != 10 || u32(bytes, 112) != 0)
-        add(report.findings, "header: mutex \"%s\" number %u of %u", mutex.c_str(), u32(bytes, 112), u32(bytes, 108));
-    if (u32(bytes, 116) != segmentBytes || u32(bytes, 120) != 1 || u32(bytes, 124) != blocksInArena)
-        add(report.findings, "header: size %u, built %u times, %u blocks", u32(bytes, 116), u32(bytes, 120),
-            u32(bytes, 124));
-}
-
-void lookAtEEPROMs(const Bytes &bytes, std::size_t data, ArenaReport &report)
-{
-    for (int device = 0; device < devices; ++device) {
-        const std::size_t entry = data + 8 * static_cast<std::size_t>(device);
-        const unsigned int highest = u16(bytes, entry + 2);
-        if (bytes[entry + 6] > 1 || bytes[entry + 7] != 0)
-            add(report.findings, "EEPROM of device %d: flag %u, reserved byte %u", device, bytes[entry + 6],
-                bytes[entry + 7]);
-        else if (bytes[entry + 6] == 1 && (bytes[entry] == 0 || highest == 0))
-            add(report.findings, "EEPROM of device %d is marked as configured without a record", device);
-    }
-}
-
-void lookAtBuffers(const Bytes &bytes, std::size_t data, ArenaReport &report)
-{
-    for (int device = 0; device < devices; ++device) {
-        const std::size_t buffer = data + 260 * static_cast<std::size_t>(device);
-        const unsigned int count = u16(bytes, buffer), index = u16(bytes, buffer + 2);
-        if (count > 255 || index > count)
-            add(report.findings, "receive buffer of device %d: %u of %u bytes handed out", device, index, count);
-    }
-}
-
-void lookAtObject(const Bytes &bytes, std::size_t run, int object, ArenaReport &report)
-{
-    const char *name = objects[object].name;
-    if (report.useCounts[object] != 0)
-        return add(report.findings, "%s exists twice", name);
-    report.useCounts[object] = u32(bytes, run + 116);
-    if (u32(bytes, run + 120) != objects[object].blocks)
-        add(report.findings, "%s has %u blocks", name, u32(bytes, run + 120));
-    if (bytes[run + 56] != 0 || u32(bytes, run + 108) != 1 || u32(bytes, run + 112) != 0)
-        add(report.findings, "%s: its mutex ID is not the empty one", name);
-    if (object == 2)
-        lookAtEEPROMs(bytes, run + blockBytes, report);
-    if (object == 3)
-        lookAtBuffers(bytes, run + blockBytes, report);
-}
-
-void lookAtRun(const Bytes &bytes, std::size_t run, ArenaReport &report)
-{
-    const std::string name = nameAt(bytes, run);
-    const std::uint32_t useCount = u32(bytes, run + 116);
-    if (name.empty() && useCount != 0)
-        return add(report.remarks, "a run is used but has no name: whoever made it died before");
-    if (name.empty())
-        return;
-    if (useCount == 0)
-        return add(report.findings, "free run with the name \"%s\"", name.c_str());
-    for (int object = 0; object < ArenaReport::objectCount; ++object)
-        if (name == objects[object].name && u32(bytes, run + 52) == 0)
-            return lookAtObject(bytes, run, object, report);
-    add(report.findings, "unknown object \"%s\"", name.c_str());
-}
-
-void lookAtRuns(const Bytes &bytes, ArenaReport &report)
-{
-    std::uint32_t index = 0;
-    while (index < blocksInArena) {
-        const std::size_t run = headerBytes + blockBytes * index;
-        const std::uint32_t length = u32(bytes, run + 120);
-        if (length == 0 || length > blocksInArena - index)
-            return add(report.findings, "the run at block %u has a length of %u", index, length);
-        lookAtRun(bytes, run, report);
-        index += length;
-    }
-    // Every process uses the objects in this order; one that is killed meanwhile has used the first ones only.
-    for (int k = 1; k < ArenaReport::objectCount; ++k)
-        if (report.useCounts[k] > report.useCounts[k - 1])
-            add(report.findings, "%s has %u uses, %s only %u", objects[k].name, report.useCounts[k],
-                objects[k - 1].name, report.useCounts[k - 1]);
-}
-
-void lookAtSegment(const Bytes &bytes, ArenaReport &report)
-{
-    if (bytes.empty())
+    shmid_ds status;
+    if (orGone(::shmctl(report.segmentID, IPC_STAT, &status)) != 0)
+        return add(report.findings, "segment %d cannot be read", report.segmentID);
+    report.attachments = status.shm_nattch;
+    if (status.shm_segsz != segmentBytes)
+        return add(report.findings, "segment %d has %lu bytes", report.segmentID,
+                   static_cast<unsigned long>(status.shm_segsz));
+    void *address = ::shmat(report.segmentID, nullptr, SHM_RDONLY);
+    if (address == reinterpret_cast<void *>(-1)) {
+        orGone(-1);
         return add(report.findings, "segment %d cannot be attached", report.segmentID);
-    if (u32(bytes, 124) == 0)
-        return add(report.remarks, "the arena is not built: whoever made the segment died before");
-    lookAtHeader(bytes, report);
-    lookAtRuns(bytes, report);
+    }
+    std::vector<unsigned char> bytes(segmentBytes);
+    std::memcpy(bytes.data(), address, bytes.size());
+    ::shmdt(address);
+    lookAtContents(bytes, report);
 }
 
 bool isAttached(const std::filesystem::path &process, int segmentID)
@@ -245,10 +149,13 @@ bool isAttached(const std::filesystem::path &process, int segmentID)
     return false;
 }
 
-int parentOf(const std::filesystem::path &process)
+/// Nothing for a process that has ended.
+std::optional<int> parentOf(int process)
 {
     std::string line;
-    std::getline(std::ifstream(process / "stat"), line);
+    std::ifstream status("/proc/" + std::to_string(process) + "/stat");
+    if (!std::getline(status, line))
+        return std::nullopt;
     const std::size_t nameEnd = line.rfind(')');
     int parent = 0;
     char state;
@@ -269,16 +176,18 @@ void lookAtProcesses(ArenaReport &report)
     }
     report.attachedProcesses = static_cast<int>(attached.size());
     int owners = 0;
-    for (int process : attached)
-        owners += attached.count(parentOf("/proc/" + std::to_string(process))) == 0;
+    for (int process : attached) {
+        const std::optional<int> parent = parentOf(process);
+        owners += parent && attached.count(*parent) == 0;
+    }
     if (owners > report.registrations)
         add(report.findings, "%d processes are attached, but only %d registered", owners, report.registrations);
     if (owners < report.registrations)
         add(report.remarks, "%d registrations without an attached process", report.registrations - owners);
 }
 
-/// What carries the form of our keys and sizes, but not today's key: its key file was replaced.
-void lookForSecond(const char *table, const char *what, unsigned long size, int ownID, Lines &findings)
+/// What carries the form of our keys and sizes, but not today's key. It may be another program's.
+void lookForSecond(const char *table, const char *what, unsigned long size, key_t ownKey, ArenaReport &report)
 {
     std::ifstream list(table);
     std::string line;
@@ -288,13 +197,43 @@ void lookForSecond(const char *table, const char *what, unsigned long size, int 
         int id = 0;
         unsigned long mode = 0, found = 0;
         std::istringstream(line) >> key >> id >> mode >> found;
-        if (id != ownID && found == size && (static_cast<std::uint32_t>(key) >> 24) == 1)
-            add(findings, "%s %d has our form under another key (%08lx): a key file was replaced?", what, id,
-                static_cast<unsigned long>(static_cast<std::uint32_t>(key)));
+        const auto bits = static_cast<std::uint32_t>(key);
+        if (bits != static_cast<std::uint32_t>(ownKey) && found == size && bits >> 24 == 1)
+            add(report.remarks, "%s %d has our form under another key (%08lx): a key file may have been replaced", what,
+                id, static_cast<unsigned long>(bits));
     }
 }
 
+void look(ArenaReport &report)
+{
+    const key_t segmentKey = existingKey(segmentKeyFile, report), setKey = existingKey(setKeyFile, report);
+    report.setID = setKey == -1 ? -1 : ::semget(setKey, 0, 0);
+    const QuietArena quiet(report.setID);
+    report.segmentID = segmentKey == -1 ? -1 : ::shmget(segmentKey, 0, 0);
+    if (report.setID != -1)
+        lookAtSet(report, quiet);
+    if (report.segmentID != -1) {
+        lookAtSegment(report);
+        lookAtProcesses(report);
+    }
+    const bool registeredMeanwhile = !quiet.isHeld() && !quiet.isLate() && report.registrations > 0;
+    if (registeredMeanwhile || (setKey != -1 && ::semget(setKey, 0, 0) != report.setID))
+        throw Gone{};
+    lookForSecond("/proc/sysvipc/shm", "segment", segmentBytes, segmentKey, report);
+    lookForSecond("/proc/sysvipc/sem", "set", semaphoreCount, setKey, report);
+}
+
 }  // namespace
+
+void add(std::vector<std::string> &lines, const char *format, ...)
+{
+    char line[200];
+    va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(line, sizeof line, format, arguments);
+    va_end(arguments);
+    lines.emplace_back(line);
+}
 
 std::string ArenaReport::text() const
 {
@@ -306,28 +245,16 @@ std::string ArenaReport::text() const
 
 ArenaReport reportArena()
 {
-    ArenaReport report;
-    const key_t segmentKey = existingKey(segmentKeyFile, report), setKey = existingKey(setKeyFile, report);
-    report.segmentID = segmentKey == -1 ? -1 : ::shmget(segmentKey, 0, 0);
-    report.setID = setKey == -1 ? -1 : ::semget(setKey, 0, 0);
-    if (report.setID != -1)
-        lookAtSet(report);
-    shmid_ds status;
-    if (report.segmentID != -1 && ::shmctl(report.segmentID, IPC_STAT, &status) == 0) {
-        report.attachments = status.shm_nattch;
-        if (status.shm_segsz != segmentBytes) {
-            add(report.findings, "segment %d has %lu bytes", report.segmentID,
-                static_cast<unsigned long>(status.shm_segsz));
-        } else {
-            QuietArena quiet(report.setID);
-            if (report.registrations > 0 && !quiet.isHeld())
-                add(report.findings, "the arena's mutex does not come free: process %d took it",
-                    ::semctl(report.setID, 1, GETPID));
-            lookAtSegment(copyOf(report.segmentID), report);
+    constexpr int mostTries = 100;
+    for (int tries = 0; tries < mostTries; ++tries) {
+        try {
+            ArenaReport report;
+            look(report);
+            return report;
+        } catch (const Gone &) {
         }
-        lookAtProcesses(report);
     }
-    lookForSecond("/proc/sysvipc/shm", "segment", segmentBytes, report.segmentID, report.findings);
-    lookForSecond("/proc/sysvipc/sem", "set", semaphoreCount, report.setID, report.findings);
+    ArenaReport report;
+    add(report.findings, "the set or the segment was removed and made again under each of %d looks", mostTries);
     return report;
 }

@@ -44,11 +44,12 @@ SorvaneUSB &board()
     return usb;
 }
 
+/// Whether it has every shared object, and a set that its locks work on.
 bool attached()
 {
     for (const SharedMemoryObject *handle :
          {&SharedOutOnCopy, &SharedOutOffCopy, &SharedcurrentEEPROM, &SharedserialRxBuffer})
-        if (!handle->object || !handle->mutex)
+        if (!handle->object || !MutexGuard(handle->mutex).holds())
             return false;
     return true;
 }
