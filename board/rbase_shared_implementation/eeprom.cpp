@@ -7,6 +7,7 @@
 #include "board/flat_memory.h"
 #include "board/rbase_shared_implementation/shared_board_state.h"
 #include "board/transfer_range.h"
+#include "shared/store_order.h"
 
 namespace
 {
@@ -40,6 +41,7 @@ int RBaseImplementation::ConfigureEEPROM(R20EEPROM *eeprom)
         return Fail(usbErrorNullPointer);
     EEPROMEntry &entry = eepromEntry(GetDeviceNo());
     entry.eeprom = *eeprom;
+    storesBeforeAreDone();  // a mark without its record would outlive a process killed in between
     entry.configured = 1;
     return Tell(Request::ConfigureEEPROM, eeprom->pageSize, eeprom->addressBytes, high(eeprom->maxAddress),
                 low(eeprom->maxAddress), eeprom->busAddress);
