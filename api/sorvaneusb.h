@@ -95,7 +95,8 @@
 ///   memory. Call `CheckEEPROM`, then `ConfigureEEPROM`. Configure inputs, reels and ports again as well, and switch
 ///   the outputs: the kept flash patterns still hold what was asked before.
 /// - An opening killed between the EEPROM's detection and its configuration leaves a wrong upper bound marked as
-///   configured, so that no later opening mends it; the same two calls do.
+///   configured, so that no later opening mends it; the same two calls do. An opening beside another program's first
+///   one does not wait for its detection either: let one program open the boards first.
 /// - A process stopped (SIGSTOP, a debugger) inside a locked operation, or a board that hangs in its driver during one,
 ///   holds up the same operations of all others, for all boards. A killed process gives its locks back.
 #ifndef SORVANEUSB_H
