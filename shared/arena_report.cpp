@@ -230,7 +230,7 @@ void add(std::vector<std::string> &lines, const char *format, ...)
     char line[200];
     va_list arguments;
     va_start(arguments, format);
-    std::vsnprintf(line, sizeof line, format, arguments);
+    std::vsnprintf(line, sizeof line, format, arguments);  // NOLINT(clang-analyzer-valist.Uninitialized): it is
     va_end(arguments);
     lines.emplace_back(line);
 }
