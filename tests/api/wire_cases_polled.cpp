@@ -11,8 +11,7 @@ namespace
 
 WireCase hostTimeout(const char *name, double seconds, const std::string &expected, unsigned char slot = 2)
 {
-    return row(
-        name, [=](SorvaneUSB &usb) { return usb.SetPolledHostTimeout(usbSerialPort1, slot, seconds); }, expected);
+    return call(name, expected, &U::SetPolledHostTimeout, usbSerialPort1, slot, seconds);
 }
 
 CCTalkConfig ccTalk()
@@ -34,31 +33,33 @@ CCTalkConfig ccTalk()
 
 const std::string ccTalkStart = "103/3 02 03 04 01 01 05 ";
 
-WireCase ccTalkRow(const char *name, const std::function<void(CCTalkConfig &)> &change, const std::string &expected,
+WireCase ccTalkRow(const char *name, const std::string &expected, const std::function<void(CCTalkConfig &)> &change,
                    _usbSerialPort port = usbSerialPort0, int timeAfter = 1234)
 {
-    return row(
-        name,
-        [=](SorvaneUSB &usb) {
-            CCTalkConfig c = ccTalk();
-            change(c);
-            const int result = usb.ConfigureCCTalkPort(port, &c);
-            EXPECT_EQ(c.timeMs, timeAfter);
-            return result;
-        },
-        expected);
+    return row(name, expected, [=](SorvaneUSB &usb) {
+        CCTalkConfig c = ccTalk();
+        change(c);
+        const int result = usb.ConfigureCCTalkPort(port, &c);
+        EXPECT_EQ(c.timeMs, timeAfter);
+        return result;
+    });
 }
 
-WireCase rs232Row(const char *name, const std::function<void(RS232PollConfig &)> &change, const std::string &expected)
+/// With a time of which the call may leave another.
+WireCase ccTalkTime(const char *name, const std::string &expected, int timeMs, int timeAfter,
+                    _usbSerialPort port = usbSerialPort0)
 {
-    return row(
-        name,
-        [=](SorvaneUSB &usb) {
-            RS232PollConfig c = {1, 2, 3, 0xC1, 100, 0xF7, 2, 3, 0x55, 0xD1, 0xE1, 0xF1, {9, 8, 1, 7}, {6, 5, 0}};
-            change(c);
-            return usb.ConfigureRS232Poll(usbSerialPort1, &c);
-        },
-        expected);
+    return ccTalkRow(
+        name, expected, [=](CCTalkConfig &c) { c.timeMs = timeMs; }, port, timeAfter);
+}
+
+WireCase rs232Row(const char *name, const std::string &expected, const std::function<void(RS232PollConfig &)> &change)
+{
+    return row(name, expected, [=](SorvaneUSB &usb) {
+        RS232PollConfig c = {1, 2, 3, 0xC1, 100, 0xF7, 2, 3, 0x55, 0xD1, 0xE1, 0xF1, {9, 8, 1, 7}, {6, 5, 0}};
+        change(c);
+        return usb.ConfigureRS232Poll(usbSerialPort1, &c);
+    });
 }
 
 }  // namespace
@@ -78,64 +79,36 @@ WireCases polledHostCases()
         hostTimeout("SetPolledHostTimeout(-1 s)", -1, "error 8"),
         hostTimeout("SetPolledHostTimeout(NaN)", NAN, "error 8"),
         hostTimeout("SetPolledHostTimeout(slot 4)", 1, "error 8", 4),
-        row(
-            "SetPolledHostTimeout(port 2)", [](auto &u) { return u.SetPolledHostTimeout(port2, 0, 1); }, "error 8"),
-        ccTalkRow(
-            "ConfigureCCTalkPort", [](auto &) {}, ccTalkStart + "7B " + twoPolls),
-        ccTalkRow(
-            "ConfigureCCTalkPort clamps 2555 ms", [](auto &c) { c.timeMs = 2555; }, ccTalkStart + "FF " + twoPolls,
-            usbSerialPort0, 2550)
-            .withBoard(),
-        ccTalkRow(
-            "ConfigureCCTalkPort sends negative times as they are", [](auto &c) { c.timeMs = -19; },
-            ccTalkStart + "FF " + twoPolls, usbSerialPort0, -19),
-        ccTalkRow(
-            "ConfigureCCTalkPort: a data length of 252 wraps to one byte",
-            [](auto &c) {
-                c.message1[1] = 252;
-                c.message2[1] = 251;
-            },
-            ccTalkStart + "7B E0 D0 F0 C0 01 00 02"),
-        ccTalkRow(
-            "ConfigureCCTalkPort: port 2 is noticed after the clamp", [](auto &c) { c.timeMs = 3000; }, "error 8",
-            port2, 2550)
-            .withBoard(),
-        ccTalkRow(
-            "ConfigureCCTalkPort: a message1 of 26 bytes", [](auto &c) { c.message1[1] = 21; }, "error 8"),
-        ccTalkRow(
-            "ConfigureCCTalkPort: a message2 of 26 bytes", [](auto &c) { c.message2[1] = 21; }, "error 8"),
-        ccTalkRow(
-            "ConfigureCCTalkPort: slot 4", [](auto &c) { c.slot = 4; }, "error 8"),
-        ccTalkRow(
-            "ConfigureCCTalkPort: optionA 4", [](auto &c) { c.optionA = 4; }, "error 8"),
-        ccTalkRow(
-            "ConfigureCCTalkPort: optionB 5", [](auto &c) { c.optionB = 5; }, "error 8"),
-        row(
-            "ConfigureCCTalkPort(null)", [](auto &u) { return u.ConfigureCCTalkPort(usbSerialPort0, nullptr); },
-            "error 30"),
-        rs232Row(
-            "ConfigureRS232Poll", [](auto &) {}, "103/4 01 02 03 F7 02 03 0A E1 D1 F1 C1 04 03 09 08 01 07 06 05 00"),
-        rs232Row(
-            "ConfigureRS232Poll: a length byte outside the message", [](auto &c) { c.lengthIndex = 25; }, "error 8"),
-        rs232Row(
-            "ConfigureRS232Poll: a message of 26 bytes", [](auto &c) { c.message1[2] = 23; }, "error 8"),
-        row(
-            "ConfigureRS232Poll(null)", [](auto &u) { return u.ConfigureRS232Poll(usbSerialPort0, nullptr); },
-            "error 30"),
-        row(
-            "EmptyPolledBuffer", [](auto &u) { return u.EmptyPolledBuffer(usbSerialPort0, 3); }, "104/3 03"),
-        row(
-            "EmptyPolledBuffer(slot 4)", [](auto &u) { return u.EmptyPolledBuffer(usbSerialPort0, 4); }, "error 8"),
-        row(
-            "EmptyPolledBuffer(port 2)", [](auto &u) { return u.EmptyPolledBuffer(port2, 0); }, "error 8"),
-        row(
-            "DeletePolledMessage", [](auto &u) { return u.DeletePolledMessage(usbSerialPort1, 1); }, "106/4 01"),
-        row(
-            "DeletePolledMessage(slot 4)", [](auto &u) { return u.DeletePolledMessage(usbSerialPort0, 4); }, "error 8"),
-        row(
-            "DeletePolledMessage(port 2)", [](auto &u) { return u.DeletePolledMessage(port2, 0); }, "error 8"),
-        row(
-            "ReceivePolledMessage joins the parts",
+        call("SetPolledHostTimeout(port 2)", "error 8", &U::SetPolledHostTimeout, port2, 0, 1),
+        ccTalkRow("ConfigureCCTalkPort", ccTalkStart + "7B " + twoPolls, [](auto &) {}),
+        ccTalkTime("ConfigureCCTalkPort clamps 2555 ms", ccTalkStart + "FF " + twoPolls, 2555, 2550).withBoard(),
+        ccTalkTime("ConfigureCCTalkPort sends negative times as they are", ccTalkStart + "FF " + twoPolls, -19, -19),
+        ccTalkRow("ConfigureCCTalkPort: a data length of 252 wraps to one byte",
+                  ccTalkStart + "7B E0 D0 F0 C0 01 00 02",
+                  [](auto &c) {
+                      c.message1[1] = 252;
+                      c.message2[1] = 251;
+                  }),
+        ccTalkTime("ConfigureCCTalkPort: port 2 is noticed after the clamp", "error 8", 3000, 2550, port2).withBoard(),
+        ccTalkRow("ConfigureCCTalkPort: a message1 of 26 bytes", "error 8", [](auto &c) { c.message1[1] = 21; }),
+        ccTalkRow("ConfigureCCTalkPort: a message2 of 26 bytes", "error 8", [](auto &c) { c.message2[1] = 21; }),
+        ccTalkRow("ConfigureCCTalkPort: slot 4", "error 8", [](auto &c) { c.slot = 4; }),
+        ccTalkRow("ConfigureCCTalkPort: optionA 4", "error 8", [](auto &c) { c.optionA = 4; }),
+        ccTalkRow("ConfigureCCTalkPort: optionB 5", "error 8", [](auto &c) { c.optionB = 5; }),
+        call("ConfigureCCTalkPort(null)", "error 30", &U::ConfigureCCTalkPort, usbSerialPort0, nullptr),
+        rs232Row("ConfigureRS232Poll", "103/4 01 02 03 F7 02 03 0A E1 D1 F1 C1 04 03 09 08 01 07 06 05 00",
+                 [](auto &) {}),
+        rs232Row("ConfigureRS232Poll: a length byte outside the message", "error 8",
+                 [](auto &c) { c.lengthIndex = 25; }),
+        rs232Row("ConfigureRS232Poll: a message of 26 bytes", "error 8", [](auto &c) { c.message1[2] = 23; }),
+        call("ConfigureRS232Poll(null)", "error 30", &U::ConfigureRS232Poll, usbSerialPort0, nullptr),
+        call("EmptyPolledBuffer", "104/3 03", &U::EmptyPolledBuffer, usbSerialPort0, 3),
+        call("EmptyPolledBuffer(slot 4)", "error 8", &U::EmptyPolledBuffer, usbSerialPort0, 4),
+        call("EmptyPolledBuffer(port 2)", "error 8", &U::EmptyPolledBuffer, port2, 0),
+        call("DeletePolledMessage", "106/4 01", &U::DeletePolledMessage, usbSerialPort1, 1),
+        call("DeletePolledMessage(slot 4)", "error 8", &U::DeletePolledMessage, usbSerialPort0, 4),
+        call("DeletePolledMessage(port 2)", "error 8", &U::DeletePolledMessage, port2, 0),
+        row("ReceivePolledMessage joins the parts", "105/3 01; 105/3 01",
             [](auto &u) {
                 unsigned char message[8] = {};
                 unsigned long length = 99;
@@ -145,12 +118,10 @@ WireCases polledHostCases()
                 EXPECT_EQ(length, result ? 3u : 0u);
                 EXPECT_EQ(status, result ? 6u : 99u);
                 return result;
-            },
-            "105/3 01; 105/3 01")
+            })
             .withBoard()
             .answered({{0, 1, 0x41, 0x42}, {6, 0, 0x43}}),
-        row(
-            "ReceivePolledMessage: slot 4",
+        row("ReceivePolledMessage: slot 4", "error 8",
             [](auto &u) {
                 unsigned char message[1];
                 unsigned long length = 99;
@@ -158,16 +129,13 @@ WireCases polledHostCases()
                 const int result = u.ReceivePolledMessage(usbSerialPort0, 4, message, &length, &status);
                 EXPECT_EQ(length, 99u);
                 return result;
-            },
-            "error 8"),
-        row(
-            "ReceivePolledMessage(null status): the pointers come first",
+            }),
+        row("ReceivePolledMessage(null status): the pointers come first", "error 30",
             [](auto &u) {
                 unsigned char message[1];
                 unsigned long length;
                 return u.ReceivePolledMessage(usbSerialPort0, 4, message, &length, nullptr);
-            },
-            "error 30"),
+            }),
     };
 }
 

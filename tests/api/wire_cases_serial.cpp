@@ -12,31 +12,19 @@ namespace
 WireCase config(unsigned int port, unsigned int baud, unsigned char options, unsigned char format, int type,
                 const std::string &expected)
 {
-    return row(
-        "SetConfig(port " + std::to_string(port) + ", " + std::to_string(baud) + " baud, options " +
-            std::to_string(options) + ", format " + std::to_string(format) + ", type " + std::to_string(type) + ")",
-        [=](SorvaneUSB &usb) {
-            _DCB settings = {baud, options, format};
-            return usb.SetConfig(_usbSerialPort(port), &settings, _usbPortType(type));
-        },
-        expected);
+    return call("SetConfig(port " + std::to_string(port) + ", " + std::to_string(baud) + " baud, options " +
+                    std::to_string(options) + ", format " + std::to_string(format) + ", type " + std::to_string(type) +
+                    ")",
+                expected, &U::SetConfig, port, std::vector{_DCB{baud, options, format}}, type);
 }
 
 WireCase timeout(const char *name, float seconds, const std::string &expected, unsigned char length = 2,
                  unsigned int port = 0)
 {
-    return row(
-        name,
-        [=](SorvaneUSB &usb) {
-            unsigned char message[60] = {0xAA, 0xBB};
-            return usb.SetTimeoutMessage(_usbSerialPort(port), message, length, seconds);
-        },
-        expected);
-}
-
-WireCase sas(std::string name, std::function<int(SorvaneUSB &)> call, const std::string &expected)
-{
-    return row(std::move(name), std::move(call), expected).onR20("error 25");
+    sim::Bytes message(60);
+    message[0] = 0xAA;
+    message[1] = 0xBB;
+    return call(name, expected, &U::SetTimeoutMessage, port, message, length, seconds);
 }
 
 WireCases configurationCases()
@@ -52,8 +40,7 @@ WireCases configurationCases()
         config(0, 9600, 0, 0, -1, "error 11"),
         config(2, 9600, 0, 0, 0, "error 11"),
         config(0, 9601, 0, 0, 0, "error 10"),
-        row(
-            "SetConfig(null)", [](auto &u) { return u.SetConfig(port2, nullptr, usbPortType0); }, "error 30"),
+        call("SetConfig(null)", "error 30", &U::SetConfig, port2, nullptr, usbPortType0),
     };
     const struct {
         unsigned int baud;
@@ -86,56 +73,22 @@ WireCases timeoutCases()
         timeout("SetTimeoutMessage: the length comes first", 99.0F, "error 7", 61),
         timeout("SetTimeoutMessage of no byte", 1.5F, "101/4 32 00", 0, 1),
         timeout("SetTimeoutMessage: port 2", 1.5F, "error 8", 2, 2),
-        row(
-            "SetTimeoutMessage(null) of no byte", [](auto &u) { return u.SetTimeoutMessage(port2, nullptr, 0, 1); },
-            "error 30"),
+        call("SetTimeoutMessage(null) of no byte", "error 30", &U::SetTimeoutMessage, port2, nullptr, 0, 1),
     };
 }
 
 WireCases dataCases()
 {
     return {
-        row(
-            "Send(port 1)",
-            [](auto &u) {
-                unsigned char data[] = {1, 2, 3};
-                return u.Send(usbSerialPort1, data, 3);
-            },
-            "98/4 01 02 03"),
-        row(
-            "Send of no byte looks at no port",
-            [](auto &u) {
-                unsigned char data[1] = {};
-                return u.Send(port2, data, 0);
-            },
-            ""),
-        row(
-            "Send(port 2)",
-            [](auto &u) {
-                unsigned char data[1] = {};
-                return u.Send(port2, data, 1);
-            },
-            "error 8"),
-        row(
-            "Send(null)", [](auto &u) { return u.Send(port2, nullptr, 0); }, "error 30"),
-        row(
-            "Send9BitData sends the high byte first",
-            [](auto &u) {
-                unsigned short words[] = {0x01A5, 0x0002};
-                return u.Send9BitData(usbSerialPort0, words, 2);
-            },
-            "98/3 01 A5 00 02"),
-        row(
-            "Send9BitData(port 2)",
-            [](auto &u) {
-                unsigned short words[] = {1};
-                return u.Send9BitData(port2, words, 1);
-            },
-            "error 8"),
-        row(
-            "Send9BitData(null)", [](auto &u) { return u.Send9BitData(usbSerialPort0, nullptr, 0); }, "error 30"),
-        row(
-            "Receive(port 1) asks until nothing comes",
+        call("Send(port 1)", "98/4 01 02 03", &U::Send, usbSerialPort1, sim::Bytes{1, 2, 3}, 3),
+        call("Send of no byte looks at no port", "", &U::Send, port2, anywhere, 0),
+        call("Send(port 2)", "error 8", &U::Send, port2, anywhere, 1),
+        call("Send(null)", "error 30", &U::Send, port2, nullptr, 0),
+        call("Send9BitData sends the high byte first", "98/3 01 A5 00 02", &U::Send9BitData, usbSerialPort0,
+             sim::Words{0x01A5, 0x0002}, 2),
+        call("Send9BitData(port 2)", "error 8", &U::Send9BitData, port2, anywhere, 1),
+        call("Send9BitData(null)", "error 30", &U::Send9BitData, usbSerialPort0, nullptr, 0),
+        row("Receive(port 1) asks until nothing comes", "99/4; 99/4; 99/4",
             [](auto &u) {
                 unsigned char data[8] = {};
                 unsigned long length = 99;
@@ -143,30 +96,21 @@ WireCases dataCases()
                 EXPECT_EQ(hex(data, 4), result ? "01 02 03 00" : "00 00 00 00");
                 EXPECT_EQ(length, result ? 3u : 0u);
                 return result;
-            },
-            "99/4; 99/4; 99/4")
+            })
             .withBoard()
             .answered({{1, 2}, {3}}),
-        row(
-            "Receive(port 2) has set the count",
+        row("Receive(port 2) has set the count", "error 8",
             [](auto &u) {
                 unsigned char data[1];
                 unsigned long length = 99;
                 const int result = u.Receive(port2, data, &length);
                 EXPECT_EQ(length, 0u);
                 return result;
-            },
-            "error 8")
+            })
             .withBoard(),
-        row(
-            "Receive(null data)",
-            [](auto &u) {
-                unsigned long length;
-                return u.Receive(usbSerialPort0, nullptr, &length);
-            },
-            "error 30"),
-        row(
-            "Receive9BitData drops an odd byte",
+        call<_usbSerialPort, unsigned char *, unsigned long *>("Receive(null data)", "error 30", &U::Receive,
+                                                               usbSerialPort0, nullptr, anywhere),
+        row("Receive9BitData drops an odd byte", "99/4; 99/4",
             [](auto &u) {
                 unsigned short words[4] = {};
                 unsigned long count = 99;
@@ -175,93 +119,38 @@ WireCases dataCases()
                 EXPECT_EQ(words[0], result ? 0x01A5 : 0);
                 EXPECT_EQ(words[1], result ? 0x0102 : 0);
                 return result;
-            },
-            "99/4; 99/4")
+            })
             .withBoard()
             .answered({{0x01, 0xA5, 0x01, 0x02, 0x77}}),
-        row(
-            "Receive9BitData(null count)",
-            [](auto &u) {
-                unsigned short words[1];
-                return u.Receive9BitData(usbSerialPort0, words, nullptr);
-            },
-            "error 30"),
-        row(
-            "GetParityErrors",
-            [](auto &u) {
-                unsigned short count = 9;
-                const int result = u.GetParityErrors(usbSerialPort0, &count);
-                EXPECT_EQ(count, result ? 258 : 9);
-                return result;
-            },
-            "100/3")
-            .answered({{1, 2}}),
-        row(
-            "GetParityErrors(port 2)",
-            [](auto &u) {
-                unsigned short count;
-                return u.GetParityErrors(port2, &count);
-            },
-            "error 8"),
-        row(
-            "GetParityErrors(null)", [](auto &u) { return u.GetParityErrors(port2, nullptr); }, "error 30"),
-        row(
-            "ReceiveByteWithTimestamp(null): the pointers come first",
-            [](auto &u) { return u.ReceiveByteWithTimestamp(port2, nullptr, nullptr, nullptr); }, "error 30"),
-        row(
-            "ReceiveByteWithTimestamp9BitData(null)",
-            [](auto &u) { return u.ReceiveByteWithTimestamp9BitData(port2, nullptr, nullptr, nullptr); }, "error 30"),
-        row(
-            "ReceiveByteWithTimestamp(port 2) with an empty buffer",
-            [](auto &u) {
-                unsigned char data, timestamp;
-                unsigned int received;
-                return u.ReceiveByteWithTimestamp(port2, &data, &timestamp, &received);
-            },
-            "error 8"),
+        call<_usbSerialPort, unsigned short *, unsigned long *>("Receive9BitData(null count)", "error 30",
+                                                                &U::Receive9BitData, usbSerialPort0, anywhere, nullptr),
+        call("GetParityErrors", "100/3", &U::GetParityErrors, usbSerialPort0, Result{258}).answered({{1, 2}}),
+        call("GetParityErrors(port 2)", "error 8", &U::GetParityErrors, port2, anywhere),
+        call("GetParityErrors(null)", "error 30", &U::GetParityErrors, port2, nullptr),
+        call("ReceiveByteWithTimestamp(null): the pointers come first", "error 30", &U::ReceiveByteWithTimestamp, port2,
+             nullptr, nullptr, nullptr),
+        call("ReceiveByteWithTimestamp9BitData(null)", "error 30", &U::ReceiveByteWithTimestamp9BitData, port2, nullptr,
+             nullptr, nullptr),
+        call("ReceiveByteWithTimestamp(port 2) with an empty buffer", "error 8", &U::ReceiveByteWithTimestamp, port2,
+             anywhere, anywhere, anywhere),
     };
 }
 
 WireCases sasCases()
 {
     return {
-        sas(
-            "SetSASMachineAddress(127)", [](auto &u) { return u.SetSASMachineAddress(usbSerialPort0, 127); },
-            "122/3 7F"),
-        sas(
-            "SetSASMachineAddress(128)", [](auto &u) { return u.SetSASMachineAddress(usbSerialPort0, 128); },
-            "error 8"),
-        sas(
-            "SetSASMachineAddress(port 2)", [](auto &u) { return u.SetSASMachineAddress(port2, 1); }, "error 8"),
-        sas(
-            "SetSASAutoReply", [](auto &u) { return u.SetSASAutoReply(usbSerialPort0, 0x1234, 9); }, "123/3 34 09"),
-        sas(
-            "SetSASAutoReply(port 2)", [](auto &u) { return u.SetSASAutoReply(port2, 0, 0); }, "error 8"),
-        sas(
-            "SetSASBusy(1, 1)", [](auto &u) { return u.SetSASBusy(usbSerialPort1, 1); }, "123/4 01 00"),
-        sas(
-            "SetSASBusy(port 2)", [](auto &u) { return u.SetSASBusy(port2, 1); }, "error 8"),
-        sas(
-            "GetSASMessageStatus(null)", [](auto &u) { return u.GetSASMessageStatus(port2, nullptr); }, "error 30"),
-        row(
-            "GetSASMessageStatus",
-            [](auto &u) {
-                unsigned int status = 9;
-                const int result = u.GetSASMessageStatus(usbSerialPort1, &status);
-                EXPECT_EQ(status, result ? 0x80u : 9u);
-                return result;
-            },
-            "124/4")
+        call("SetSASMachineAddress(127)", "122/3 7F", &U::SetSASMachineAddress, usbSerialPort0, 127).onR20("error 25"),
+        call("SetSASMachineAddress(128)", "error 8", &U::SetSASMachineAddress, usbSerialPort0, 128).onR20("error 25"),
+        call("SetSASMachineAddress(port 2)", "error 8", &U::SetSASMachineAddress, port2, 1).onR20("error 25"),
+        call("SetSASAutoReply", "123/3 34 09", &U::SetSASAutoReply, usbSerialPort0, 0x1234, 9).onR20("error 25"),
+        call("SetSASAutoReply(port 2)", "error 8", &U::SetSASAutoReply, port2, 0, 0).onR20("error 25"),
+        call("SetSASBusy(1, 1)", "123/4 01 00", &U::SetSASBusy, usbSerialPort1, 1).onR20("error 25"),
+        call("SetSASBusy(port 2)", "error 8", &U::SetSASBusy, port2, 1).onR20("error 25"),
+        call("GetSASMessageStatus(null)", "error 30", &U::GetSASMessageStatus, port2, nullptr).onR20("error 25"),
+        call("GetSASMessageStatus", "124/4", &U::GetSASMessageStatus, usbSerialPort1, Result{0x80})
             .answered({{0x80}})
             .onR20("error 25"),
-        row(
-            "GetSASMessageStatus(port 2)",
-            [](auto &u) {
-                unsigned int status;
-                return u.GetSASMessageStatus(port2, &status);
-            },
-            "error 8")
-            .onR20("error 25"),
+        call("GetSASMessageStatus(port 2)", "error 8", &U::GetSASMessageStatus, port2, anywhere).onR20("error 25"),
     };
 }
 

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -47,11 +48,63 @@ struct WireCase {
     }
 };
 
-inline WireCase row(std::string name, std::function<int(SorvaneUSB &)> call, const std::string &expected)
+inline WireCase row(std::string name, const std::string &expected, std::function<int(SorvaneUSB &)> call)
 {
     return {std::move(name), std::move(call), {expected, expected, expected}, {}, false};
 }
 
+/// Any place for data or results that nobody looks at.
+struct Anywhere {
+    template <class Data>
+    operator Data *() const
+    {
+        static Data somewhere[64];
+        return somewhere;
+    }
+};
+constexpr Anywhere anywhere;
+
+/// A result that is 9 before, and this after a call that succeeds.
+struct Result {
+    unsigned long value;
+};
+
+/// What is handed over for one parameter of a call, and what is looked at afterwards.
+template <class Parameter, class Argument>
+struct Passed {
+    Parameter get() { return static_cast<Parameter>(argument); }
+    void check(int) const {}
+    Argument argument;
+};
+template <class Data>
+struct Passed<Data *, Result> {
+    Data *get() { return &data; }
+    void check(int success) const { EXPECT_EQ(static_cast<unsigned long>(data), success ? expected.value : 9); }
+    Result expected;
+    Data data = Data(9);
+};
+template <class Data>
+struct Passed<Data *, std::vector<Data>> {
+    Data *get() { return data.data(); }
+    void check(int) const {}
+    std::vector<Data> data;
+};
+
+/// The row of a call that says all by its arguments; where an operation has several forms, call<Parameters...> picks
+/// one.
+template <class... Parameters, class... Arguments>
+WireCase call(std::string name, const std::string &expected, int (SorvaneUSB::*operation)(Parameters...),
+              Arguments... arguments)
+{
+    return row(std::move(name), expected, [=](SorvaneUSB &usb) {
+        std::tuple<Passed<Parameters, Arguments>...> all{Passed<Parameters, Arguments>{arguments}...};
+        const int success = std::apply([&](auto &...passed) { return (usb.*operation)(passed.get()...); }, all);
+        std::apply([&](auto &...passed) { (passed.check(success), ...); }, all);
+        return success;
+    });
+}
+
+using U = SorvaneUSB;
 using WireCases = std::vector<WireCase>;
 
 WireCases inputAndOutputCases();
