@@ -57,8 +57,7 @@ protected:
     const std::size_t largest = sim::largestAnswer(GetParam());
 };
 
-INSTANTIATE_TEST_SUITE_P(Models, CapacityScenario, testing::ValuesIn(everyModel),
-                         [](const auto &info) { return nameOf(info.param); });
+INSTANTIATE_TEST_SUITE_P(Models, CapacityScenario, testing::ValuesIn(everyModel), nameOfModel);
 
 struct OneAnswer {
     const char *name;

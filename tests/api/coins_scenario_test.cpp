@@ -54,8 +54,7 @@ protected:
 
 using Paying = std::pair<bool, int>;
 
-INSTANTIATE_TEST_SUITE_P(Models, CoinScenario, testing::ValuesIn(everyModel),
-                         [](const auto &info) { return nameOf(info.param); });
+INSTANTIATE_TEST_SUITE_P(Models, CoinScenario, testing::ValuesIn(everyModel), nameOfModel);
 
 TEST_P(CoinScenario, CoinsCountOnlyWhileTheCheckIsOnAndCreditIsTaken)
 {
@@ -72,6 +71,21 @@ TEST_P(CoinScenario, CoinsCountOnlyWhileTheCheckIsOnAndCreditIsTaken)
     EXPECT_EQ(counted(usbInput3), 4);
     EXPECT_TRUE(usb.ResetPulsedInputCounter(usbInput3));
     EXPECT_EQ(counted(usbInput3), 0);
+    EXPECT_TRUE(usb.DecrementPulsedInputCounter(usbInput3));
+    EXPECT_EQ(counted(usbInput3), 0) << "no credit below none";
+}
+
+TEST_P(CoinScenario, APulseThatIsActiveLowCountsAsItEndsAndTheCounterIsOneByte)
+{
+    EXPECT_TRUE(usb.ConfigurePulsedInput(usbInput3, 9, ActiveState(0)));
+    EXPECT_TRUE(usb.BeginPulsedInputCheck(usbInput3));
+    board.inputs().pulse(3, 5);
+    testClock().advance(60ms);
+    EXPECT_EQ(counted(usbInput3), 2);
+    testClock().advance(1s);
+    EXPECT_EQ(counted(usbInput3), 5);
+    insert(3, 253);
+    EXPECT_EQ(counted(usbInput3), 2);
 }
 
 TEST_P(CoinScenario, AHopperPaysWhatItIsAskedAlsoWhenTheBoardIsClosed)
@@ -81,6 +95,8 @@ TEST_P(CoinScenario, AHopperPaysWhatItIsAskedAlsoWhenTheBoardIsClosed)
     EXPECT_TRUE(usb.BeginPulsedInputCheck(usbInput5));
     EXPECT_TRUE(release(3));
     EXPECT_EQ(paying(), Paying(true, 0));
+    EXPECT_FALSE(release(1));
+    EXPECT_EQ(usb.GetLastError(), sim::statusBusy);
     testClock().advance(450ms);
     EXPECT_EQ(paying(), Paying(true, 2));
     usb.close();
@@ -115,6 +131,24 @@ TEST_P(CoinScenario, AJammedHopperGivesUpAndPaysTheRestWhenAskedAgain)
     EXPECT_TRUE(release(3));
     testClock().advance(10s);
     EXPECT_EQ(paying(), Paying(false, 3));
+}
+
+TEST_P(CoinScenario, AShortJamAndADriveThatIsCutHoldTheCoinsBack)
+{
+    board.hopper(5, 20);
+    EXPECT_TRUE(release(5));
+    testClock().advance(250ms);
+    board.hoppers().at(5).jam();
+    testClock().advance(1s);
+    EXPECT_EQ(paying(), Paying(true, 1));
+    EXPECT_TRUE(board.state().hoppers.at(0).jammed);
+    board.hoppers().at(5).jam(false);
+    testClock().advance(250ms);
+    EXPECT_EQ(paying(), Paying(true, 2));
+    EXPECT_TRUE(usb.SetOutputBit(usbOutput37, 0));
+    testClock().advance(3s);
+    EXPECT_EQ(paying(), Paying(false, 2));
+    EXPECT_EQ(board.hoppers().at(5).stock(), 18U);
 }
 
 TEST_P(CoinScenario, AReleaseIsStoppedWhereTheModelCan)

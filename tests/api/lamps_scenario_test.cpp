@@ -25,8 +25,7 @@ protected:
     bool lit(unsigned int output) { return board.outputs().lit(output); }
 };
 
-INSTANTIATE_TEST_SUITE_P(Models, LampScenario, testing::ValuesIn(everyModel),
-                         [](const auto &info) { return nameOf(info.param); });
+INSTANTIATE_TEST_SUITE_P(Models, LampScenario, testing::ValuesIn(everyModel), nameOfModel);
 
 TEST_P(LampScenario, ALampIsSteadilyLitUntilItIsSwitchedOff)
 {

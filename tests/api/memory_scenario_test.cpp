@@ -33,8 +33,7 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Models, MemoryScenario, testing::ValuesIn(everyModel),
-                         [](const auto &info) { return nameOf(info.param); });
+INSTANTIATE_TEST_SUITE_P(Models, MemoryScenario, testing::ValuesIn(everyModel), nameOfModel);
 
 TEST_P(MemoryScenario, AnSPISlaveEchoesWhileThePortIsOn)
 {
@@ -45,6 +44,9 @@ TEST_P(MemoryScenario, AnSPISlaveEchoesWhileThePortIsOn)
     sim::Bytes longest(20);
     std::iota(longest.begin(), longest.end(), static_cast<unsigned char>(1));
     EXPECT_EQ(transfer(longest, 160, 160), hex(longest.data(), 20) + " EE");
+    EXPECT_EQ(transfer({16, 32, 2, 1, 2, 54}, 48, 56), "10 20 02 01 02 36 00 EE") << "no SEC frame: a wrong checksum";
+    board.spi().reply({9});
+    EXPECT_EQ(transfer({0x12}, 8, 16), "09 00 EE");
     EXPECT_TRUE(usb.DisableSPI());
     EXPECT_EQ(transfer({0x12}, 8, 8), "FF EE");
 }
@@ -67,7 +69,10 @@ TEST_P(MemoryScenario, ARecordingLiesWhereItWasAskedForAndNowhereElse)
     if (GetParam() == sim::Model::R20)
         return;  // it has no recorder
     _usbInputBitId inputs[4] = {usbInput2, usbInputUnused, usbInput23, usbInputUnused};
-    for (const unsigned long address : {1UL, 0x3FFEUL, 0x12345UL, 0x2FFFAUL}) {
+    EXPECT_FALSE(usb.StartRecordingInputs(100));
+    EXPECT_EQ(usb.GetLastError(), sim::statusNotConfigured);
+    // The last one goes on behind the firmware's pages.
+    for (const unsigned long address : {1UL, 0x3FFEUL, 0x12345UL, 0x2FFFEUL}) {
         SCOPED_TRACE(address);
         unsigned char around[6] = {0xAA, 0xAA, 0xAA, 0xAA, 0xAA, 0xAA};
         EXPECT_TRUE(usb.WriteLargeSRAM(address - 1, around, 6));

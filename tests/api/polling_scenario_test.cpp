@@ -34,8 +34,7 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Models, PollingScenario, testing::ValuesIn(everyModel),
-                         [](const auto &info) { return nameOf(info.param); });
+INSTANTIATE_TEST_SUITE_P(Models, PollingScenario, testing::ValuesIn(everyModel), nameOfModel);
 
 class AcceptorScenario : public PollingScenario
 {
@@ -60,8 +59,7 @@ protected:
     sim::CcTalkAcceptor &acceptor() { return *board.serialPort(0).peripheralAs<sim::CcTalkAcceptor>(); }
 };
 
-INSTANTIATE_TEST_SUITE_P(Models, AcceptorScenario, testing::ValuesIn(everyModel),
-                         [](const auto &info) { return nameOf(info.param); });
+INSTANTIATE_TEST_SUITE_P(Models, AcceptorScenario, testing::ValuesIn(everyModel), nameOfModel);
 
 const char *const noCredit = "0: 01 0B 02 00 00 00 00 00 00 00 00 00 00 00 00 F2";
 const char *const coin4 = "0: 01 0B 02 00 01 04 01 00 00 00 00 00 00 00 00 EC";
@@ -81,6 +79,10 @@ TEST_P(AcceptorScenario, CoinsArriveAsTheBoardPolls)
     EXPECT_EQ(message(usbSerialPort0, 1), coin4);
     EXPECT_EQ(message(usbSerialPort0, 1), coin4Then7);
     EXPECT_EQ(message(usbSerialPort0, 1), "1: ");
+    unsigned char data[sim::serialBufferCapacity];
+    unsigned long length = 99;
+    EXPECT_TRUE(usb.Receive(usbSerialPort0, data, &length));
+    EXPECT_EQ(length, 0U) << "answers of a slot are no received bytes";
     testClock().advance(200ms);
     EXPECT_TRUE(board.insertCoin(5));
     testClock().advance(400ms);
@@ -167,8 +169,7 @@ protected:
     const sim::Words &heardByHost() { return board.serialPort(1).peripheralAs<sim::SASHost>()->answers(); }
 };
 
-INSTANTIATE_TEST_SUITE_P(Models, SASScenario, testing::Values(sim::Model::R20s, sim::Model::R35),
-                         [](const auto &info) { return nameOf(info.param); });
+INSTANTIATE_TEST_SUITE_P(Models, SASScenario, testing::Values(sim::Model::R20s, sim::Model::R35), nameOfModel);
 
 TEST_P(SASScenario, TheGameAnswersTheHostsPolls)
 {

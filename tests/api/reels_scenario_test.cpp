@@ -11,6 +11,7 @@ using namespace std::chrono_literals;
 
 enum Motion : unsigned int { Still, RampingUp, Running, RampingDown };
 constexpr unsigned int synchronised = 0x01;
+constexpr unsigned int atIndex = 0x02;
 constexpr unsigned int backward = 0x80;
 constexpr unsigned int untilStopped = 0xFFFF;
 
@@ -34,8 +35,7 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Models, ReelScenario, testing::ValuesIn(everyModel),
-                         [](const auto &info) { return nameOf(info.param); });
+INSTANTIATE_TEST_SUITE_P(Models, ReelScenario, testing::ValuesIn(everyModel), nameOfModel);
 
 TEST_P(ReelScenario, AReelRampsUpRunsRampsDownAndStandsAtItsCount)
 {
@@ -96,6 +96,31 @@ TEST_P(ReelScenario, ASynchronisedReelCountsFromItsIndex)
     testClock().advance(10s);
     EXPECT_EQ(status().first[2], board.reels().at(2).place());
     EXPECT_EQ(status().first[0], 500) << "it has no index to count from";
+}
+
+TEST_P(ReelScenario, AReelThatTurnsBackFindsItsIndexAndStopsOnIt)
+{
+    EXPECT_TRUE(usb.ConfigureReels(3, 48, 0));
+    EXPECT_TRUE(usb.ReelSynchroniseEnable(1));
+    EXPECT_TRUE(usb.SpinReels(0, 254, 0));
+    testClock().advance(sim::Nanoseconds(4ms) * 48 * 1000);
+    expectReel(0, 48 - 37, untilStopped, Running, synchronised | backward);
+    EXPECT_TRUE(usb.SpinReels(0, 0, 0));
+    expectReel(0, 48 - 37, 0, Still, synchronised);
+    EXPECT_TRUE(usb.SpinReels(0, 255, 37));
+    testClock().advance(1s);
+    expectReel(0, 0, 0, Still, synchronised | atIndex);
+}
+
+TEST_P(ReelScenario, AFewStepsUseTheEndOfTheRampOnly)
+{
+    EXPECT_TRUE(usb.SpinRampUp(0, {5, {9, 9, 9, 9, 9}}));
+    EXPECT_TRUE(usb.SpinRampDown(0, {5, {10, 20, 30, 40, 50}}));
+    EXPECT_TRUE(usb.SpinReels(0, 1, 3));
+    testClock().advance(9ms + 40ms);
+    expectReel(0, 2, 1, RampingDown);
+    testClock().advance(50ms);
+    expectReel(0, 3, 0, Still);
 }
 
 }  // namespace

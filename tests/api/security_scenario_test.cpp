@@ -40,8 +40,7 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Models, SecurityScenario, testing::ValuesIn(everyModel),
-                         [](const auto &info) { return nameOf(info.param); });
+INSTANTIATE_TEST_SUITE_P(Models, SecurityScenario, testing::ValuesIn(everyModel), nameOfModel);
 
 TEST_P(SecurityScenario, TheClockRunsFromWhatItWasSetTo)
 {
@@ -77,12 +76,28 @@ TEST_P(SecurityScenario, TheSwitchLogIsWalkedToItsEndAsOftenAsAsked)
     testClock().advance(10s);
     board.switches().open(7);
     board.switches().close(0);
+    board.switches().close(0);  // nothing new
     EXPECT_EQ(walk(), "1000/01 1010/81 1010/80 " + end);
     EXPECT_EQ(walk(), "1000/01 1010/81 1010/80 " + end);
     EXPECT_TRUE(usb.ClearSecuritySwitches());
     EXPECT_EQ(walk(), end);
     board.switches().open(1);
     EXPECT_EQ(walk(), "1010/82 " + end);
+}
+
+TEST_P(SecurityScenario, FlagsAreResetByBeingReadEachSetApart)
+{
+    board.switches().open(2);
+    board.switches().close(2);
+    board.switches().open(1);
+    for (const auto read :
+         {&SorvaneUSB::ReadAndResetSecuritySwitchFlags, &SorvaneUSB::CachedReadAndResetSecuritySwitchFlags}) {
+        unsigned char flags[2] = {};
+        for (const char *expected : {"06 04", "00 00"}) {
+            EXPECT_TRUE((usb.*read)(&flags[0], &flags[1]));
+            EXPECT_EQ(hex(flags, 2), expected);
+        }
+    }
 }
 
 TEST_P(SecurityScenario, RandomNumbersComeWhileTheGeneratorIsOn)

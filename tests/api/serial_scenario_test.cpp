@@ -41,8 +41,7 @@ protected:
     int nextId() { return nextId(usb, board); }
 };
 
-INSTANTIATE_TEST_SUITE_P(Models, SerialScenario, testing::ValuesIn(everyModel),
-                         [](const auto &info) { return nameOf(info.param); });
+INSTANTIATE_TEST_SUITE_P(Models, SerialScenario, testing::ValuesIn(everyModel), nameOfModel);
 
 std::vector<std::size_t> chunksOf(const sim::VirtualBoard &board)
 {
@@ -148,17 +147,30 @@ TEST_P(SerialScenario, ReceiveCollectsUntilTheBoardIsEmptyOrFails)
     }
 }
 
+TEST_P(SerialScenario, APortRunsAtTheBaudRateThatItWasGiven)
+{
+    for (const unsigned int baud :
+         {110U, 300U, 600U, 1200U, 2400U, 4800U, 9600U, 14400U, 19200U, 38400U, 57600U, 62500U}) {
+        _DCB settings = {baud, 0, 0};
+        for (const _usbSerialPort port : {usbSerialPort0, usbSerialPort1}) {
+            if (usb.SetConfig(port, &settings, usbPortType0)) {
+                EXPECT_EQ(board.serialPort(port).settings().baudRate, baud) << port;
+            }
+        }
+    }
+}
+
 TEST_P(SerialScenario, WordsWithWrongParityAreCountedAndReceived)
 {
-    board.serialPort(1).spoilParity(3);
-    board.serialPort(1).deliver(counting(20));
+    board.serialPort(1).spoilParity(300);
+    board.serialPort(1).deliver(counting(400));
     testClock().advance(1s);
     unsigned short errors[2] = {9, 9};
     EXPECT_TRUE(usb.GetParityErrors(usbSerialPort0, &errors[0]));
     EXPECT_TRUE(usb.GetParityErrors(usbSerialPort1, &errors[1]));
     EXPECT_EQ(errors[0], 0);
-    EXPECT_EQ(errors[1], 3);
-    EXPECT_EQ(board.serialPort(1).waiting(), 20U);
+    EXPECT_EQ(errors[1], 300);
+    EXPECT_EQ(board.serialPort(1).waiting(), 400U);
     configure(usbSerialPort1);
     EXPECT_TRUE(usb.GetParityErrors(usbSerialPort1, &errors[1]));
     EXPECT_EQ(errors[1], 0);

@@ -52,8 +52,7 @@ protected:
     bool r20() const { return GetParam() == sim::Model::R20; }
 };
 
-INSTANTIATE_TEST_SUITE_P(Models, TimestampScenario, testing::ValuesIn(everyModel),
-                         [](const auto &info) { return nameOf(info.param); });
+INSTANTIATE_TEST_SUITE_P(Models, TimestampScenario, testing::ValuesIn(everyModel), nameOfModel);
 
 TEST_P(TimestampScenario, ABatchIsHandedOutItemByItemAndThenTheNextIsFetched)
 {

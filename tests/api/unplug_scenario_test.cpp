@@ -29,8 +29,7 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Models, UnplugScenario, testing::ValuesIn(everyModel),
-                         [](const auto &info) { return nameOf(info.param); });
+INSTANTIATE_TEST_SUITE_P(Models, UnplugScenario, testing::ValuesIn(everyModel), nameOfModel);
 
 TEST_P(UnplugScenario, AnOperationInTheMiddleFailsAndSoDoesEverythingAfterIt)
 {

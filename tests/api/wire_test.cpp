@@ -87,8 +87,7 @@ TEST_P(Wire, SendsNothingWithoutABoard)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Models, Wire, testing::ValuesIn(everyModel),
-                         [](const auto &info) { return nameOf(info.param); });
+INSTANTIATE_TEST_SUITE_P(Models, Wire, testing::ValuesIn(everyModel), nameOfModel);
 
 /// The literal exchanges of the tests that carry data in chunks, which have files of their own.
 const char *const exchangesElsewhere[] = {

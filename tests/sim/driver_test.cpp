@@ -127,14 +127,6 @@ TEST_P(RecordTest, ARefusalIsASuccessfulCallWithAStatusWord)
     EXPECT_EQ(caller.get(0x1300, 1), Bytes{0xA5});
 }
 
-TEST_P(RecordTest, BytesForANullBufferAreDropped)
-{
-    RecordFields fields;
-    fields.inData = 0;
-    EXPECT_EQ(call(fields), 0);
-    EXPECT_EQ(caller.get(0x1400, 1), Bytes{5});
-}
-
 TEST_P(RecordTest, AWrongPointerChangesNothing)
 {
     const struct {
@@ -273,12 +265,6 @@ TEST_F(PacketTest, TheAnswerCarriesCodeStatusAndPayload)
     EXPECT_EQ(board.outputs().brightness(), 7U);
 }
 
-TEST_F(PacketTest, ARefusalIsTheSecondByte)
-{
-    EXPECT_EQ(send({124, 0}), 0);
-    EXPECT_EQ(received(2), (Bytes{2, 0, 0, 0, 124, statusUnknownRequest}));
-}
-
 TEST_F(PacketTest, WhatGoesWrongWithAPacket)
 {
     EXPECT_EQ(send({75}, 0), -EINVAL);
@@ -290,23 +276,6 @@ TEST_F(PacketTest, WhatGoesWrongWithAPacket)
     EXPECT_EQ(driverIoctl(board, 0xc2108100, 8, ownWidth, memory), -EFAULT);
     board.unplug();
     EXPECT_EQ(send({75}), -ENODEV);
-}
-
-TEST_F(PacketTest, LiesOfTheDriver)
-{
-    const struct {
-        Fault fault;
-        Bytes expected;
-    } cases[] = {
-        {Fault::packetCount(1), {1, 0, 0, 0, 75, 0}},   {Fault::longAnswer(63), {65, 0, 0, 0, 75, 0}},
-        {Fault::shortAnswer(3), {5, 0, 0, 0, 75, 0}},   {Fault::echo(76), {7, 0, 0, 0, 76, 0}},
-        {Fault::status(0x1FE), {2, 0, 0, 0, 75, 0xFE}}, {Fault::answer({9, 8}), {4, 0, 0, 0, 75, 0}},
-    };
-    for (const auto &each : cases) {
-        board.faults().add(each.fault);
-        EXPECT_EQ(send({75}), 0);
-        EXPECT_EQ(received(2), each.expected);
-    }
 }
 
 // The own process is reached through the kernel, so its own wrong pointers are noticed too.

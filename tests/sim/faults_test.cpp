@@ -62,13 +62,5 @@ TEST_F(FaultsTest, AnswersAreCutAndFilledUp)
     EXPECT_EQ(ask(75, 1).size(), 5U);
 }
 
-TEST_F(FaultsTest, ABoardIsPulledOffInTheMiddle)
-{
-    board.faults().add(Fault::unplug().skip(1));
-    ask(75, 1);
-    EXPECT_EQ(refusal(85, 1, {5}), -1);
-    EXPECT_FALSE(board.plugged());
-}
-
 }  // namespace
 }  // namespace sim

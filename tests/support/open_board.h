@@ -53,6 +53,11 @@ struct OpenBoard {
     SorvaneUSB usb;
 };
 
+inline std::string nameOfModel(const testing::TestParamInfo<sim::Model> &info)
+{
+    return nameOf(info.param);
+}
+
 /// The same story on every model.
 class BoardScenario : public testing::TestWithParam<sim::Model>
 {
