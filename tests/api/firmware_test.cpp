@@ -1,4 +1,4 @@
-// Loading a board's firmware, and the preparation that follows it.
+// Loading a board's firmware, and the preparation that follows it: which EEPROM is found, and its configuration.
 #include <fstream>
 #include <iterator>
 
@@ -111,6 +111,85 @@ TEST(Firmware, AFailedDownloadFailsTheOpeningAndTouchesNoEEPROM)
             EXPECT_EQ(sim::openDescriptors(14).size(), 1u) << "the board stays attached";
         }
     }
+}
+
+struct Chip {
+    const char *name;
+    const R20EEPROM *description;
+    const char *probes;  // addresses, as low and high byte, at which the sample is looked for
+};
+
+const Chip chips[] = {
+    {"24LC01", &E24LC01, "80 00"},
+    {"24LC02", &E24LC02, "80 00; 00 01"},
+    {"24LC04", &E24LC04, "80 00; 00 01; 00 02"},
+    {"24LC08", &E24LC08, "80 00; 00 01; 00 02; 00 04"},
+    {"24LC16", &E24LC16, "80 00; 00 01; 00 02; 00 04"},
+    {"24LC32", &E24LC32, "00 10"},
+    {"24LC64", &E24LC64, "00 10; 00 20"},
+    {"24LC128", &E24LC128, "00 10; 00 20; 00 40"},
+    {"24LC256", &E24LC256, "00 10; 00 20; 00 40; 00 80"},
+    {"24LC512", &E24LC512, "00 10; 00 20; 00 40; 00 80"},
+};
+
+std::string describe(const R20EEPROM &chip)
+{
+    return hex(reinterpret_cast<const unsigned char *>(&chip), sizeof chip);
+}
+
+/// The configurations, and the addresses of those first chunks (of 58 bytes) that read elsewhere than at 0.
+void readTrace(const sim::VirtualBoard &board, std::vector<std::string> &configurations, std::string &probes)
+{
+    for (const sim::Exchange &exchange : board.exchanges()) {
+        if (exchange.request == 3)
+            configurations.push_back(hex(exchange.sent.data(), exchange.sent.size()));
+        const bool firstChunk = exchange.request == 5 && exchange.sent[0] == 58;
+        if (firstChunk && (exchange.sent[1] != 0 || exchange.sent[2] != 0))
+            probes += (probes.empty() ? "" : "; ") + hex(exchange.sent.data() + 1, 2);
+    }
+}
+
+TEST(CheckEEPROM, FindsEveryChipOnEveryModel)
+{
+    for (Model model : everyModel) {
+        for (const Chip &chip : chips) {
+            SCOPED_TRACE(std::string(sim::nameOf(model)) + " with a " + chip.name);
+            OpenBoard open(model);
+            open.board.eeprom(*chip.description);
+            R20EEPROM found = {};
+            EXPECT_EQ(open.usb.CheckEEPROM(&found), 1);
+            EXPECT_EQ(describe(found), describe(*chip.description));
+            EXPECT_EQ(open.usb.GetLastError(), usbErrorNone) << "the first try leaves no error behind";
+            std::vector<std::string> configurations;
+            std::string probes;
+            readTrace(open.board, configurations, probes);
+            EXPECT_EQ(probes, chip.probes);
+            EXPECT_EQ(configurations.front(), "40 02 7F FF 51");
+            EXPECT_EQ(configurations.size(), chip.description->addressBytes == 1 ? 2u : 1u);
+            EXPECT_EQ(configurations.back(), chip.description->addressBytes == 1 ? "10 01 07 FF 50" : "40 02 7F FF 51");
+        }
+    }
+}
+
+TEST(CheckEEPROM, TakesABlankChipForTheSmallestOfItsFamily)
+{
+    for (const Chip &chip : chips) {
+        OpenBoard open(Model::R20s);
+        open.board.eeprom(*chip.description).eeprom().blank();
+        R20EEPROM found = {};
+        EXPECT_EQ(open.usb.CheckEEPROM(&found), 1);
+        EXPECT_EQ(describe(found), describe(chip.description->addressBytes == 1 ? E24LC01 : E24LC32));
+    }
+}
+
+TEST(CheckEEPROM, FailsWhereNoChipAnswers)
+{
+    OpenBoard open(Model::R35);
+    open.board.faults().add(Fault::status(70).on(5, 2).forever());
+    R20EEPROM found = E24LC08;
+    EXPECT_EQ(open.usb.CheckEEPROM(&found), 0);
+    EXPECT_EQ(open.usb.GetLastError(), 70);
+    EXPECT_EQ(describe(found), describe(E24LC08));
 }
 
 TEST(Preparation, ConfiguresTheEEPROMOfADeviceNumberOnce)

@@ -123,17 +123,6 @@ TEST(Transport, SendsAnR20PayloadOf511BytesAndNoMore)
     EXPECT_EQ(wire(open.board), "71/6 00 00 00") << "a payload that is not there is zeros";
 }
 
-TEST(Transport, LetsABoardVanishInTheMiddle)
-{
-    for (Model model : everyModel) {
-        OpenBoard open(model);
-        open.board.faults().add(Fault::unplug().skip(1));
-        EXPECT_TRUE(open.usb.SetOutputBit(usbOutput1, 1));
-        EXPECT_EQ(open.usb.SetOutputBit(usbOutput2, 1), 0);
-        EXPECT_EQ(open.usb.GetLastError(), usbErrorTransfer);
-    }
-}
-
 }  // namespace
 
 }  // namespace tests

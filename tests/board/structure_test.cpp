@@ -4,6 +4,7 @@
 #include <cstring>
 #include <gtest/gtest.h>
 #include <type_traits>
+#include <vector>
 
 #include "api/sorvaneusb.h"
 #include "board/r20_implementation.h"
@@ -62,123 +63,66 @@ std::size_t slotOf(Result (Class::*operation)(Args...))
     return (place - 1) / sizeof(void *);
 }
 
+/// Operations of which a class has several forms are named by their parameters.
+template <class... Parameters>
+auto form(int (RBaseImplementation::*operation)(Parameters...))
+{
+    return operation;
+}
+
+template <class... Operations>
+std::vector<std::size_t> slotsOf(Operations... operations)
+{
+    return {slotOf(operations)...};
+}
+
+void expectConsecutive(const std::vector<std::size_t> &slots, std::size_t first)
+{
+    for (std::size_t k = 0; k < slots.size(); ++k)
+        EXPECT_EQ(slots[k], first + k) << "operation " << first + k;
+}
+
 TEST(Structure, TheVirtualOperationsOfABoardStandInTheirOrder)
 {
     using B = RBaseImplementation;
     using Byte = unsigned char;
     using Long = unsigned long;
     using Port = _usbSerialPort;
-    const std::size_t slots[] = {
-        slotOf(&B::incrementReferenceCount),
-        slotOf(&B::decrementReferenceCount),
-        slotOf(&B::PerformUSBIO),
-        slotOf(&B::GetBoardType),
-        slotOf(&B::GetBoardSpeed),
-        slotOf(&B::ConfigurePulsedInput),
-        slotOf(&B::ConfigurePulsedInputEx),
-        slotOf(&B::ReleaseParallelHopperCoins),
-        slotOf(&B::ReleaseParallelHopperCoinsEx),
-        slotOf(&B::StopHopperCoinRelease),
-        slotOf(&B::GetInputBit),
-        slotOf<B, int, Byte *>(&B::GetInputs),
-        slotOf(&B::SetOutputBit),
-        slotOf(&B::SetOutputs),
-        slotOf<B, int, usbInput *>(&B::GetInputs),
-        slotOf(&B::InputMultiplexing),
-        slotOf(&B::GetMultiplexedInputs),
-        slotOf(&B::GetChangedInputs),
-        slotOf(&B::GetRawInputs),
-        slotOf(&B::ModifyOutputs),
-        slotOf(&B::SetOnPeriodOutputs),
-        slotOf(&B::SetOffPeriodOutputs),
-        slotOf(&B::SetOnPeriodOutputBit),
-        slotOf(&B::SetOffPeriodOutputBit),
-        slotOf(&B::SetOutputBrightness),
-        slotOf(&B::PulseOutput),
-        slotOf(&B::PulseOffOutput),
-        slotOf(&B::PulseOutputResult),
-        slotOf(&B::BeginPulsedInputCheck),
-        slotOf(&B::EndPulsedInputCheck),
-        slotOf(&B::ResetPulsedInputCounter),
-        slotOf(&B::DecrementPulsedInputCounter),
-        slotOf(&B::ReadPulsedInputCounter),
-        slotOf(&B::GetPulsedInputStatus),
-        slotOf(&B::GetParallelHopperStatus),
-        slotOf(&B::ConfigureReelsEx),
-        slotOf(&B::SpinReels),
-        slotOf(&B::SpinRampUp),
-        slotOf(&B::SpinRampDown),
-        slotOf(&B::SetDutyCycle),
-        slotOf(&B::GetReelStatus),
-        slotOf(&B::GetReelStatusEx),
-        slotOf(&B::ReelSynchroniseEnable),
-        slotOf(&B::ConfigureRecordingInputs),
-        slotOf(&B::StartRecordingInputs),
-        slotOf(&B::GetRecordingStatus),
-        slotOf<B, int, Byte *, Long, Byte *, Long *>(&B::ReadDiagnosticData),
-        slotOf(&B::WriteDiagnosticData),
-        slotOf(&B::Download8051Software),
-        slotOf(&B::WriteSRAM),
-        slotOf(&B::ReadSRAM),
-        slotOf(&B::ConfigureEEPROM),
-        slotOf(&B::CheckEEPROM),
-        slotOf(&B::ReadEEPROM),
-        slotOf(&B::WriteEEPROM),
-        slotOf<B, int, Byte *>(&B::GetPICVersion),
-        slotOf<B, int, Byte *>(&B::GetPICSerialNumber),
-        slotOf(&B::SetPICSerialNumber),
-        slotOf<B, int, Byte *, Byte *>(&B::GetDallasSerialNumber),
-        slotOf(&B::GetRandomNumber),
-        slotOf(&B::EnableRandomNumberGenerator),
-        slotOf(&B::DisableRandomNumberGenerator),
-        slotOf(&B::ReadAndResetRTCFailure),
-        slotOf(&B::ReadClockAtBatteryFailure),
-        slotOf(&B::SetClock),
-        slotOf(&B::GetClock),
-        slotOf(&B::NextSecuritySwitchRead),
-        slotOf(&B::StartSecuritySwitchRead),
-        slotOf(&B::ClearSecuritySwitches),
-        slotOf(&B::ReadAndResetSecuritySwitchFlags),
-        slotOf(&B::ReadAndResetBatteryFailFlag),
-        slotOf(&B::CachedReadAndResetSecuritySwitchFlags),
-        slotOf(&B::EnableSPI),
-        slotOf(&B::DisableSPI),
-        slotOf<B, int, Byte, Byte *, Byte, Byte, Byte *>(&B::SendSPI),
-        slotOf<B, int, Byte, Byte, Byte, Byte *, Byte, Byte, Byte *>(&B::SendSEC),
-        slotOf(&B::SetSASMachineAddress),
-        slotOf(&B::SetConfig),
-        slotOf(&B::SetSASAutoReply),
-        slotOf(&B::SetSASBusy),
-        slotOf(&B::GetSASMessageStatus),
-        slotOf(&B::Send),
-        slotOf<B, int, Port, Byte *, Long *>(&B::Receive),
-        slotOf(&B::ReceiveByteWithTimestamp),
-        slotOf(&B::Send9BitData),
-        slotOf<B, int, Port, unsigned short *, Long *>(&B::Receive9BitData),
-        slotOf(&B::ReceiveByteWithTimestamp9BitData),
-        slotOf(&B::SetTimeoutMessage),
-        slotOf(&B::GetParityErrors),
-        slotOf(&B::ConfigureCCTalkPort),
-        slotOf(&B::ConfigureRS232Poll),
-        slotOf(&B::SetPolledHostTimeout),
-        slotOf(&B::EmptyPolledBuffer),
-        slotOf<B, int, Port, Byte, Byte *, Long *, unsigned int *>(&B::ReceivePolledMessage),
-        slotOf(&B::DeletePolledMessage),
-    };
-    static_assert(std::size(slots) == 95);  // and the destructor before them
-    for (std::size_t k = 0; k < std::size(slots); ++k)
-        EXPECT_EQ(slots[k], k + 2) << "operation " << k + 2;
+    const std::vector<std::size_t> slots = slotsOf(
+        &B::incrementReferenceCount, &B::decrementReferenceCount, &B::PerformUSBIO, &B::GetBoardType, &B::GetBoardSpeed,
+        &B::ConfigurePulsedInput, &B::ConfigurePulsedInputEx, &B::ReleaseParallelHopperCoins,
+        &B::ReleaseParallelHopperCoinsEx, &B::StopHopperCoinRelease, &B::GetInputBit, form<Byte *>(&B::GetInputs),
+        &B::SetOutputBit, &B::SetOutputs, form<usbInput *>(&B::GetInputs), &B::InputMultiplexing,
+        &B::GetMultiplexedInputs, &B::GetChangedInputs, &B::GetRawInputs, &B::ModifyOutputs, &B::SetOnPeriodOutputs,
+        &B::SetOffPeriodOutputs, &B::SetOnPeriodOutputBit, &B::SetOffPeriodOutputBit, &B::SetOutputBrightness,
+        &B::PulseOutput, &B::PulseOffOutput, &B::PulseOutputResult, &B::BeginPulsedInputCheck, &B::EndPulsedInputCheck,
+        &B::ResetPulsedInputCounter, &B::DecrementPulsedInputCounter, &B::ReadPulsedInputCounter,
+        &B::GetPulsedInputStatus, &B::GetParallelHopperStatus, &B::ConfigureReelsEx, &B::SpinReels, &B::SpinRampUp,
+        &B::SpinRampDown, &B::SetDutyCycle, &B::GetReelStatus, &B::GetReelStatusEx, &B::ReelSynchroniseEnable,
+        &B::ConfigureRecordingInputs, &B::StartRecordingInputs, &B::GetRecordingStatus,
+        form<Byte *, Long, Byte *, Long *>(&B::ReadDiagnosticData), &B::WriteDiagnosticData, &B::Download8051Software,
+        &B::WriteSRAM, &B::ReadSRAM, &B::ConfigureEEPROM, &B::CheckEEPROM, &B::ReadEEPROM, &B::WriteEEPROM,
+        form<Byte *>(&B::GetPICVersion), form<Byte *>(&B::GetPICSerialNumber), &B::SetPICSerialNumber,
+        form<Byte *, Byte *>(&B::GetDallasSerialNumber), &B::GetRandomNumber, &B::EnableRandomNumberGenerator,
+        &B::DisableRandomNumberGenerator, &B::ReadAndResetRTCFailure, &B::ReadClockAtBatteryFailure, &B::SetClock,
+        &B::GetClock, &B::NextSecuritySwitchRead, &B::StartSecuritySwitchRead, &B::ClearSecuritySwitches,
+        &B::ReadAndResetSecuritySwitchFlags, &B::ReadAndResetBatteryFailFlag, &B::CachedReadAndResetSecuritySwitchFlags,
+        &B::EnableSPI, &B::DisableSPI, form<Byte, Byte *, Byte, Byte, Byte *>(&B::SendSPI),
+        form<Byte, Byte, Byte, Byte *, Byte, Byte, Byte *>(&B::SendSEC), &B::SetSASMachineAddress, &B::SetConfig,
+        &B::SetSASAutoReply, &B::SetSASBusy, &B::GetSASMessageStatus, &B::Send, form<Port, Byte *, Long *>(&B::Receive),
+        &B::ReceiveByteWithTimestamp, &B::Send9BitData, form<Port, unsigned short *, Long *>(&B::Receive9BitData),
+        &B::ReceiveByteWithTimestamp9BitData, &B::SetTimeoutMessage, &B::GetParityErrors, &B::ConfigureCCTalkPort,
+        &B::ConfigureRS232Poll, &B::SetPolledHostTimeout, &B::EmptyPolledBuffer,
+        form<Port, Byte, Byte *, Long *, unsigned int *>(&B::ReceivePolledMessage), &B::DeletePolledMessage);
+    EXPECT_EQ(slots.size(), 95u);
+    expectConsecutive(slots, 2);  // behind the destructor, which takes two
 }
 
 TEST(Structure, TheVirtualOperationsOfMutexAndSharedMemoryStandInTheirOrder)
 {
-    EXPECT_EQ(slotOf(&Mutex::Lock), 0u);
-    EXPECT_EQ(slotOf(&Mutex::UnLock), 1u);
+    expectConsecutive(slotsOf(&Mutex::Lock, &Mutex::UnLock), 0);
     using S = SharedMemory;
-    const std::size_t slots[] = {slotOf(&S::Create), slotOf(&S::Delete), slotOf(&S::GetSize),
-                                 slotOf(&S::Lock),   slotOf(&S::UnLock), slotOf(&S::MeFirst)};
-    for (std::size_t k = 0; k < std::size(slots); ++k)
-        EXPECT_EQ(slots[k], k + 2);
+    expectConsecutive(slotsOf(&S::Create, &S::Delete, &S::GetSize, &S::Lock, &S::UnLock, &S::MeFirst), 2);
 }
 
 TEST(Structure, TheHandlesOfTheSharedObjectsHaveTheirNames)
