@@ -1,114 +1,16 @@
-// Several processes and what they share. This program itself does not use the library: it looks at segment and
-// semaphores from outside and sends other processes in and out.
-#include <cstring>
+// How processes come, share and go. This program does not use the library: it looks at segment and semaphores from
+// outside and sends other processes in and out.
 #include <dlfcn.h>
-#include <fcntl.h>
-#include <fstream>
-#include <gtest/gtest.h>
-#include <sys/ipc.h>
-#include <sys/sem.h>
-#include <sys/shm.h>
 #include <sys/stat.h>
-#include <unistd.h>
 #include <vector>
 
-#include "tests/support/peer.h"
+#include "tests/shared/outside.h"
 
 namespace tests
 {
 
 namespace
 {
-
-constexpr const char *arenaKeyFile = "/tmp/R20SharedMemory";
-constexpr const char *setKeyFile = "/tmp/Sem_R20Mutex";
-
-int segment()
-{
-    const key_t key = ::ftok(arenaKeyFile, 1);
-    return key == -1 ? -1 : ::shmget(key, 0, 0);
-}
-
-int semaphores()
-{
-    const key_t key = ::ftok(setKeyFile, 1);
-    return key == -1 ? -1 : ::semget(key, 0, 0);
-}
-
-int valueOf(int semaphore)
-{
-    return ::semctl(semaphores(), semaphore, GETVAL);
-}
-
-void touch(const char *path)
-{
-    ::close(::open(path, O_RDWR | O_CREAT, 0666));
-}
-
-/// The segment's bytes as they are now.
-std::vector<unsigned char> arenaBytes()
-{
-    void *address = ::shmat(segment(), nullptr, SHM_RDONLY);
-    if (address == reinterpret_cast<void *>(-1))
-        return {};
-    std::vector<unsigned char> bytes(65536);
-    std::memcpy(bytes.data(), address, bytes.size());
-    ::shmdt(address);
-    return bytes;
-}
-
-unsigned int u32(const std::vector<unsigned char> &bytes, std::size_t place)
-{
-    unsigned int value;
-    std::memcpy(&value, bytes.data() + place, sizeof value);
-    return value;
-}
-
-std::string text(const std::vector<unsigned char> &bytes, std::size_t place)
-{
-    return reinterpret_cast<const char *>(bytes.data() + place);
-}
-
-struct Object {
-    const char *name;
-    std::size_t block;
-    unsigned int blocks;
-    std::size_t dataBytes;
-};
-constexpr Object objects[] = {
-    {"OutOnCopies", 0, 2, 80}, {"OutOffCopies", 2, 2, 80}, {"R20EEPROMS", 4, 3, 128}, {"R20BUFFERS", 7, 35, 4160}};
-
-std::size_t placeOf(const Object &object)
-{
-    return 128 + 124 * object.block;
-}
-
-class Processes : public testing::Test
-{
-protected:
-    void SetUp() override { expectNothingLeft(); }
-    void TearDown() override
-    {
-        if (semaphores() != -1)
-            ::semctl(semaphores(), 0, IPC_RMID);
-        if (segment() != -1)
-            ::shmctl(segment(), IPC_RMID, nullptr);
-    }
-
-    static void expectNothingLeft()
-    {
-        EXPECT_EQ(segment(), -1);
-        EXPECT_EQ(semaphores(), -1);
-    }
-
-    static void expectUseCounts(unsigned int count)
-    {
-        const auto bytes = arenaBytes();
-        ASSERT_EQ(bytes.size(), 65536u);
-        for (const Object &object : objects)
-            EXPECT_EQ(u32(bytes, placeOf(object) + 116), count) << object.name;
-    }
-};
 
 TEST_F(Processes, TheFirstLaysOutTheArenaByteForByte)
 {
@@ -121,31 +23,29 @@ TEST_F(Processes, TheFirstLaysOutTheArenaByteForByte)
     EXPECT_EQ(status.shm_perm.mode & 0777, 0666);
     EXPECT_EQ(status.shm_nattch, 1u);
 
-    const auto bytes = arenaBytes();
-    ASSERT_EQ(bytes.size(), 65536u);
-    EXPECT_EQ(text(bytes, 0), "R20SharedMemory");
-    EXPECT_EQ(u32(bytes, 52), 0u);
-    EXPECT_EQ(text(bytes, 56), "R20Mutex");
-    EXPECT_EQ(u32(bytes, 108), 10u);
-    EXPECT_EQ(u32(bytes, 112), 0u);
-    EXPECT_EQ(u32(bytes, 116), 65536u);
-    EXPECT_EQ(u32(bytes, 120), 1u);
-    EXPECT_EQ(u32(bytes, 124), 526u);
-    for (const Object &object : objects) {
-        const std::size_t run = placeOf(object);
-        EXPECT_EQ(text(bytes, run), object.name);
-        EXPECT_EQ(u32(bytes, run + 52), 0u);
-        EXPECT_EQ(text(bytes, run + 56), "");
-        EXPECT_EQ(u32(bytes, run + 108), 1u) << "count of the object's own mutex";
-        EXPECT_EQ(u32(bytes, run + 112), 0u);
-        EXPECT_EQ(u32(bytes, run + 116), 1u) << "use count";
-        EXPECT_EQ(u32(bytes, run + 120), object.blocks);
-        for (std::size_t k = 0; k < object.dataBytes; ++k)
-            ASSERT_EQ(bytes[run + 124 + k], 0);
+    {
+        const Attached arena;
+        EXPECT_EQ(arena.text(0), "R20SharedMemory");
+        EXPECT_EQ(arena.u32(52), 0u);
+        EXPECT_EQ(arena.text(56), "R20Mutex");
+        const unsigned int numbers[] = {10, 0, 65536, 1, 526};
+        EXPECT_EQ(std::memcmp(arena.bytes + 108, numbers, sizeof numbers), 0);
+        for (const Object &object : objects) {
+            const std::size_t run = object.place();
+            EXPECT_EQ(arena.text(run), object.name);
+            EXPECT_EQ(arena.u32(run + 52), 0u);
+            EXPECT_EQ(arena.text(run + 56), "");
+            EXPECT_EQ(arena.u32(run + 108), 1u) << "count of the object's own mutex";
+            EXPECT_EQ(arena.u32(run + 112), 0u);
+            EXPECT_EQ(arena.u32(run + 116), 1u) << "use count";
+            EXPECT_EQ(arena.u32(run + 120), object.blocks);
+            for (std::size_t k = 0; k < object.dataBytes; ++k)
+                ASSERT_EQ(arena.bytes[run + 124 + k], 0);
+        }
+        const std::size_t rest = 128 + 124 * 42;
+        EXPECT_EQ(arena.u32(rest + 116), 0u);
+        EXPECT_EQ(arena.u32(rest + 120), 526u - 42u);
     }
-    const std::size_t rest = 128 + 124 * 42;
-    EXPECT_EQ(u32(bytes, rest + 116), 0u);
-    EXPECT_EQ(u32(bytes, rest + 120), 526u - 42u);
 
     semid_ds set;
     ASSERT_EQ(::semctl(semaphores(), 0, IPC_STAT, &set), 0);
@@ -163,11 +63,11 @@ TEST_F(Processes, TheEntriesOfADeviceLieWhereTheTablesSay)
     Peer peer;
     peer.ask("output 3 12 1");
     peer.ask("configure 15");
-    const auto bytes = arenaBytes();
-    EXPECT_EQ(bytes[placeOf(objects[0]) + 124 + 3 * 5 + 1], 0x10);
-    EXPECT_EQ(bytes[placeOf(objects[1]) + 124 + 3 * 5 + 1], 0x10);
+    const Attached arena;
+    EXPECT_EQ(arena.bytes[objects[0].place() + 124 + 3 * 5 + 1], 0x10);
+    EXPECT_EQ(arena.bytes[objects[1].place() + 124 + 3 * 5 + 1], 0x10);
     const unsigned char chip[] = {32, 2, 0xFF, 0x1F, 0x51, 0, 1, 0};
-    EXPECT_EQ(std::memcmp(bytes.data() + placeOf(objects[2]) + 124 + 15 * 8, chip, sizeof chip), 0);
+    EXPECT_EQ(std::memcmp(arena.bytes + objects[2].place() + 124 + 15 * 8, chip, sizeof chip), 0);
 }
 
 TEST_F(Processes, TheSecondFindsWhatTheFirstMade)
@@ -177,8 +77,7 @@ TEST_F(Processes, TheSecondFindsWhatTheFirstMade)
     first.ask("output 2 0 1");
     {
         Peer second;
-        expectUseCounts(2);
-        EXPECT_EQ(valueOf(0), 2);
+        expectShared(2);
         EXPECT_EQ(second.ask("configured 3"), "1");
         EXPECT_EQ(second.ask("configured 4"), "0");
         EXPECT_EQ(second.ask("on 2"), "0100000000");
@@ -192,7 +91,7 @@ TEST_F(Processes, TheSecondFindsWhatTheFirstMade)
     expectNothingLeft();
     Peer next;
     EXPECT_EQ(next.ask("configured 3"), "0") << "a new arena starts from zeros";
-    expectUseCounts(1);
+    expectShared(1);
 }
 
 TEST_F(Processes, ALockIsWaitedForAndInheritedFromAKilledHolder)
@@ -220,10 +119,10 @@ TEST_F(Processes, ALockIsWaitedForAndInheritedFromAKilledHolder)
 
 TEST_F(Processes, StartTogetherAndShareOneOfEach)
 {
-    constexpr std::size_t together = 8;
+    constexpr int together = 8;
     for (int round = 0; round < 15; ++round) {
         std::vector<Peer> peers;
-        for (std::size_t k = 0; k < together; ++k)
+        for (int k = 0; k < together; ++k)
             peers.emplace_back(PEER_PROGRAM, Peer::Start::held);
         for (Peer &peer : peers)
             peer.release();
@@ -231,10 +130,9 @@ TEST_F(Processes, StartTogetherAndShareOneOfEach)
             peer.waitUntilReady();
             EXPECT_EQ(peer.ask("attached"), "yes");
         }
-        expectUseCounts(together);
-        EXPECT_EQ(valueOf(0), static_cast<int>(together));
-        for (std::size_t k = 0; k < together; ++k)
-            peers[k].tell("output 1 " + std::to_string(k) + " 1");
+        expectShared(together);
+        for (int k = 0; k < together; ++k)
+            peers[std::size_t(k)].tell("output 1 " + std::to_string(k) + " 1");
         for (Peer &peer : peers)
             peer.answer();
         EXPECT_EQ(peers[0].ask("on 1"), "FF00000000");
@@ -246,39 +144,12 @@ TEST_F(Processes, StartTogetherAndShareOneOfEach)
     }
 }
 
-TEST_F(Processes, StartWhileTheLastOneLeaves)
-{
-    Peer first;
-    std::vector<Peer> last;
-    last.push_back(std::move(first));
-    for (int round = 0; round < 60; ++round) {
-        Peer next(PEER_PROGRAM, Peer::Start::held);
-        if (round % 2) {
-            next.release();
-            last.back().leave();
-        } else {
-            last.back().leave();
-            next.release();
-        }
-        next.waitUntilReady();
-        EXPECT_TRUE(last.back().wait());
-        EXPECT_EQ(next.ask("attached"), "yes");
-        next.ask("output 1 7 1");
-        EXPECT_EQ(valueOf(0), 1);
-        EXPECT_NE(segment(), -1);
-        last.clear();
-        last.push_back(std::move(next));
-    }
-    EXPECT_TRUE(last.back().quit());
-    expectNothingLeft();
-}
-
 #ifdef OTHER_WIDTH_PEER
 TEST_F(Processes, Of32And64BitsShareOneArena)
 {
     Peer own;
     Peer other(OTHER_WIDTH_PEER);
-    expectUseCounts(2);
+    expectShared(2);
     other.ask("configure 9");
     EXPECT_EQ(own.ask("configured 9"), "1");
     own.ask("output 9 37 1");
@@ -293,96 +164,6 @@ TEST_F(Processes, Of32And64BitsShareOneArena)
     EXPECT_EQ(next.ask("attached"), "yes");
 }
 #endif
-
-TEST_F(Processes, AMakerThatDiedIsFollowedByWhoeverComesNext)
-{
-    touch(arenaKeyFile);
-    touch(setKeyFile);
-    // Nothing of a header, a part of one, and one that lacks only its last store.
-    for (std::size_t written : {0u, 7u, 60u, 116u, 124u}) {
-        const int set = ::semget(::ftok(setKeyFile, 1), 11, IPC_CREAT | 0666);
-        ASSERT_NE(set, -1);
-        const int id = ::shmget(::ftok(arenaKeyFile, 1), 65536, IPC_CREAT | 0666);
-        auto *arena = static_cast<unsigned char *>(::shmat(id, nullptr, 0));
-        unsigned char header[128] = {};
-        std::strcpy(reinterpret_cast<char *>(header), "R20SharedMemory");
-        std::strcpy(reinterpret_cast<char *>(header + 56), "R20Mutex");
-        header[108] = 10;
-        header[118] = 1;
-        header[120] = 1;
-        std::memcpy(arena, header, written);
-        ::shmdt(arena);
-        Peer peer;
-        EXPECT_EQ(peer.ask("attached"), "yes") << written;
-        expectUseCounts(1);
-        EXPECT_EQ(valueOf(0), 1);
-        EXPECT_TRUE(peer.quit());
-        expectNothingLeft();
-    }
-}
-
-TEST_F(Processes, ARunThatWasAllocatedButNeverNamedIsUsedAgain)
-{
-    Peer first;
-    auto *arena = static_cast<unsigned char *>(::shmat(segment(), nullptr, 0));
-    std::memset(arena + placeOf(objects[2]), 0, 50);  // as a maker leaves it that dies before the name
-    Peer second;
-    EXPECT_EQ(std::string(reinterpret_cast<char *>(arena + placeOf(objects[2]))), "R20EEPROMS");
-    EXPECT_EQ(second.ask("attached"), "yes");
-    ::shmdt(arena);
-}
-
-struct Damage {
-    const char *what;
-    std::size_t place;
-    unsigned int value;
-};
-
-TEST_F(Processes, ADamagedArenaIsNotUsedAndGoesWithTheLastOne)
-{
-    const Damage table[] = {
-        {"a run of length 0", 128 + 124 * 2 + 120, 0},     {"a run past the end", 128 + 124 * 42 + 120, 485},
-        {"a run of absurd length", 128 + 120, 0xFFFFFFFF}, {"a block count beyond the segment", 124, 0x00FFFFFF},
-        {"a header without its build count", 120, 0},
-    };
-    for (const Damage &damage : table) {
-        SCOPED_TRACE(damage.what);
-        Peer first;
-        auto *arena = static_cast<unsigned char *>(::shmat(segment(), nullptr, 0));
-        std::memcpy(arena + damage.place, &damage.value, sizeof damage.value);
-        ::shmdt(arena);
-        Peer second;
-        EXPECT_EQ(second.ask("attached"), "no");
-        second.ask("output 4 1 1");
-        EXPECT_EQ(second.ask("on 4"), "0200000000") << "it drives its boards on tables of its own";
-        second.ask("configure 4");
-        EXPECT_EQ(second.ask("configured 4"), "1");
-        EXPECT_TRUE(first.quit());
-        EXPECT_NE(segment(), -1);
-        EXPECT_TRUE(second.quit());
-        expectNothingLeft();
-    }
-}
-
-TEST_F(Processes, ASegmentOfSomebodyElseIsLeftAlone)
-{
-    touch(arenaKeyFile);
-    for (std::size_t leadingZeros : {0u, 128u, 252u, 65535u}) {
-        const int id = ::shmget(::ftok(arenaKeyFile, 1), 65536, IPC_CREAT | 0666);
-        auto *theirs = static_cast<unsigned char *>(::shmat(id, nullptr, 0));
-        std::memset(theirs + leadingZeros, 0x5A, 65536 - leadingZeros);
-        ::shmdt(theirs);
-        Peer peer;
-        EXPECT_EQ(peer.ask("attached"), "no") << leadingZeros;
-        shmid_ds status;
-        ASSERT_EQ(::shmctl(id, IPC_STAT, &status), 0);
-        EXPECT_EQ(status.shm_nattch, 0u);
-        EXPECT_TRUE(peer.quit());
-        EXPECT_EQ(::shmctl(id, IPC_STAT, &status), 0) << "never removed";
-        EXPECT_EQ(semaphores(), -1);
-        ::shmctl(id, IPC_RMID, nullptr);
-    }
-}
 
 TEST_F(Processes, AFullCountOfRegistrationsCostsNobodyTheLocks)
 {
@@ -434,32 +215,12 @@ TEST_F(Processes, WithoutASetTheLocksAreDoneWithout)
     expectNothingLeft();
 }
 
-TEST_F(Processes, KeyFilesAreNotWrittenThroughALink)
-{
-    ::unlink(arenaKeyFile);
-    const char *target = "/tmp/not_ours";
-    ASSERT_EQ(::symlink(target, arenaKeyFile), 0);
-    {
-        Peer peer;
-        EXPECT_EQ(peer.ask("attached"), "no");
-        EXPECT_NE(::access(target, F_OK), 0) << "nothing is made behind a link";
-    }
-    ::unlink(arenaKeyFile);
-    std::ofstream(arenaKeyFile) << "content";
-    Peer peer;
-    EXPECT_EQ(peer.ask("attached"), "yes");
-    std::string content;
-    std::ifstream(arenaKeyFile) >> content;
-    EXPECT_EQ(content, "content");
-}
-
 TEST_F(Processes, LoadingUnloadingAndLoadingAgainStartsAfresh)
 {
     for (int round = 0; round < 2; ++round) {
         void *library = ::dlopen(SHARED_LIBRARY, RTLD_NOW);
         ASSERT_TRUE(library) << ::dlerror();
-        expectUseCounts(1);
-        EXPECT_EQ(valueOf(0), 1);
+        expectShared(1);
         EXPECT_EQ(::dlclose(library), 0);
         expectNothingLeft();
     }
