@@ -5,6 +5,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <stdexcept>
 #include <sys/ipc.h>
 #include <sys/sem.h>
 #include <sys/shm.h>
@@ -44,7 +45,11 @@ inline int makeSegment()
 class Attached
 {
 public:
-    explicit Attached(int id = segment()) : bytes(static_cast<unsigned char *>(::shmat(id, nullptr, 0))) {}
+    explicit Attached(int id = segment()) : bytes(static_cast<unsigned char *>(::shmat(id, nullptr, 0)))
+    {
+        if (bytes == reinterpret_cast<unsigned char *>(-1))
+            throw std::runtime_error("there is no such segment");
+    }
     ~Attached() { ::shmdt(bytes); }
     Attached(const Attached &) = delete;
     Attached &operator=(const Attached &) = delete;
