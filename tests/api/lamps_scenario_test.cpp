@@ -111,7 +111,10 @@ TEST_P(LampScenario, APulseEndsByItselfAndIsReported)
     testClock().advance(30ms);
     EXPECT_FALSE(lit(31));
     EXPECT_FALSE(lit(4));
+    EXPECT_TRUE(usb.PulseOffOutput(4, 5));
     testClock().advance(20ms);
+    EXPECT_FALSE(lit(4)) << "the second pulse goes on";
+    testClock().advance(30ms);
     EXPECT_TRUE(lit(4)) << "it was on before its pulse";
     EXPECT_TRUE(usb.PulseOutputResult(&running, &last, &ended));
     EXPECT_EQ(running, 0);

@@ -133,6 +133,10 @@ TEST_P(PollingScenario, ADeviceWithALengthByteIsPolledInTurns)
     EXPECT_EQ(device().heard(), (sim::Bytes{0x20, 0x21}));
     EXPECT_EQ(message(usbSerialPort1, 2), "0: 02 03 90 55 66 A2");
     EXPECT_EQ(message(usbSerialPort1, 2), "0: 02 01 A0 A3");
+    EXPECT_TRUE(usb.SetPolledHostTimeout(usbSerialPort1, 2, 0.3));
+    device().setSilent(true);
+    testClock().advance(2s);
+    EXPECT_EQ(message(usbSerialPort1, 2), "2: ");
 
     config.lengthExtra = 0;
     config.message1[1] = config.message2[1] = 0;

@@ -29,6 +29,7 @@ TEST_P(PowerTest, AReplugLosesWhatNoBatteryHolds)
     board.sram().set(0x4000, 0x77);
     board.switches().open(2);
     board.unplug();
+    board.unplug();
     EXPECT_EQ(refusal(75, 1), -1);
     pass(60s);
     board.plug();

@@ -1,6 +1,7 @@
 // What the library does not show of the serial ports: line speed, repeated ids, times, and peripherals.
 #include "sim/peripherals/cctalk_acceptor.h"
 #include "sim/peripherals/polled_device.h"
+#include "sim/peripherals/sas_host.h"
 #include "tests/sim/sim_test.h"
 
 namespace sim
@@ -84,6 +85,9 @@ TEST_P(SerialTest, AnAcceptorObeysItsInhibits)
     EXPECT_EQ(ask(99, 4), (Bytes{1, 0, 2, 0, 253}));
     EXPECT_TRUE(acceptor.insert(1));
     EXPECT_FALSE(acceptor.insert(2));
+    ask(98, 4, {2, 0, 1, 254, 255});
+    pass(1s);
+    EXPECT_EQ(ask(99, 4), (Bytes{1, 0, 2, 0, 253}));
     ask(98, 4, {2, 0, 1, 254, 254});
     pass(1s);
     EXPECT_EQ(ask(99, 4), Bytes{}) << "a wrong checksum is not answered";
@@ -92,9 +96,8 @@ TEST_P(SerialTest, AnAcceptorObeysItsInhibits)
 TEST_P(SerialTest, AFullSlotRestsUntilItIsRead)
 {
     connect(1, "polled");
-    // Slot, options, framing with the length byte, every 10 ms, options; then the lengths of the messages.
-    Bytes slot{1, 0, 0, 1, 1, 3, 1, 0, 0, 0, 0, 4, 4};
-    append(slot, PolledDevice::frame(Bytes{1}));
+    // Slot, options, framing with the length byte, every 10 ms, options; the lengths of no message and of one.
+    Bytes slot{1, 0, 0, 1, 1, 3, 1, 0, 0, 0, 0, 0, 4};
     append(slot, PolledDevice::frame(Bytes{2}));
     ask(103, 4, slot);
     pass(60s);
@@ -105,6 +108,17 @@ TEST_P(SerialTest, AFullSlotRestsUntilItIsRead)
     ask(106, 4, {1});
     pass(1s);
     EXPECT_GT(board.serialPort(1).sentCount(), sent);
+}
+
+TEST_P(SerialTest, APeripheralThatIsTakenOffHasNothingMoreToDo)
+{
+    ask(97, 4, {3, 0, 0, 0, 0xB2, 0xFF});
+    board.serialPeripheral(1, std::make_unique<SASHost>(5));
+    pass(250ms);
+    EXPECT_EQ(ask(99, 4), (Bytes{0x01, 0x85}));
+    connect(1, "loopback");
+    pass(10s);
+    EXPECT_EQ(ask(99, 4), Bytes{});
 }
 
 }  // namespace
