@@ -31,6 +31,7 @@ std::string counting(int count)
 
 WireCases coinAndReelCases()
 {
+    const sim::Bytes reels = {1, 2, 3, 4, 5, 6, 0x01, 0x2C, 0, 5, 2, 0x80, 13, 14, 15, 16, 17, 18};
     const std::string r35Ramp = "89/1 02 3C" + counting(60);
     WireCases cases = {
         call("ConfigurePulsedInput(3, 20)", "107/1 03 14 01 00", &U::ConfigurePulsedInput, usbInput3, 20, active)
@@ -39,9 +40,9 @@ WireCases coinAndReelCases()
              ActiveState(0x101))
             .onR20("107/1 21 14 01"),
         call("ConfigurePulsedInputEx(32)", "107/1 20 14 01 07", &U::ConfigurePulsedInputEx, usbInput32, 20, 7, active)
-            .onR20("error 25"),
+            .notOnR20(),
         call("ConfigurePulsedInputEx(33)", "error 8", &U::ConfigurePulsedInputEx, _usbInputBitId(33), 20, 7, active)
-            .onR20("error 25"),
+            .notOnR20(),
         call("BeginPulsedInputCheck(3)", "108/1 03 01", &U::BeginPulsedInputCheck, usbInput3),
         call("EndPulsedInputCheck(3)", "108/1 03 00", &U::EndPulsedInputCheck, usbInput3),
         call("ResetPulsedInputCounter(23)", "109/1 17", &U::ResetPulsedInputCounter, usbInput23),
@@ -63,13 +64,13 @@ WireCases coinAndReelCases()
             .onR20("112/1 21 14 01 26 01 2C 09"),
         call("ReleaseParallelHopperCoinsEx", "112/1 05 14 01 25 01 2C 09 07", &U::ReleaseParallelHopperCoinsEx,
              usbInput5, 20, 7, active, usbOutput37, 300, 9)
-            .onR20("error 25"),
+            .notOnR20(),
         call("ReleaseParallelHopperCoinsEx(input 33)", "error 8", &U::ReleaseParallelHopperCoinsEx, _usbInputBitId(33),
              20, 7, active, usbOutput37, 300, 9)
-            .onR20("error 25"),
+            .notOnR20(),
         call("ReleaseParallelHopperCoinsEx(output 38)", "error 8", &U::ReleaseParallelHopperCoinsEx, usbInput5, 20, 7,
              active, _usbOutputBitId(38), 300, 9)
-            .onR20("error 25"),
+            .notOnR20(),
         call("GetParallelHopperStatus(23)", "113/1 17", &U::GetParallelHopperStatus, usbInput23, Result{0x83},
              Result{7})
             .answered({{0x83, 7}}),
@@ -81,8 +82,8 @@ WireCases coinAndReelCases()
         call("GetPulsedInputStatus of 5", "113/1 17", &U::GetPulsedInputStatus, usbInput23, Result{0}, Result{5})
             .answered({{5, 5}}),
         call("GetPulsedInputStatus(null active)", "error 30", &U::GetPulsedInputStatus, usbInput0, nullptr, anywhere),
-        call("StopHopperCoinRelease(32)", "124/1 20", &U::StopHopperCoinRelease, usbInput32).onR20("error 25"),
-        call("StopHopperCoinRelease(33)", "error 8", &U::StopHopperCoinRelease, _usbInputBitId(33)).onR20("error 25"),
+        call("StopHopperCoinRelease(32)", "124/1 20", &U::StopHopperCoinRelease, usbInput32).notOnR20(),
+        call("StopHopperCoinRelease(33)", "error 8", &U::StopHopperCoinRelease, _usbInputBitId(33)).notOnR20(),
 
         call("ConfigureReels widens its setting", "86/1 03 00 C8 01", &U::ConfigureReels, 3, 200, 1),
         call("ConfigureReelsEx(3, 400, 1)", "86/1 03 01 90 01", &U::ConfigureReelsEx, 3, 400, 1),
@@ -99,28 +100,12 @@ WireCases coinAndReelCases()
         call("SpinRampDown with 61 entries", "error 8", &U::SpinRampDown, 2, ramp(61)),
         call("SetDutyCycle", "90/1 01 02 03", &U::SetDutyCycle, 1, 2, 3),
         call("ReelSynchroniseEnable", "91/1 C8", &U::ReelSynchroniseEnable, 200),
-        row("GetReelStatusEx", "92/1",
-            [](auto &u) {
-                ReelStatusEx s = {};
-                const int result = u.GetReelStatusEx(&s);
-                EXPECT_EQ(s.first[0], result ? 0x0102 : 0);
-                EXPECT_EQ(s.first[1], result ? 300 : 0);
-                EXPECT_EQ(s.second[1], result ? 5 : 0);
-                EXPECT_EQ(s.third[1], result ? 2 : 0);
-                EXPECT_EQ(s.fourth[1], result ? 128 : 0);
-                EXPECT_EQ(s.fourth[2], result ? 18 : 0);
-                return result;
-            })
-            .answered({{1, 2, 3, 4, 5, 6, 0x01, 0x2C, 0, 5, 2, 0x80, 13, 14, 15, 16, 17, 18}}),
-        row("GetReelStatus keeps the low bytes", "92/1",
-            [](auto &u) {
-                usbReelStatus s = {};
-                const int result = u.GetReelStatus(&s);
-                EXPECT_EQ(hex(s.first, 12),
-                          result ? "02 2C 0E 04 05 10 05 02 11 06 80 12" : "00 00 00 00 00 00 00 00 00 00 00 00");
-                return result;
-            })
-            .answered({{1, 2, 3, 4, 5, 6, 0x01, 0x2C, 0, 5, 2, 0x80, 13, 14, 15, 16, 17, 18}}),
+        call("GetReelStatusEx", "92/1", &U::GetReelStatusEx,
+             Stored{"02 01 2C 01 0E 0D 04 03 05 00 10 0F 05 02 11 06 80 12"})
+            .answered({reels}),
+        call("GetReelStatus keeps the low bytes", "92/1", &U::GetReelStatus,
+             Stored{"02 2C 0E 04 05 10 05 02 11 06 80 12"})
+            .answered({reels}),
         call("GetReelStatusEx(null)", "error 30", &U::GetReelStatusEx, nullptr),
         call("GetReelStatus(null)", "error 30", &U::GetReelStatus, nullptr),
     };

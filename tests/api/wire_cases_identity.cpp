@@ -6,23 +6,11 @@ namespace tests
 namespace
 {
 
-WireCase text(const char *name, int (SorvaneUSB::*read)(unsigned char *), const char *expected)
-{
-    return row(name, expected,
-               [read](SorvaneUSB &usb) {
-                   unsigned char bytes[5] = {9, 9, 9, 9, 9};
-                   const int result = (usb.*read)(bytes);
-                   EXPECT_EQ(hex(bytes, 5), result ? "01 02 03 04 09" : "09 09 09 09 09");
-                   return result;
-               })
-        .answered({{1, 2, 3, 4}});
-}
-
 WireCase dallas(const char *name, sim::Bytes answer, unsigned long valid)
 {
     return call<unsigned char *, unsigned char *>(name, "120/5", &U::GetDallasSerialNumber, anywhere, Result{valid})
         .answered({std::move(answer)})
-        .onR20("error 25");
+        .notOnR20();
 }
 
 }  // namespace
@@ -49,32 +37,28 @@ WireCases identityCases()
              nullptr, nullptr),
         call("ReadAndResetBatteryFailFlag", "119/5", &U::ReadAndResetBatteryFailFlag, Result{0x81})
             .answered({{0x81}})
-            .onR20("error 25"),
-        call("ReadAndResetBatteryFailFlag(null)", "error 30", &U::ReadAndResetBatteryFailFlag, nullptr)
-            .onR20("error 25"),
+            .notOnR20(),
+        call("ReadAndResetBatteryFailFlag(null)", "error 30", &U::ReadAndResetBatteryFailFlag, nullptr).notOnR20(),
         call("ReadAndResetRTCFailure", "220/5", &U::ReadAndResetRTCFailure, Result{0x81})
             .answered({{0x81}})
-            .onR20("error 25")
-            .onR20s("error 26"),
-        call("ReadAndResetRTCFailure(null)", "error 30", &U::ReadAndResetRTCFailure, nullptr)
-            .onR20("error 25")
-            .onR20s("error 26"),
+            .onlyOnR35(),
+        call("ReadAndResetRTCFailure(null)", "error 30", &U::ReadAndResetRTCFailure, nullptr).onlyOnR35(),
         call("ReadClockAtBatteryFailure", "221/5", &U::ReadClockAtBatteryFailure, Result{0x92345678})
             .answered({{0x78, 0x56, 0x34, 0x92}})
-            .onR20("error 25")
-            .onR20s("error 26"),
-        call("ReadClockAtBatteryFailure(null)", "error 30", &U::ReadClockAtBatteryFailure, nullptr)
-            .onR20("error 25")
-            .onR20s("error 26"),
+            .onlyOnR35(),
+        call("ReadClockAtBatteryFailure(null)", "error 30", &U::ReadClockAtBatteryFailure, nullptr).onlyOnR35(),
 
         call("EnableRandomNumberGenerator", "69/5 04 03 02 01", &U::EnableRandomNumberGenerator, 0x01020304),
         call("DisableRandomNumberGenerator", "118/5", &U::DisableRandomNumberGenerator),
         call("GetRandomNumber", "68/5", &U::GetRandomNumber, Result{0x1234}).answered({{0x34, 0x12}}),
         call("GetRandomNumber(null)", "error 30", &U::GetRandomNumber, nullptr),
 
-        text("Get8051Version", &U::Get8051Version, "6/2"),
-        text("GetPICVersion", &U::GetPICVersion, "44/5"),
-        text("GetPICSerialNumber", &U::GetPICSerialNumber, "63/5"),
+        call<unsigned char *>("Get8051Version", "6/2", &U::Get8051Version, Stored{"01 02 03 04 09"})
+            .answered({{1, 2, 3, 4}}),
+        call<unsigned char *>("GetPICVersion", "44/5", &U::GetPICVersion, Stored{"01 02 03 04 09"})
+            .answered({{1, 2, 3, 4}}),
+        call<unsigned char *>("GetPICSerialNumber", "63/5", &U::GetPICSerialNumber, Stored{"01 02 03 04 09"})
+            .answered({{1, 2, 3, 4}}),
         call<unsigned char *>("Get8051Version(null)", "error 30", &U::Get8051Version, nullptr),
         call<unsigned char *>("GetPICVersion(null)", "error 30", &U::GetPICVersion, nullptr),
         call<unsigned char *>("GetPICSerialNumber(null)", "error 30", &U::GetPICSerialNumber, nullptr),
@@ -86,7 +70,7 @@ WireCases identityCases()
         dallas("GetDallasSerialNumber of zeros", {0, 0, 0, 0, 0, 0, 0, 0}, 1),
         call<unsigned char *, unsigned char *>("GetDallasSerialNumber(null)", "error 30", &U::GetDallasSerialNumber,
                                                nullptr, nullptr)
-            .onR20("error 25"),
+            .notOnR20(),
     };
 }
 

@@ -6,27 +6,9 @@ namespace tests
 namespace
 {
 
-template <class Record>
-std::string bytesOf(const Record &record)
-{
-    return hex(reinterpret_cast<const unsigned char *>(&record), sizeof record);
-}
-
 usbOutput outputs(unsigned char b0, unsigned char b1, unsigned char b2, unsigned char b3, unsigned char b4)
 {
     return {{b0, b1, b2, b3, b4}};
-}
-
-WireCase readsFiveBytes(const char *name, int (SorvaneUSB::*read)(usbInput *), const char *expected)
-{
-    return row(name, expected,
-               [read](SorvaneUSB &usb) {
-                   usbInput inputs = {{9, 9, 9, 9, 9}};
-                   const int result = (usb.*read)(&inputs);
-                   EXPECT_EQ(bytesOf(inputs), result ? "01 02 03 04 81" : "09 09 09 09 09");
-                   return result;
-               })
-        .answered({{1, 2, 3, 4, 0x81, 6, 7}});
 }
 
 WireCase readsInputBit(unsigned int input, sim::Bytes answer, unsigned long expected)
@@ -39,17 +21,13 @@ WireCase readsInputBit(unsigned int input, sim::Bytes answer, unsigned long expe
 
 WireCases inputAndOutputCases()
 {
+    const sim::Bytes fiveBytesAndTwo = {1, 2, 3, 4, 0x81, 6, 7};
     return {
-        readsFiveBytes("GetInputs", &SorvaneUSB::GetInputs, "75/1"),
-        readsFiveBytes("GetChangedInputs", &SorvaneUSB::GetChangedInputs, "81/1"),
-        readsFiveBytes("GetRawInputs", &SorvaneUSB::GetRawInputs, "82/1"),
-        row("GetInputs into bytes, of which it fills five", "75/1",
-            [](SorvaneUSB &usb) {
-                unsigned char bytes[6] = {9, 9, 9, 9, 9, 9};
-                const int result = usb.GetInputs(bytes);
-                EXPECT_EQ(hex(bytes, 6), result ? "01 02 00 00 00 09" : "09 09 09 09 09 09");
-                return result;
-            })
+        call<usbInput *>("GetInputs", "75/1", &U::GetInputs, Stored{"01 02 03 04 81 09"}).answered({fiveBytesAndTwo}),
+        call("GetChangedInputs", "81/1", &U::GetChangedInputs, Stored{"01 02 03 04 81 09"}).answered({fiveBytesAndTwo}),
+        call("GetRawInputs", "82/1", &U::GetRawInputs, Stored{"01 02 03 04 81 09"}).answered({fiveBytesAndTwo}),
+        call<unsigned char *>("GetInputs into bytes, of which it fills five", "75/1", &U::GetInputs,
+                              Stored{"01 02 00 00 00 09"})
             .answered({{1, 2}}),
         readsInputBit(7, {0x80, 0, 0, 0, 0}, 1),
         readsInputBit(8, {0xFF, 0xFE, 0, 0, 0}, 0),
@@ -65,15 +43,8 @@ WireCases inputAndOutputCases()
         call("InputMultiplexing(2)", "error 8", &U::InputMultiplexing, usbInputMultiplexing(2)),
         call("InputMultiplexing(-1)", "error 8", &U::InputMultiplexing, usbInputMultiplexing(-1)),
         call("GetMultiplexedInputs(null)", "error 30", &U::GetMultiplexedInputs, nullptr),
-        row("GetMultiplexedInputs", "115/1",
-            [](auto &u) {
-                usbMultiplexedInput inputs = {};
-                const int result = u.GetMultiplexedInputs(&inputs);
-                EXPECT_EQ(inputs.leadByte, result ? 10 : 0);
-                EXPECT_EQ(inputs.groups[1][0], result ? 14 : 0);
-                EXPECT_EQ(inputs.groups[3][2], result ? 22 : 0);
-                return result;
-            })
+        call("GetMultiplexedInputs", "115/1", &U::GetMultiplexedInputs,
+             Stored{"0A 0B 0C 0D 0E 0F 10 11 12 13 14 15 16 09"})
             .answered({{10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22}}),
 
         call("SetOutputBit(0, 0)", "77/1 00 00 00 00 00 01 00 00 00 00", &U::SetOutputBit, usbOutput0, 0),

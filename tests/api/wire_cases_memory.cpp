@@ -6,36 +6,27 @@ namespace tests
 namespace
 {
 
-/// A transfer whose answer is two bytes.
-WireCase transfer(const std::string &name, const std::string &expected,
-                  const std::function<int(SorvaneUSB &, unsigned char *)> &send)
-{
-    return row(name, expected,
-               [=](SorvaneUSB &usb) {
-                   unsigned char received[3] = {9, 9, 9};
-                   const int result = send(usb, received);
-                   EXPECT_EQ(hex(received, 3), result ? "31 32 09" : "09 09 09");
-                   return result;
-               })
-        .answered({{0x31, 0x32}});
-}
-
 WireCase spi(unsigned char sendBits, unsigned char receiveBits, const std::string &expected)
 {
-    return transfer("SendSPI(" + std::to_string(sendBits) + " bits, " + std::to_string(receiveBits) + " back)",
-                    expected, [=](SorvaneUSB &usb, unsigned char *received) {
-                        unsigned char sent[20] = {0x11, 0x22};
-                        return usb.SendSPI(sendBits, sent, 0x5A, receiveBits, received);
-                    });
+    sim::Bytes sent(20);
+    sent[0] = 0x11;
+    sent[1] = 0x22;
+    return call<unsigned char, unsigned char *, unsigned char, unsigned char, unsigned char *>(
+               "SendSPI(" + std::to_string(sendBits) + " bits, " + std::to_string(receiveBits) + " back)", expected,
+               &U::SendSPI, sendBits, sent, 0x5A, receiveBits, Stored{"31 32 09"})
+        .answered({{0x31, 0x32}});
 }
 
 WireCase sec(unsigned char dataLength, unsigned char replyLength, const std::string &expected)
 {
-    return transfer("SendSEC(" + std::to_string(dataLength) + " bytes, " + std::to_string(replyLength) + " back)",
-                    expected, [=](SorvaneUSB &usb, unsigned char *received) {
-                        unsigned char data[17] = {1, 2};
-                        return usb.SendSEC(16, 32, dataLength, data, 7, replyLength, received);
-                    });
+    sim::Bytes data(17);
+    data[0] = 1;
+    data[1] = 2;
+    using Byte = unsigned char;
+    return call<Byte, Byte, Byte, Byte *, Byte, Byte, Byte *>(
+               "SendSEC(" + std::to_string(dataLength) + " bytes, " + std::to_string(replyLength) + " back)", expected,
+               &U::SendSEC, 16, 32, dataLength, data, 7, replyLength, Stored{"31 32 09"})
+        .answered({{0x31, 0x32}});
 }
 
 WireCase recording(const char *name, const std::vector<unsigned int> &inputs, unsigned long address,
@@ -44,7 +35,7 @@ WireCase recording(const char *name, const std::vector<unsigned int> &inputs, un
     std::vector<_usbInputBitId> ids;
     for (const unsigned int input : inputs)
         ids.push_back(_usbInputBitId(input));
-    return call(name, expected, &U::ConfigureRecordingInputs, ids, address, length).onR20("error 25");
+    return call(name, expected, &U::ConfigureRecordingInputs, ids, address, length).notOnR20();
 }
 
 std::string zeros(int count)
@@ -69,35 +60,25 @@ WireCases recorderCases()
         recording("ConfigureRecordingInputs one past the end", {2, 255, 255, 255}, 0x73FFE, 1, "error 8"),
         recording("ConfigureRecordingInputs past the end", {2, 255, 255, 255}, 0x73FFF, 0, "error 8"),
         recording("ConfigureRecordingInputs at an address that would wrap", {2, 255, 255, 255}, ~0UL, 2, "error 8"),
-        call("ConfigureRecordingInputs(null)", "error 30", &U::ConfigureRecordingInputs, nullptr, 0, 0)
-            .onR20("error 25"),
-        call("StartRecordingInputs(10)", "126/1 00 0A", &U::StartRecordingInputs, 10).onR20("error 25"),
-        call("StartRecordingInputs(15000)", "126/1 3A 98", &U::StartRecordingInputs, 15000).onR20("error 25"),
-        call("StartRecordingInputs(9)", "error 8", &U::StartRecordingInputs, 9).onR20("error 25"),
-        call("StartRecordingInputs(15001)", "error 8", &U::StartRecordingInputs, 15001).onR20("error 25"),
+        call("ConfigureRecordingInputs(null)", "error 30", &U::ConfigureRecordingInputs, nullptr, 0, 0).notOnR20(),
+        call("StartRecordingInputs(10)", "126/1 00 0A", &U::StartRecordingInputs, 10).notOnR20(),
+        call("StartRecordingInputs(15000)", "126/1 3A 98", &U::StartRecordingInputs, 15000).notOnR20(),
+        call("StartRecordingInputs(9)", "error 8", &U::StartRecordingInputs, 9).notOnR20(),
+        call("StartRecordingInputs(15001)", "error 8", &U::StartRecordingInputs, 15001).notOnR20(),
         call("GetRecordingStatus", "127/1", &U::GetRecordingStatus, Result{2}, Result{256}, Result{32})
             .answered({{2, 1, 0, 0, 0x20}})
-            .onR20("error 25"),
-        call("GetRecordingStatus(null)", "error 30", &U::GetRecordingStatus, nullptr, nullptr, nullptr)
-            .onR20("error 25"),
-        row("ReadDiagnosticData", "128/1 05 06 07",
-            [](auto &u) {
-                unsigned char request[] = {5, 6, 7};
-                unsigned char reply[8] = {};
-                unsigned long size = 99;
-                const int result = u.ReadDiagnosticData(request, 3, reply, &size);
-                EXPECT_EQ(size, result ? 7u : 99u);
-                EXPECT_EQ(hex(reply, 8), result ? "01 02 03 04 05 06 07 00" : "00 00 00 00 00 00 00 00");
-                return result;
-            })
+            .notOnR20(),
+        call("GetRecordingStatus(null)", "error 30", &U::GetRecordingStatus, nullptr, nullptr, nullptr).notOnR20(),
+        call<unsigned char *, unsigned long, unsigned char *, unsigned long *>(
+            "ReadDiagnosticData", "128/1 05 06 07", &U::ReadDiagnosticData, sim::Bytes{5, 6, 7}, 3,
+            Stored{"01 02 03 04 05 06 07 09"}, Result{7})
             .answered({{1, 2, 3, 4, 5, 6, 7}})
-            .onR20("error 25"),
+            .notOnR20(),
         call<unsigned char *, unsigned long, unsigned char *, unsigned long *>(
             "ReadDiagnosticData(null)", "error 30", &U::ReadDiagnosticData, nullptr, 0, nullptr, nullptr)
-            .onR20("error 25"),
-        call("WriteDiagnosticData", "129/1 05 06 07", &U::WriteDiagnosticData, sim::Bytes{5, 6, 7}, 3)
-            .onR20("error 25"),
-        call("WriteDiagnosticData(null)", "error 30", &U::WriteDiagnosticData, nullptr, 3).onR20("error 25"),
+            .notOnR20(),
+        call("WriteDiagnosticData", "129/1 05 06 07", &U::WriteDiagnosticData, sim::Bytes{5, 6, 7}, 3).notOnR20(),
+        call("WriteDiagnosticData(null)", "error 30", &U::WriteDiagnosticData, nullptr, 3).notOnR20(),
     };
 }
 

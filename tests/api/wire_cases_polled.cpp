@@ -62,6 +62,14 @@ WireCase rs232Row(const char *name, const std::string &expected, const std::func
     });
 }
 
+template <class Message, class Status>
+WireCase polledMessage(const char *name, const char *expected, unsigned char slot, Message message, Result length,
+                       Status status)
+{
+    return call<_usbSerialPort, unsigned char, unsigned char *, unsigned long *, unsigned int *>(
+        name, expected, &U::ReceivePolledMessage, usbSerialPort0, slot, message, length, status);
+}
+
 }  // namespace
 
 WireCases polledHostCases()
@@ -108,34 +116,13 @@ WireCases polledHostCases()
         call("DeletePolledMessage", "106/4 01", &U::DeletePolledMessage, usbSerialPort1, 1),
         call("DeletePolledMessage(slot 4)", "error 8", &U::DeletePolledMessage, usbSerialPort0, 4),
         call("DeletePolledMessage(port 2)", "error 8", &U::DeletePolledMessage, port2, 0),
-        row("ReceivePolledMessage joins the parts", "105/3 01; 105/3 01",
-            [](auto &u) {
-                unsigned char message[8] = {};
-                unsigned long length = 99;
-                unsigned int status = 99;
-                const int result = u.ReceivePolledMessage(usbSerialPort0, 1, message, &length, &status);
-                EXPECT_EQ(hex(message, 3), result ? "41 42 43" : "00 00 00");
-                EXPECT_EQ(length, result ? 3u : 0u);
-                EXPECT_EQ(status, result ? 6u : 99u);
-                return result;
-            })
+        polledMessage("ReceivePolledMessage joins the parts", "105/3 01; 105/3 01", 1, Stored{"41 42 43 09"},
+                      Result{3, 0}, Result{6})
             .withBoard()
             .answered({{0, 1, 0x41, 0x42}, {6, 0, 0x43}}),
-        row("ReceivePolledMessage: slot 4", "error 8",
-            [](auto &u) {
-                unsigned char message[1];
-                unsigned long length = 99;
-                unsigned int status;
-                const int result = u.ReceivePolledMessage(usbSerialPort0, 4, message, &length, &status);
-                EXPECT_EQ(length, 99u);
-                return result;
-            }),
-        row("ReceivePolledMessage(null status): the pointers come first", "error 30",
-            [](auto &u) {
-                unsigned char message[1];
-                unsigned long length;
-                return u.ReceivePolledMessage(usbSerialPort0, 4, message, &length, nullptr);
-            }),
+        polledMessage("ReceivePolledMessage: slot 4", "error 8", 4, anywhere, Result{0}, Result{0}),
+        polledMessage("ReceivePolledMessage(null status): the pointers come first", "error 30", 4, anywhere, Result{0},
+                      nullptr),
     };
 }
 

@@ -88,38 +88,19 @@ WireCases dataCases()
              sim::Words{0x01A5, 0x0002}, 2),
         call("Send9BitData(port 2)", "error 8", &U::Send9BitData, port2, anywhere, 1),
         call("Send9BitData(null)", "error 30", &U::Send9BitData, usbSerialPort0, nullptr, 0),
-        row("Receive(port 1) asks until nothing comes", "99/4; 99/4; 99/4",
-            [](auto &u) {
-                unsigned char data[8] = {};
-                unsigned long length = 99;
-                const int result = u.Receive(usbSerialPort1, data, &length);
-                EXPECT_EQ(hex(data, 4), result ? "01 02 03 00" : "00 00 00 00");
-                EXPECT_EQ(length, result ? 3u : 0u);
-                return result;
-            })
+        call<_usbSerialPort, unsigned char *, unsigned long *>("Receive(port 1) asks until nothing comes",
+                                                               "99/4; 99/4; 99/4", &U::Receive, usbSerialPort1,
+                                                               Stored{"01 02 03 09"}, Result{3, 0})
             .withBoard()
             .answered({{1, 2}, {3}}),
-        row("Receive(port 2) has set the count", "error 8",
-            [](auto &u) {
-                unsigned char data[1];
-                unsigned long length = 99;
-                const int result = u.Receive(port2, data, &length);
-                EXPECT_EQ(length, 0u);
-                return result;
-            })
+        call<_usbSerialPort, unsigned char *, unsigned long *>("Receive(port 2) has set the count", "error 8",
+                                                               &U::Receive, port2, anywhere, Result{0, 0})
             .withBoard(),
         call<_usbSerialPort, unsigned char *, unsigned long *>("Receive(null data)", "error 30", &U::Receive,
                                                                usbSerialPort0, nullptr, anywhere),
-        row("Receive9BitData drops an odd byte", "99/4; 99/4",
-            [](auto &u) {
-                unsigned short words[4] = {};
-                unsigned long count = 99;
-                const int result = u.Receive9BitData(usbSerialPort1, words, &count);
-                EXPECT_EQ(count, result ? 2u : 0u);
-                EXPECT_EQ(words[0], result ? 0x01A5 : 0);
-                EXPECT_EQ(words[1], result ? 0x0102 : 0);
-                return result;
-            })
+        call<_usbSerialPort, unsigned short *, unsigned long *>("Receive9BitData drops an odd byte", "99/4; 99/4",
+                                                                &U::Receive9BitData, usbSerialPort1,
+                                                                Stored{"A5 01 02 01"}, Result{2, 0})
             .withBoard()
             .answered({{0x01, 0xA5, 0x01, 0x02, 0x77}}),
         call<_usbSerialPort, unsigned short *, unsigned long *>("Receive9BitData(null count)", "error 30",
@@ -139,18 +120,18 @@ WireCases dataCases()
 WireCases sasCases()
 {
     return {
-        call("SetSASMachineAddress(127)", "122/3 7F", &U::SetSASMachineAddress, usbSerialPort0, 127).onR20("error 25"),
-        call("SetSASMachineAddress(128)", "error 8", &U::SetSASMachineAddress, usbSerialPort0, 128).onR20("error 25"),
-        call("SetSASMachineAddress(port 2)", "error 8", &U::SetSASMachineAddress, port2, 1).onR20("error 25"),
-        call("SetSASAutoReply", "123/3 34 09", &U::SetSASAutoReply, usbSerialPort0, 0x1234, 9).onR20("error 25"),
-        call("SetSASAutoReply(port 2)", "error 8", &U::SetSASAutoReply, port2, 0, 0).onR20("error 25"),
-        call("SetSASBusy(1, 1)", "123/4 01 00", &U::SetSASBusy, usbSerialPort1, 1).onR20("error 25"),
-        call("SetSASBusy(port 2)", "error 8", &U::SetSASBusy, port2, 1).onR20("error 25"),
-        call("GetSASMessageStatus(null)", "error 30", &U::GetSASMessageStatus, port2, nullptr).onR20("error 25"),
+        call("SetSASMachineAddress(127)", "122/3 7F", &U::SetSASMachineAddress, usbSerialPort0, 127).notOnR20(),
+        call("SetSASMachineAddress(128)", "error 8", &U::SetSASMachineAddress, usbSerialPort0, 128).notOnR20(),
+        call("SetSASMachineAddress(port 2)", "error 8", &U::SetSASMachineAddress, port2, 1).notOnR20(),
+        call("SetSASAutoReply", "123/3 34 09", &U::SetSASAutoReply, usbSerialPort0, 0x1234, 9).notOnR20(),
+        call("SetSASAutoReply(port 2)", "error 8", &U::SetSASAutoReply, port2, 0, 0).notOnR20(),
+        call("SetSASBusy(1, 1)", "123/4 01 00", &U::SetSASBusy, usbSerialPort1, 1).notOnR20(),
+        call("SetSASBusy(port 2)", "error 8", &U::SetSASBusy, port2, 1).notOnR20(),
+        call("GetSASMessageStatus(null)", "error 30", &U::GetSASMessageStatus, port2, nullptr).notOnR20(),
         call("GetSASMessageStatus", "124/4", &U::GetSASMessageStatus, usbSerialPort1, Result{0x80})
             .answered({{0x80}})
-            .onR20("error 25"),
-        call("GetSASMessageStatus(port 2)", "error 8", &U::GetSASMessageStatus, port2, anywhere).onR20("error 25"),
+            .notOnR20(),
+        call("GetSASMessageStatus(port 2)", "error 8", &U::GetSASMessageStatus, port2, anywhere).notOnR20(),
     };
 }
 

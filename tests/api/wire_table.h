@@ -36,6 +36,8 @@ struct WireCase {
         expected[1] = std::move(other);
         return std::move(*this);
     }
+    WireCase &&notOnR20() && { return std::move(*this).onR20("error 25"); }
+    WireCase &&onlyOnR35() && { return std::move(*this).notOnR20().onR20s("error 26"); }
     WireCase &&withBoard() &&
     {
         onlyOnABoard = true;
@@ -64,9 +66,15 @@ struct Anywhere {
 };
 constexpr Anywhere anywhere;
 
-/// A result that is 9 before, and this after a call that succeeds.
+/// A result that is 9 before, and the value after a call that succeeds.
 struct Result {
     unsigned long value;
+    unsigned long afterFailure = 9;
+};
+
+/// Bytes that are all 9 before, and these after a call that succeeds: "01 02 09".
+struct Stored {
+    std::string bytes;
 };
 
 /// What is handed over for one parameter of a call, and what is looked at afterwards.
@@ -79,9 +87,24 @@ struct Passed {
 template <class Data>
 struct Passed<Data *, Result> {
     Data *get() { return &data; }
-    void check(int success) const { EXPECT_EQ(static_cast<unsigned long>(data), success ? expected.value : 9); }
+    void check(int success) const
+    {
+        EXPECT_EQ(static_cast<unsigned long>(data), success ? expected.value : expected.afterFailure);
+    }
     Result expected;
     Data data = Data(9);
+};
+template <class Data>
+struct Passed<Data *, Stored> {
+    Data *get() { return reinterpret_cast<Data *>(memory.data()); }
+    void check(int success) const
+    {
+        const std::size_t size = (expected.bytes.size() + 1) / 3;
+        const sim::Bytes untouched(size, 9);
+        EXPECT_EQ(hex(memory.data(), size), success ? expected.bytes : hex(untouched.data(), size));
+    }
+    Stored expected;
+    sim::Bytes memory = sim::Bytes(1024, 9);
 };
 template <class Data>
 struct Passed<Data *, std::vector<Data>> {
