@@ -117,8 +117,7 @@ TEST_P(CapacityScenario, OneAnswerIsCutToTheCapacity)
         EXPECT_TRUE(untouched.holdsOnly({})) << operation.name << " after a failure";
         if (GetParam() == sim::Model::R20) {
             board.faults().add(sim::Fault::longAnswer(63));
-            EXPECT_FALSE(operation.read(usb, untouched.data(), 256));
-            EXPECT_EQ(usb.GetLastError(), usbErrorLength);
+            EXPECT_EQ(errorOf(usb, operation.read(usb, untouched.data(), 256)), usbErrorLength);
             EXPECT_TRUE(untouched.holdsOnly({})) << operation.name << " after an answer too long";
         }
     }
@@ -268,12 +267,12 @@ TEST_P(CapacityScenario, ABoardThatPromisesMoreForEverIsGivenUp)
     unsigned int status = guard;
     board.answerNext({5, 1, 0x41, 0x42});
     board.faults().add(sim::Fault::answer({5, 1}).forever());
-    EXPECT_FALSE(usb.ReceivePolledMessage(usbSerialPort0, 0, buffer.data(), &length, &status));
-    EXPECT_EQ(usb.GetLastError(), usbErrorTransfer);
+    EXPECT_EQ(errorOf(usb, usb.ReceivePolledMessage(usbSerialPort0, 0, buffer.data(), &length, &status)),
+              usbErrorTransfer);
     EXPECT_EQ(length, 2U) << "what came before stays";
     EXPECT_EQ(status, 5U);
-    EXPECT_FALSE(usb.ReceivePolledMessage(usbSerialPort0, 0, buffer.data(), &length, &status, 1000));
-    EXPECT_EQ(usb.GetLastError(), usbErrorTransfer);
+    EXPECT_EQ(errorOf(usb, usb.ReceivePolledMessage(usbSerialPort0, 0, buffer.data(), &length, &status, 1000)),
+              usbErrorTransfer);
     EXPECT_EQ(length, 0U);
     EXPECT_LT(board.exchanges().size(), 1000U);
     EXPECT_TRUE(buffer.holdsOnly({0x41, 0x42}));

@@ -95,8 +95,7 @@ TEST_P(CoinScenario, AHopperPaysWhatItIsAskedAlsoWhenTheBoardIsClosed)
     EXPECT_TRUE(usb.BeginPulsedInputCheck(usbInput5));
     EXPECT_TRUE(release(3));
     EXPECT_EQ(paying(), Paying(true, 0));
-    EXPECT_FALSE(release(1));
-    EXPECT_EQ(usb.GetLastError(), sim::statusBusy);
+    EXPECT_EQ(errorOf(usb, release(1)), sim::statusBusy);
     testClock().advance(450ms);
     EXPECT_EQ(paying(), Paying(true, 2));
     usb.close();
@@ -168,8 +167,7 @@ TEST_P(CoinScenario, AReleaseWhoseAnswerIsLostIsNotAskedTwice)
 {
     board.hopper(5, 20);
     board.faults().add(sim::Fault::ioctlFails(EINTR).on(112).carriedOut());
-    EXPECT_FALSE(release(3));
-    EXPECT_EQ(usb.GetLastError(), usbErrorTransfer);
+    EXPECT_EQ(errorOf(usb, release(3)), usbErrorTransfer);
     EXPECT_EQ(board.exchanges().size(), 1U);
     EXPECT_EQ(paying(), Paying(true, 0)) << "the status tells the caller";
     testClock().advance(10s);

@@ -105,8 +105,7 @@ TEST(Firmware, AFailedDownloadFailsTheOpeningAndTouchesNoEEPROM)
             sim::VirtualBoard &board = plug(14, model);
             board.faults().add(Fault::status(99).on(failing, 6));
             SorvaneUSB usb;
-            EXPECT_EQ(usb.InitPort(14), 0);
-            EXPECT_EQ(usb.GetLastError(), 99);
+            EXPECT_EQ(errorOf(usb, usb.InitPort(14)), 99);
             EXPECT_EQ(board.exchanges().back().request, failing);
             EXPECT_EQ(sim::openDescriptors(14).size(), 1u) << "the board stays attached";
         }
@@ -187,8 +186,7 @@ TEST(CheckEEPROM, FailsWhereNoChipAnswers)
     OpenBoard open(Model::R35);
     open.board.faults().add(Fault::status(70).on(5, 2).forever());
     R20EEPROM found = E24LC08;
-    EXPECT_EQ(open.usb.CheckEEPROM(&found), 0);
-    EXPECT_EQ(open.usb.GetLastError(), 70);
+    EXPECT_EQ(errorOf(open.usb, open.usb.CheckEEPROM(&found)), 70);
     EXPECT_EQ(describe(found), describe(E24LC08));
 }
 
@@ -208,8 +206,7 @@ TEST(Preparation, FailsWithTheCodeOfTheStepThatFailed)
 {
     plug(12, Model::R35).firmwareRunning().faults().add(Fault::status(98).on(5, 2).forever());
     SorvaneUSB usb;
-    EXPECT_EQ(usb.InitPort(12), 0);
-    EXPECT_EQ(usb.GetLastError(), 98);
+    EXPECT_EQ(errorOf(usb, usb.InitPort(12)), 98);
 }
 
 }  // namespace

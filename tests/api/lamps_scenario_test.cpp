@@ -72,8 +72,7 @@ TEST_P(LampScenario, ABitOfAPeriodIsSentTogetherWithWhatWasSwitchedBefore)
 TEST_P(LampScenario, WhatAFailedExchangeAskedForIsSentWithTheNextBit)
 {
     board.faults().add(sim::Fault::ioctlFails(EIO).on(83));
-    EXPECT_FALSE(usb.SetOnPeriodOutputBit(usbOutputByte1, 4, 1));
-    EXPECT_EQ(usb.GetLastError(), usbErrorTransfer);
+    EXPECT_EQ(errorOf(usb, usb.SetOnPeriodOutputBit(usbOutputByte1, 4, 1)), usbErrorTransfer);
     board.faults().add(sim::Fault::status(0x21).on(77));
     EXPECT_FALSE(usb.SetOutputBit(usbOutput37, 1));
     EXPECT_EQ(board.outputs().onPattern(), sim::Pattern{}) << "the board has seen nothing of it";

@@ -127,8 +127,7 @@ TEST_F(Life, ABoardTellsModelAndSpeed)
             EXPECT_EQ(type, static_cast<int>(model));
             EXPECT_EQ(open.usb.GetBoardSpeed(&speed), 1);
             EXPECT_EQ(speed, high ? 2 : 1);
-            EXPECT_EQ(open.usb.GetFittedBoard(nullptr), 0);
-            EXPECT_EQ(open.usb.GetLastError(), usbErrorNullPointer);
+            EXPECT_EQ(errorOf(open.usb, open.usb.GetFittedBoard(nullptr)), usbErrorNullPointer);
             EXPECT_EQ(wire(open.board), "") << "nothing is asked of the board";
         }
     }
@@ -149,8 +148,7 @@ TEST_F(Life, WhatNeedsNoBoardWorksWithoutOne)
     for (int (SorvaneUSB::*call)(unsigned char *) :
          {&SorvaneUSB::GetProductVersion, &SorvaneUSB::GetDllVersion, &SorvaneUSB::GetBoardSpeed}) {
         EXPECT_EQ(usb.ClearErrors(), 1);
-        EXPECT_EQ((usb.*call)(nullptr), 0);
-        EXPECT_EQ(usb.GetLastError(), usbErrorNullPointer);
+        EXPECT_EQ(errorOf(usb, (usb.*call)(nullptr)), usbErrorNullPointer);
     }
 }
 
@@ -158,8 +156,7 @@ TEST_F(Life, AllBoardsOfAProcessShareOneErrorCode)
 {
     OpenBoard r20(sim::Model::R20, 0);
     OpenBoard r35(sim::Model::R35, 1);
-    EXPECT_EQ(r20.usb.SetOutputBrightness(11), 0);
-    EXPECT_EQ(r35.usb.GetLastError(), usbErrorParameter);
+    EXPECT_EQ(errorOf(r35.usb, r20.usb.SetOutputBrightness(11)), usbErrorParameter);
     EXPECT_TRUE(r20.usb.SetOutputBrightness(10));
     EXPECT_EQ(r20.usb.GetLastError(), usbErrorParameter) << "success on an R20 leaves a code";
     EXPECT_TRUE(r35.usb.SetOutputBrightness(10));
@@ -204,8 +201,7 @@ TEST_F(Life, InitUSBBoardRefusesANumberAbove15WithoutOpening)
     plugRunning(0);
     SorvaneUSB usb;
     sim::resetInProcessCalls();
-    EXPECT_EQ(usb.InitUSBBoard(16), 0);
-    EXPECT_EQ(usb.GetLastError(), usbErrorParameter);
+    EXPECT_EQ(errorOf(usb, usb.InitUSBBoard(16)), usbErrorParameter);
     EXPECT_EQ(sim::inProcessCalls().opens, 0u);
 }
 
@@ -213,8 +209,7 @@ TEST_F(Life, InitUSBBoardKeepsABoardWhoseInputsCannotBeRead)
 {
     plug(7, sim::Model::R35).firmwareRunning().faults().add(sim::Fault::status(99).on(75, 1));
     SorvaneUSB usb;
-    EXPECT_EQ(usb.InitUSBBoard(0), 0);
-    EXPECT_EQ(usb.GetLastError(), 99);
+    EXPECT_EQ(errorOf(usb, usb.InitUSBBoard(0)), 99);
     EXPECT_EQ(open(7), 1u);
     usb.close();
     EXPECT_EQ(open(7), 0u);

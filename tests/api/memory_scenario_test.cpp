@@ -69,8 +69,7 @@ TEST_P(MemoryScenario, ARecordingLiesWhereItWasAskedForAndNowhereElse)
     if (GetParam() == sim::Model::R20)
         return;  // it has no recorder
     _usbInputBitId inputs[4] = {usbInput2, usbInputUnused, usbInput23, usbInputUnused};
-    EXPECT_FALSE(usb.StartRecordingInputs(100));
-    EXPECT_EQ(usb.GetLastError(), sim::statusNotConfigured);
+    EXPECT_EQ(errorOf(usb, usb.StartRecordingInputs(100)), sim::statusNotConfigured);
     // The last one goes on behind the firmware's pages.
     for (const unsigned long address : {1UL, 0x3FFEUL, 0x12345UL, 0x2FFFEUL}) {
         SCOPED_TRACE(address);

@@ -105,8 +105,8 @@ TEST(Memories, EndWhereTheModelOrTheChipSays)
             EXPECT_EQ(on.usb.GetLastError(), row.error ? row.error : usbErrorNullPointer)
                 << "the range comes before the pointer";
         }
-        EXPECT_EQ(on.usb.ReadSRAM(0, nullptr, 0) + on.usb.WriteSRAM(0, nullptr, 0), 0);
-        EXPECT_EQ(on.usb.GetLastError(), usbErrorNullPointer);
+        EXPECT_EQ(errorOf(on.usb, on.usb.ReadSRAM(0, nullptr, 0) + on.usb.WriteSRAM(0, nullptr, 0)),
+                  usbErrorNullPointer);
     }
 }
 
@@ -183,8 +183,7 @@ TEST(Memories, ReadWhatComesAndNoByteBehindTheBuffer)
         }
         on.board.clearExchanges();
         on.board.faults().add(Fault::emptyAnswer().forever());
-        EXPECT_EQ(on.read(100, data, 10), 0) << "it gives up on answers without data";
-        EXPECT_EQ(on.usb.GetLastError(), usbErrorTransfer);
+        EXPECT_EQ(errorOf(on.usb, on.read(100, data, 10)), usbErrorTransfer) << "it gives up on answers without data";
         EXPECT_EQ(on.board.exchanges().size(), 1u);
     });
 }
@@ -211,8 +210,7 @@ TEST(Memories, StopAtTheFirstFailedChunk)
         for (const auto move : {&MemoryBoard::write, &MemoryBoard::read}) {
             on.board.clearExchanges();
             on.board.faults().add(Fault::status(70).skip(1));
-            EXPECT_EQ((on.*move)(100, data, sizeof data), 0);
-            EXPECT_EQ(on.usb.GetLastError(), 70);
+            EXPECT_EQ(errorOf(on.usb, (on.*move)(100, data, sizeof data)), 70);
             EXPECT_EQ(on.board.exchanges().size(), 2u);
         }
     });
@@ -224,8 +222,8 @@ TEST(Memories, TheEEPROMIsBoundedByTheTypeThatWasLastConfigured)
     unsigned char data[100] = {};
     on.board.faults().add(Fault::status(70));
     EXPECT_EQ(on.usb.ConfigureEEPROM(&E24LC01), 0);
-    EXPECT_EQ(on.read(120, data, 8), 0) << "also where the board did not take the configuration";
-    EXPECT_EQ(on.usb.GetLastError(), usbErrorParameter);
+    EXPECT_EQ(errorOf(on.usb, on.read(120, data, 8)), usbErrorParameter)
+        << "also where the board did not take the configuration";
     R20EEPROM found;
     EXPECT_TRUE(on.usb.CheckEEPROM(&found));
     EXPECT_TRUE(on.read(32667, data, 100)) << "detection leaves the type that it tried last";

@@ -103,8 +103,7 @@ TEST_P(SecurityScenario, FlagsAreResetByBeingReadEachSetApart)
 TEST_P(SecurityScenario, RandomNumbersComeWhileTheGeneratorIsOn)
 {
     unsigned short number = 9;
-    EXPECT_FALSE(usb.GetRandomNumber(&number));
-    EXPECT_EQ(usb.GetLastError(), sim::statusDisabled);
+    EXPECT_EQ(errorOf(usb, usb.GetRandomNumber(&number)), sim::statusDisabled);
     const auto draw = [&](unsigned long setting) {
         EXPECT_TRUE(usb.EnableRandomNumberGenerator(setting));
         std::vector<int> numbers;

@@ -87,15 +87,13 @@ TEST_P(SerialScenario, AFailureInTheMiddleLeavesTheEarlierChunksSent)
 {
     board.faults().add(sim::Fault::ioctlFails(EIO).on(98).skip(1));
     sim::Bytes bytes = counting(130);
-    EXPECT_FALSE(usb.Send(usbSerialPort1, bytes.data(), 130));
-    EXPECT_EQ(usb.GetLastError(), usbErrorTransfer);
+    EXPECT_EQ(errorOf(usb, usb.Send(usbSerialPort1, bytes.data(), 130)), usbErrorTransfer);
     EXPECT_EQ(board.serialPort(1).sentCount(), 60U);
 
     configure(usbSerialPort0, usbPortType3);
     board.faults().add(sim::Fault::status(0x21).on(98).skip(2));
     sim::Words words(100, 0x1A5);
-    EXPECT_FALSE(usb.Send9BitData(usbSerialPort0, words.data(), 100));
-    EXPECT_EQ(usb.GetLastError(), 0x21);
+    EXPECT_EQ(errorOf(usb, usb.Send9BitData(usbSerialPort0, words.data(), 100)), 0x21);
     EXPECT_EQ(board.serialPort(0).sentCount(), 60U) << "words, in two chunks";
 }
 
@@ -134,8 +132,7 @@ TEST_P(SerialScenario, ReceiveCollectsUntilTheBoardIsEmptyOrFails)
             unsigned long length = 9;
             if (fails) {
                 board.faults().add(sim::Fault::ioctlFails(EINTR).on(99).skip(1));
-                EXPECT_FALSE(usb.Receive(port, data, &length));
-                EXPECT_EQ(usb.GetLastError(), usbErrorTransfer);
+                EXPECT_EQ(errorOf(usb, usb.Receive(port, data, &length)), usbErrorTransfer);
                 EXPECT_EQ(sim::Bytes(data, data + length), sim::Bytes(arrived.begin(), arrived.begin() + first));
             }
             board.clearExchanges();

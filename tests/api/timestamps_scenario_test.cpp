@@ -118,8 +118,8 @@ TEST_P(TimestampScenario, ErrorsTakeNothingFromTheBatch)
     unsigned int received = 0xEE;
     board.answerNext({0x41, 5, 0x42, 6});
     EXPECT_EQ(next(usb), "1 41 05");
-    EXPECT_FALSE(usb.ReceiveByteWithTimestamp(port2, &data, nullptr, &received));
-    EXPECT_EQ(usb.GetLastError(), usbErrorNullPointer) << "the pointers come before the port and the buffer";
+    EXPECT_EQ(errorOf(usb, usb.ReceiveByteWithTimestamp(port2, &data, nullptr, &received)), usbErrorNullPointer)
+        << "the pointers come before the port and the buffer";
     EXPECT_EQ(next(usb), "1 42 06");
     board.faults().add(sim::Fault::ioctlFails(EIO).on(102));
     board.answerNext({0x43, 7});

@@ -48,8 +48,7 @@ TEST(Transport, TellsFailuresApart)
         sim::resetInProcessCalls();
         unsigned char answer[256] = {9, 9};
         unsigned long count = 77;
-        EXPECT_EQ(open.usb.PerformUSBIO(75, 1, nullptr, 0, answer, &count), 0);
-        EXPECT_EQ(open.usb.GetLastError(), row.error);
+        EXPECT_EQ(errorOf(open.usb, open.usb.PerformUSBIO(75, 1, nullptr, 0, answer, &count)), row.error);
         if (row.countAfter == 77 || row.error == 6) {
             EXPECT_EQ(count, row.countAfter);
             EXPECT_EQ(hex(answer, 2), "09 09");
@@ -86,8 +85,7 @@ TEST(Transport, TakesNoAnswerBufferButNeedsACount)
         EXPECT_EQ(open.usb.PerformUSBIO(75, 1, nullptr, 0, nullptr, &count), 1);
         EXPECT_EQ(count, 5u);
         open.board.clearExchanges();
-        EXPECT_EQ(open.usb.PerformUSBIO(75, 1, nullptr, 0, nullptr, nullptr), 0);
-        EXPECT_EQ(open.usb.GetLastError(), usbErrorNullPointer);
+        EXPECT_EQ(errorOf(open.usb, open.usb.PerformUSBIO(75, 1, nullptr, 0, nullptr, nullptr)), usbErrorNullPointer);
         EXPECT_EQ(wire(open.board), "");
     }
 }
@@ -115,8 +113,7 @@ TEST(Transport, SendsAnR20PayloadOf511BytesAndNoMore)
     EXPECT_EQ(open.board.exchanges().back().sent.size(), 511u);
     open.board.clearExchanges();
     for (unsigned long length : {512UL, ~0UL, 0xFFFFFFFFUL}) {
-        EXPECT_EQ(open.usb.PerformUSBIO(71, 6, payload, length, nullptr, &count), 0);
-        EXPECT_EQ(open.usb.GetLastError(), usbErrorLength);
+        EXPECT_EQ(errorOf(open.usb, open.usb.PerformUSBIO(71, 6, payload, length, nullptr, &count)), usbErrorLength);
     }
     EXPECT_EQ(wire(open.board), "");
     EXPECT_EQ(open.usb.PerformUSBIO(71, 6, nullptr, 3, nullptr, &count), 1);

@@ -58,8 +58,7 @@ TEST_P(UnplugScenario, AnOperationInTheMiddleFailsAndSoDoesEverythingAfterIt)
         testClock().advance(std::chrono::seconds(1));
         board.faults().add(sim::Fault::unplug().on(each.request).skip(1));
         board.clearExchanges();
-        EXPECT_FALSE(each.call());
-        EXPECT_EQ(usb.GetLastError(), usbErrorTransfer);
+        EXPECT_EQ(errorOf(usb, each.call()), usbErrorTransfer);
         EXPECT_EQ(requestsSeen(each.request), 1U);
         EXPECT_FALSE(answers(usb));
         EXPECT_FALSE(usb.InitPort(0)) << "there is no such board now";
@@ -100,8 +99,7 @@ TEST_P(UnplugScenario, TheEEPROMIsReachedAgainAfterItWasConfiguredAgain)
     board.clearExchanges();
     ASSERT_TRUE(usb.InitPort(0));
     EXPECT_EQ(requestsSeen(3), 0U) << "the machine knows the device number as configured";
-    EXPECT_FALSE(usb.ReadEEPROM(100, read, 4));
-    EXPECT_EQ(usb.GetLastError(), sim::statusNotConfigured);
+    EXPECT_EQ(errorOf(usb, usb.ReadEEPROM(100, read, 4)), sim::statusNotConfigured);
     usb.ClearErrors();
     EXPECT_TRUE(usb.CheckEEPROM(&chip));
     EXPECT_TRUE(usb.ConfigureEEPROM(&chip));

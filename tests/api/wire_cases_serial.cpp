@@ -27,6 +27,14 @@ WireCase timeout(const char *name, float seconds, const std::string &expected, u
     return call(name, expected, &U::SetTimeoutMessage, port, message, length, seconds);
 }
 
+/// The forms without a capacity.
+template <class Data, class... Arguments>
+WireCase receive(const char *name, const char *expected,
+                 int (SorvaneUSB::*operation)(_usbSerialPort, Data *, unsigned long *), Arguments... arguments)
+{
+    return call(name, expected, operation, arguments...);
+}
+
 WireCases configurationCases()
 {
     WireCases cases = {
@@ -88,23 +96,17 @@ WireCases dataCases()
              sim::Words{0x01A5, 0x0002}, 2),
         call("Send9BitData(port 2)", "error 8", &U::Send9BitData, port2, anywhere, 1),
         call("Send9BitData(null)", "error 30", &U::Send9BitData, usbSerialPort0, nullptr, 0),
-        call<_usbSerialPort, unsigned char *, unsigned long *>("Receive(port 1) asks until nothing comes",
-                                                               "99/4; 99/4; 99/4", &U::Receive, usbSerialPort1,
-                                                               Stored{"01 02 03 09"}, Result{3, 0})
+        receive("Receive(port 1) asks until nothing comes", "99/4; 99/4; 99/4", &U::Receive, usbSerialPort1,
+                Stored{"01 02 03 09"}, Result{3, 0})
             .withBoard()
             .answered({{1, 2}, {3}}),
-        call<_usbSerialPort, unsigned char *, unsigned long *>("Receive(port 2) has set the count", "error 8",
-                                                               &U::Receive, port2, anywhere, Result{0, 0})
-            .withBoard(),
-        call<_usbSerialPort, unsigned char *, unsigned long *>("Receive(null data)", "error 30", &U::Receive,
-                                                               usbSerialPort0, nullptr, anywhere),
-        call<_usbSerialPort, unsigned short *, unsigned long *>("Receive9BitData drops an odd byte", "99/4; 99/4",
-                                                                &U::Receive9BitData, usbSerialPort1,
-                                                                Stored{"A5 01 02 01"}, Result{2, 0})
+        receive("Receive(port 2) has set the count", "error 8", &U::Receive, port2, anywhere, Result{0, 0}).withBoard(),
+        receive("Receive(null data)", "error 30", &U::Receive, usbSerialPort0, nullptr, anywhere),
+        receive("Receive9BitData drops an odd byte", "99/4; 99/4", &U::Receive9BitData, usbSerialPort1,
+                Stored{"A5 01 02 01"}, Result{2, 0})
             .withBoard()
             .answered({{0x01, 0xA5, 0x01, 0x02, 0x77}}),
-        call<_usbSerialPort, unsigned short *, unsigned long *>("Receive9BitData(null count)", "error 30",
-                                                                &U::Receive9BitData, usbSerialPort0, anywhere, nullptr),
+        receive("Receive9BitData(null count)", "error 30", &U::Receive9BitData, usbSerialPort0, anywhere, nullptr),
         call("GetParityErrors", "100/3", &U::GetParityErrors, usbSerialPort0, Result{258}).answered({{1, 2}}),
         call("GetParityErrors(port 2)", "error 8", &U::GetParityErrors, port2, anywhere),
         call("GetParityErrors(null)", "error 30", &U::GetParityErrors, port2, nullptr),

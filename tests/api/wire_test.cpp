@@ -68,8 +68,7 @@ TEST_P(Wire, LeavesTheResultsAloneWhenTheBoardRefuses)
         SCOPED_TRACE(row.name);
         OpenBoard open(GetParam());
         open.board.faults().add(sim::Fault::status(0x21).forever());
-        EXPECT_EQ(row.call(open.usb), 0);
-        EXPECT_EQ(open.usb.GetLastError(), 0x21);
+        EXPECT_EQ(errorOf(open.usb, row.call(open.usb)), 0x21);
     }
 }
 

@@ -65,33 +65,32 @@ struct Refused {
 std::vector<Refused> refusedByAll()
 {
     constexpr int value = statusWrongValue, length = statusWrongLength;
-    return {
-        {value, 78, 1, {1, 32}},
-        {value, 79, 1, {1, 32}},
-        {value, 85, 1, {11}},
-        {value, 86, 1, {4, 0, 0, 0}},
-        {value, 87, 1, {3, 1, 0, 1}},
-        {value, 87, 1, {0, 3, 0, 1}},
-        {value, 88, 1, {3, 0}},
-        {length, 88, 1, {0, 5, 9}},
-        {value, 108, 1, {24, 1}},
-        {value, 108, 1, {3, 2}},
-        {value, 109, 1, {24}},
-        {value, 110, 1, {24}},
-        {value, 111, 1, {24}},
-        {value, 113, 1, {33}},
-        {value, 114, 1, {2}},
-        {value, 97, 3, {0, 0, 0, 0, 0x64, 0xFF}},  // a divisor of port 1
-        {value, 97, 4, {0, 0, 0, 0, 0xD9, 0x01}},  // and one of port 0
-        {value, 97, 3, {1, 3, 0, 0, 0xD9, 1}},     // format 3 needs type 0
-        {value, 97, 3, {4, 0, 0, 0, 0xD9, 1}},
-        {length, 101, 3, {50, 2, 0xAB}},
-        {value, 105, 3, {4}},
-        {value, 96, 7, {161, 8, 0, 1}},
-        {length, 96, 7, {12, 8, 0, 1}},
-        {value, 5, 2, {59, 0, 0}},
-        {length, 4, 2, Bytes(61, 58)},
-    };
+    // Among them each port's divisor for the other, and format 3 without type 0.
+    return {{value, 78, 1, {1, 32}},
+            {value, 79, 1, {1, 32}},
+            {value, 85, 1, {11}},
+            {value, 86, 1, {4, 0, 0, 0}},
+            {value, 87, 1, {3, 1, 0, 1}},
+            {value, 87, 1, {0, 3, 0, 1}},
+            {value, 88, 1, {3, 0}},
+            {length, 88, 1, {0, 5, 9}},
+            {value, 108, 1, {24, 1}},
+            {value, 108, 1, {3, 2}},
+            {value, 109, 1, {24}},
+            {value, 110, 1, {24}},
+            {value, 111, 1, {24}},
+            {value, 113, 1, {33}},
+            {value, 114, 1, {2}},
+            {value, 97, 3, {0, 0, 0, 0, 0x64, 0xFF}},
+            {value, 97, 4, {0, 0, 0, 0, 0xD9, 0x01}},
+            {value, 97, 3, {1, 3, 0, 0, 0xD9, 1}},
+            {value, 97, 3, {4, 0, 0, 0, 0xD9, 1}},
+            {length, 101, 3, {50, 2, 0xAB}},
+            {value, 105, 3, {4}},
+            {value, 96, 7, {161, 8, 0, 1}},
+            {length, 96, 7, {12, 8, 0, 1}},
+            {value, 5, 2, {59, 0, 0}},
+            {length, 4, 2, Bytes(61, 58)}};
 }
 
 std::vector<Refused> refusedBy(Model model)

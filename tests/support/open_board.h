@@ -36,6 +36,13 @@ std::string wire(const sim::VirtualBoard &board);
 /// Bytes as text: "0A 1F".
 std::string hex(const unsigned char *bytes, std::size_t count);
 
+/// The error of a call that is to fail.
+inline int errorOf(SorvaneUSB &usb, int result)
+{
+    EXPECT_EQ(result, 0);
+    return usb.GetLastError();
+}
+
 /// Opened with a running firmware, its trace cleared.
 struct OpenBoard {
     explicit OpenBoard(sim::Model model, int deviceNo = 0, bool highSpeed = false) : board(plug(deviceNo, model))
