@@ -120,14 +120,6 @@ TEST_P(LampScenario, APulseEndsByItselfAndIsReported)
     EXPECT_EQ(ended, 2U);
 }
 
-TEST_P(LampScenario, TheBrightnessStaysUntilAnotherIsAccepted)
-{
-    EXPECT_TRUE(usb.SetOutputBrightness(3));
-    EXPECT_EQ(board.outputs().brightness(), 3U);
-    EXPECT_FALSE(usb.SetOutputBrightness(11));
-    EXPECT_EQ(board.outputs().brightness(), 3U);
-}
-
 }  // namespace
 
 }  // namespace tests

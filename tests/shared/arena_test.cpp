@@ -33,18 +33,6 @@ struct LocalArena {
     SharedMemoryArenaHeader *header;
 };
 
-TEST(Arena, IsBuiltAsOneFreeRun)
-{
-    LocalArena arena;
-    EXPECT_EQ(arena.header->blockCount, 526u);
-    EXPECT_EQ(arena.header->buildCount, 1u);
-    EXPECT_EQ(arena.header->block(0)->blockCount, 526u);
-    EXPECT_EQ(arena.header->block(0)->useCount, 0u);
-    EXPECT_EQ(arena.header->block(0)->mutexID.count, 1);
-    EXPECT_EQ(reinterpret_cast<char *>(arena.header->block(3)) - reinterpret_cast<char *>(arena.header), 128 + 3 * 124);
-    EXPECT_EQ(examineArena(arena.header, arena.id, 65536), ArenaState::whole);
-}
-
 TEST(Arena, GivesTheFirstRunThatIsLongEnoughAndSplitsIt)
 {
     LocalArena arena;

@@ -2,7 +2,6 @@
 // outside and sends other processes in and out.
 #include <dlfcn.h>
 #include <sys/stat.h>
-#include <vector>
 
 #include "tests/shared/outside.h"
 
@@ -115,33 +114,6 @@ TEST_F(Processes, ALockIsWaitedForAndInheritedFromAKilledHolder)
     EXPECT_EQ(valueOf(0), 1) << "a killed process leaves its registration";
     Peer next;
     EXPECT_EQ(next.ask("attached"), "yes");
-}
-
-TEST_F(Processes, StartTogetherAndShareOneOfEach)
-{
-    constexpr int together = 8;
-    for (int round = 0; round < 15; ++round) {
-        std::vector<Peer> peers;
-        for (int k = 0; k < together; ++k)
-            peers.emplace_back(PEER_PROGRAM, Peer::Start::held);
-        for (Peer &peer : peers)
-            peer.release();
-        for (Peer &peer : peers) {
-            peer.waitUntilReady();
-            EXPECT_EQ(peer.ask("attached"), "yes");
-        }
-        expectShared(together);
-        for (int k = 0; k < together; ++k)
-            peers[std::size_t(k)].tell("output 1 " + std::to_string(k) + " 1");
-        for (Peer &peer : peers)
-            peer.answer();
-        EXPECT_EQ(peers[0].ask("on 1"), "FF00000000");
-        for (Peer &peer : peers)
-            peer.leave();
-        for (Peer &peer : peers)
-            EXPECT_TRUE(peer.wait());
-        expectNothingLeft();
-    }
 }
 
 #ifdef OTHER_WIDTH_PEER

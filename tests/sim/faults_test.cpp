@@ -38,6 +38,9 @@ TEST_F(FaultsTest, ARefusedExchangeIsNotCarriedOutAnAnsweredOneIs)
     board.answerNext({1, 2, 3});
     EXPECT_EQ(ask(85, 1, {5}), (Bytes{1, 2, 3}));
     EXPECT_EQ(board.outputs().brightness(), 5U);
+    ASSERT_EQ(board.exchanges().size(), 2U);
+    EXPECT_EQ(board.exchanges()[0], (Exchange{85, 1, {5}, 99, {}}));
+    EXPECT_EQ(board.exchanges()[1], (Exchange{85, 1, {5}, 0, {1, 2, 3}}));
 }
 
 TEST_F(FaultsTest, ALostCallIsNotSeenUnlessItWasCarriedOut)

@@ -128,25 +128,6 @@ TEST_F(InProcessTest, ADuplicateIsTheBoardAndAReusedNumberIsNot)
     close(other);
 }
 
-TEST_F(InProcessTest, ADescriptorOfAnEarlierPlugStaysDead)
-{
-    VirtualBoard &board = inProcessBoards().plug(0, Model::R35);
-    unsigned char inputs[256];
-    const int descriptor = open("/dev/Vexa_0", O_RDWR);
-    board.unplug();
-    EXPECT_EQ(open("/dev/Vexa_0", O_RDWR), -1);
-    EXPECT_EQ(errno, ENOENT);
-    for (int replug = 0; replug < 3; ++replug) {
-        EXPECT_EQ(getInputs(descriptor, inputs), -1);
-        EXPECT_EQ(errno, ENODEV);
-        if (replug == 0)
-            board.plug();
-        else
-            inProcessBoards().plug(0, Model::R20);
-    }
-    close(descriptor);
-}
-
 TEST_F(InProcessTest, AttributesAreReadAsFilesAndLeaveNoneOpen)
 {
     inProcessBoards().plug(12, Model::R20s).highSpeed();

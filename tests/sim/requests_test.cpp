@@ -135,14 +135,5 @@ TEST_P(RequestsTest, WithoutFirmwareOnlyPipe6Answers)
     EXPECT_EQ(ask(74, 6), Bytes{0});
 }
 
-TEST_P(RequestsTest, TheTraceKeepsEveryExchange)
-{
-    ask(85, 1, {3});
-    refusal(85, 1, {11});
-    ASSERT_EQ(board.exchanges().size(), 2U);
-    EXPECT_EQ(board.exchanges()[0], (Exchange{85, 1, {3}, 0, {}}));
-    EXPECT_EQ(board.exchanges()[1], (Exchange{85, 1, {11}, statusWrongValue, {}}));
-}
-
 }  // namespace
 }  // namespace sim
