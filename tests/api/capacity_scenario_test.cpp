@@ -5,10 +5,7 @@
 #include "sim/peripherals/polled_device.h"
 #include "tests/support/open_board.h"
 
-namespace tests
-{
-
-namespace
+namespace tests::capacity
 {
 
 using namespace std::chrono_literals;
@@ -286,6 +283,4 @@ TEST_P(CapacityScenario, ABoardThatPromisesMoreForEverIsGivenUp)
     EXPECT_TRUE(buffer.holdsOnly(sim::Bytes(length, 0x43)));
 }
 
-}  // namespace
-
-}  // namespace tests
+}  // namespace tests::capacity

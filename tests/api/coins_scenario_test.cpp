@@ -3,10 +3,7 @@
 
 #include "tests/support/open_board.h"
 
-namespace tests
-{
-
-namespace
+namespace tests::coins
 {
 
 using namespace std::chrono_literals;
@@ -117,25 +114,10 @@ TEST_P(CoinScenario, AHopperWith3CoinsAskedFor5Pays3AndStops)
     EXPECT_EQ(hopperStatus(), sim::hopperRanOut);
 }
 
-TEST_P(CoinScenario, AJammedHopperGivesUpAndPaysTheRestWhenAskedAgain)
+TEST_P(CoinScenario, AJamAndADriveThatIsCutHoldTheCoinsBack)
 {
     board.hopper(5, 20);
     EXPECT_TRUE(release(300));
-    testClock().advance(450ms);
-    board.hoppers().at(5).jam();
-    testClock().advance(10s);
-    EXPECT_EQ(paying(), Paying(false, 2));
-    EXPECT_EQ(hopperStatus(), sim::hopperRanOut);
-    board.hoppers().at(5).jam(false);
-    EXPECT_TRUE(release(3));
-    testClock().advance(10s);
-    EXPECT_EQ(paying(), Paying(false, 3));
-}
-
-TEST_P(CoinScenario, AShortJamAndADriveThatIsCutHoldTheCoinsBack)
-{
-    board.hopper(5, 20);
-    EXPECT_TRUE(release(5));
     testClock().advance(250ms);
     board.hoppers().at(5).jam();
     testClock().advance(1s);
@@ -144,10 +126,20 @@ TEST_P(CoinScenario, AShortJamAndADriveThatIsCutHoldTheCoinsBack)
     board.hoppers().at(5).jam(false);
     testClock().advance(250ms);
     EXPECT_EQ(paying(), Paying(true, 2));
+    board.hoppers().at(5).jam();
+    testClock().advance(10s);
+    EXPECT_EQ(paying(), Paying(false, 2)) << "it has given up";
+    EXPECT_EQ(hopperStatus(), sim::hopperRanOut);
+    board.hoppers().at(5).jam(false);
+    EXPECT_TRUE(release(3));
+    testClock().advance(10s);
+    EXPECT_EQ(paying(), Paying(false, 3)) << "the rest when asked again";
+    EXPECT_TRUE(release(5));
+    testClock().advance(450ms);
     EXPECT_TRUE(usb.SetOutputBit(usbOutput37, 0));
     testClock().advance(3s);
     EXPECT_EQ(paying(), Paying(false, 2));
-    EXPECT_EQ(board.hoppers().at(5).stock(), 18U);
+    EXPECT_EQ(board.hoppers().at(5).stock(), 20U - 2 - 3 - 2);
 }
 
 TEST_P(CoinScenario, AReleaseIsStoppedWhereTheModelCan)
@@ -174,6 +166,4 @@ TEST_P(CoinScenario, AReleaseWhoseAnswerIsLostIsNotAskedTwice)
     EXPECT_EQ(board.hoppers().at(5).stock(), 17U);
 }
 
-}  // namespace
-
-}  // namespace tests
+}  // namespace tests::coins

@@ -4,10 +4,7 @@
 
 #include "tests/support/open_board.h"
 
-namespace tests
-{
-
-namespace
+namespace tests::firmware
 {
 
 using sim::Exchange;
@@ -209,6 +206,4 @@ TEST(Preparation, FailsWithTheCodeOfTheStepThatFailed)
     EXPECT_EQ(errorOf(usb, usb.InitPort(12)), 98);
 }
 
-}  // namespace
-
-}  // namespace tests
+}  // namespace tests::firmware

@@ -3,10 +3,7 @@
 
 #include "tests/support/open_board.h"
 
-namespace tests
-{
-
-namespace
+namespace tests::lamps
 {
 
 using namespace std::chrono_literals;
@@ -120,6 +117,4 @@ TEST_P(LampScenario, APulseEndsByItselfAndIsReported)
     EXPECT_EQ(ended, 2U);
 }
 
-}  // namespace
-
-}  // namespace tests
+}  // namespace tests::lamps

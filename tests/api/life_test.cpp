@@ -6,10 +6,7 @@
 
 #include "tests/support/open_board.h"
 
-namespace tests
-{
-
-namespace
+namespace tests::life
 {
 
 class Life : public testing::Test
@@ -30,6 +27,7 @@ TEST_F(Life, TheLastHolderOfABoardClosesItsNode)
     plugRunning(0);
     SorvaneUSB first;
     ASSERT_TRUE(first.InitPort(0));
+    EXPECT_EQ(sim::inProcessCalls().lastOpenFlags & (O_ACCMODE | O_CLOEXEC), O_RDWR | O_CLOEXEC);
     {
         SorvaneUSB copy(first);
         SorvaneUSB assigned;
@@ -79,14 +77,6 @@ TEST_F(Life, AMissingBoardLeavesTheOpenOneOpen)
     }
     ASSERT_TRUE(usb.InitPort(3)) << "opening again closes first";
     EXPECT_EQ(open(3), 1u);
-}
-
-TEST_F(Life, TheNodeIsOpenedForReadingAndWritingAndNotInherited)
-{
-    plugRunning(0);
-    SorvaneUSB usb;
-    ASSERT_TRUE(usb.InitPort(0));
-    EXPECT_EQ(sim::inProcessCalls().lastOpenFlags & (O_ACCMODE | O_CLOEXEC), O_RDWR | O_CLOEXEC);
 }
 
 TEST_F(Life, InitOpensTheLowestBoardOfSixteen)
@@ -196,25 +186,17 @@ TEST_F(Life, InitUSBBoardOpensTheBoardThatReportsTheNumber)
     }
 }
 
-TEST_F(Life, InitUSBBoardRefusesANumberAbove15WithoutOpening)
+TEST_F(Life, InitUSBBoardOpensNothingForANumberAbove15AndKeepsABoardWhoseInputsCannotBeRead)
 {
-    plugRunning(0);
+    plug(7, sim::Model::R35).firmwareRunning().faults().add(sim::Fault::status(99).on(75, 1));
     SorvaneUSB usb;
     sim::resetInProcessCalls();
     EXPECT_EQ(errorOf(usb, usb.InitUSBBoard(16)), usbErrorParameter);
     EXPECT_EQ(sim::inProcessCalls().opens, 0u);
-}
-
-TEST_F(Life, InitUSBBoardKeepsABoardWhoseInputsCannotBeRead)
-{
-    plug(7, sim::Model::R35).firmwareRunning().faults().add(sim::Fault::status(99).on(75, 1));
-    SorvaneUSB usb;
     EXPECT_EQ(errorOf(usb, usb.InitUSBBoard(0)), 99);
     EXPECT_EQ(open(7), 1u);
     usb.close();
     EXPECT_EQ(open(7), 0u);
 }
 
-}  // namespace
-
-}  // namespace tests
+}  // namespace tests::life

@@ -3,10 +3,7 @@
 
 #include "tests/support/open_board.h"
 
-namespace tests
-{
-
-namespace
+namespace tests::memory_scenario
 {
 
 using namespace std::chrono_literals;
@@ -92,6 +89,4 @@ TEST_P(MemoryScenario, ARecordingLiesWhereItWasAskedForAndNowhereElse)
     }
 }
 
-}  // namespace
-
-}  // namespace tests
+}  // namespace tests::memory_scenario

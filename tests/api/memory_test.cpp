@@ -3,10 +3,7 @@
 
 #include "tests/support/open_board.h"
 
-namespace tests
-{
-
-namespace
+namespace tests::memory
 {
 
 using sim::Fault;
@@ -229,6 +226,4 @@ TEST(Memories, TheEEPROMIsBoundedByTheTypeThatWasLastConfigured)
     EXPECT_TRUE(on.read(32667, data, 100)) << "detection leaves the type that it tried last";
 }
 
-}  // namespace
-
-}  // namespace tests
+}  // namespace tests::memory

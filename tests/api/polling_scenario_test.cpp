@@ -6,10 +6,7 @@
 #include "sim/peripherals/sas_host.h"
 #include "tests/support/open_board.h"
 
-namespace tests
-{
-
-namespace
+namespace tests::polling
 {
 
 using namespace std::chrono_literals;
@@ -204,6 +201,4 @@ TEST_P(SASScenario, TheBoardAnswersByItselfWhileTheGameIsBusy)
     EXPECT_EQ(status(), 5U);
 }
 
-}  // namespace
-
-}  // namespace tests
+}  // namespace tests::polling

@@ -1,10 +1,7 @@
 // Three reels: ramps, running, stopping at a count, and finding the index.
 #include "tests/support/open_board.h"
 
-namespace tests
-{
-
-namespace
+namespace tests::reels
 {
 
 using namespace std::chrono_literals;
@@ -123,6 +120,4 @@ TEST_P(ReelScenario, AFewStepsUseTheEndOfTheRampOnly)
     expectReel(0, 3, 0, Still);
 }
 
-}  // namespace
-
-}  // namespace tests
+}  // namespace tests::reels

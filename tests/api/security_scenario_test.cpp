@@ -1,10 +1,7 @@
 // Clock, battery, switch log, random numbers and identities.
 #include "tests/support/open_board.h"
 
-namespace tests
-{
-
-namespace
+namespace tests::security
 {
 
 using namespace std::chrono_literals;
@@ -154,6 +151,4 @@ TEST_P(SecurityScenario, EveryWrongBitOfTheOneWireNumberIsNoticed)
     }
 }
 
-}  // namespace
-
-}  // namespace tests
+}  // namespace tests::security

@@ -4,10 +4,7 @@
 
 #include "tests/support/open_board.h"
 
-namespace tests
-{
-
-namespace
+namespace tests::serial
 {
 
 using namespace std::chrono_literals;
@@ -209,6 +206,4 @@ TEST_P(SerialScenario, TheMessageIdCountsEveryPort0ReceiveOfTheProcess)
     }
 }
 
-}  // namespace
-
-}  // namespace tests
+}  // namespace tests::serial

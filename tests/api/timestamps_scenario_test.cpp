@@ -3,10 +3,7 @@
 
 #include "tests/support/open_board.h"
 
-namespace tests
-{
-
-namespace
+namespace tests::timestamps
 {
 
 /// What a call stored: "1 41 05" is received, data and timestamp; ".." was not written.
@@ -138,6 +135,4 @@ TEST_P(TimestampScenario, EachDeviceKeepsItsOwnBatch)
     EXPECT_EQ(next(other.usb), "1 42 06");
 }
 
-}  // namespace
-
-}  // namespace tests
+}  // namespace tests::timestamps

@@ -3,10 +3,7 @@
 
 #include "tests/support/open_board.h"
 
-namespace tests
-{
-
-namespace
+namespace tests::transport
 {
 
 using sim::Fault;
@@ -120,6 +117,4 @@ TEST(Transport, SendsAnR20PayloadOf511BytesAndNoMore)
     EXPECT_EQ(wire(open.board), "71/6 00 00 00") << "a payload that is not there is zeros";
 }
 
-}  // namespace
-
-}  // namespace tests
+}  // namespace tests::transport

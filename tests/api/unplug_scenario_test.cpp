@@ -1,10 +1,7 @@
 // A board that is pulled off while it is in use, and what it takes to go on when it is back.
 #include "tests/support/open_board.h"
 
-namespace tests
-{
-
-namespace
+namespace tests::unplug
 {
 
 class UnplugScenario : public BoardScenario
@@ -120,6 +117,4 @@ TEST_P(UnplugScenario, TheKeptLampsAreSentAlongWhenTheBoardHasForgottenThem)
     EXPECT_EQ(board.outputs().onPattern(), (sim::Pattern{0x80, 0x01, 0, 0, 0}));
 }
 
-}  // namespace
-
-}  // namespace tests
+}  // namespace tests::unplug

@@ -13,10 +13,7 @@
 #include "board/rbase_shared_implementation/shared_board_state.h"
 #include "shared/mutex_set.h"
 
-namespace tests
-{
-
-namespace
+namespace tests::structure
 {
 
 static_assert(sizeof(SorvaneUSB) == sizeof(void *) && !std::is_polymorphic_v<SorvaneUSB>);
@@ -177,6 +174,4 @@ TEST(BoardBase, ADownloadWithoutAnOwnerFailsWithoutACode)
     EXPECT_EQ(RBaseImplementation::GetLastError(), usbErrorNone);
 }
 
-}  // namespace
-
-}  // namespace tests
+}  // namespace tests::structure

@@ -7,10 +7,7 @@
 
 #include "shared/arena_check.h"
 
-namespace tests
-{
-
-namespace
+namespace tests::arena
 {
 
 SharedMemoryArenaID arenaID(const char *name, unsigned int size)
@@ -123,6 +120,4 @@ TEST(Segment, AnArenaIsOneElementAProcess)
     EXPECT_EQ(Mutex::FindMutex(id.mutexID), nullptr);
 }
 
-}  // namespace
-
-}  // namespace tests
+}  // namespace tests::arena

@@ -3,10 +3,7 @@
 
 #include "tests/shared/outside.h"
 
-namespace tests
-{
-
-namespace
+namespace tests::leftovers
 {
 
 TEST_F(Processes, AMakerThatDiedIsFollowedByWhoeverComesNext)
@@ -106,6 +103,4 @@ TEST_F(Processes, KeyFilesAreNotWrittenThroughALink)
     EXPECT_EQ(content, "content");
 }
 
-}  // namespace
-
-}  // namespace tests
+}  // namespace tests::leftovers

@@ -8,10 +8,7 @@
 
 #include "shared/mutex_set.h"
 
-namespace tests
-{
-
-namespace
+namespace tests::mutex
 {
 
 int setOf(const char *keyFile, int project)
@@ -95,6 +92,4 @@ TEST(Mutexes, AGuardGivesBackOnlyWhatItGot)
     EXPECT_EQ(setOf("/tmp/Sem_TestGuard", 1), -1);
 }
 
-}  // namespace
-
-}  // namespace tests
+}  // namespace tests::mutex

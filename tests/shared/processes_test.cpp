@@ -5,10 +5,7 @@
 
 #include "tests/shared/outside.h"
 
-namespace tests
-{
-
-namespace
+namespace tests::processes
 {
 
 TEST_F(Processes, TheFirstLaysOutTheArenaByteForByte)
@@ -198,6 +195,4 @@ TEST_F(Processes, LoadingUnloadingAndLoadingAgainStartsAfresh)
     }
 }
 
-}  // namespace
-
-}  // namespace tests
+}  // namespace tests::processes
