@@ -1,6 +1,5 @@
 // Results into buffers of known size: never a byte behind the capacity, and what does not fit stays on the board.
 #include <cerrno>
-#include <numeric>
 
 #include "sim/peripherals/polled_device.h"
 #include "tests/support/open_board.h"
@@ -12,13 +11,6 @@ using namespace std::chrono_literals;
 
 constexpr unsigned char guard = 0xEE;
 constexpr unsigned long largestCapacity = ~0UL;
-sim::Bytes counting(std::size_t count)
-{
-    sim::Bytes bytes(count);
-    std::iota(bytes.begin(), bytes.end(), static_cast<unsigned char>(0));
-    return bytes;
-}
-
 /// A caller's buffer far larger than what it says of itself, so that a byte too much is seen and harms nothing.
 struct Guarded {
     sim::Bytes bytes = sim::Bytes(4096, guard);

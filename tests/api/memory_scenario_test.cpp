@@ -38,9 +38,7 @@ TEST_P(MemoryScenario, AnSPISlaveEchoesWhileThePortIsOn)
     EXPECT_TRUE(usb.EnableSPI());
     EXPECT_EQ(transfer({0x12, 0x30}, 12, 16), "12 30 EE");
     EXPECT_EQ(transfer({0x12, 0x30}, 12, 0), "EE");
-    sim::Bytes longest(20);
-    std::iota(longest.begin(), longest.end(), static_cast<unsigned char>(1));
-    EXPECT_EQ(transfer(longest, 160, 160), hex(longest.data(), 20) + " EE");
+    EXPECT_EQ(transfer(counting(20), 160, 160), hex(counting(20).data(), 20) + " EE");
     EXPECT_EQ(transfer({16, 32, 2, 1, 2, 54}, 48, 56), "10 20 02 01 02 36 00 EE") << "no SEC frame: a wrong checksum";
     board.spi().reply({9});
     EXPECT_EQ(transfer({0x12}, 8, 16), "09 00 EE");

@@ -9,13 +9,6 @@ namespace tests::serial
 
 using namespace std::chrono_literals;
 
-sim::Bytes counting(std::size_t count)
-{
-    sim::Bytes bytes(count);
-    std::iota(bytes.begin(), bytes.end(), static_cast<unsigned char>(1));
-    return bytes;
-}
-
 class SerialScenario : public BoardScenario
 {
 protected:

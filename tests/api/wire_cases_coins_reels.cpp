@@ -17,7 +17,7 @@ usbRampTable ramp(unsigned char count)
     return table;
 }
 
-std::string counting(int count)
+std::string countingText(int count)
 {
     std::string text;
     for (int k = 0; k < count; ++k) {
@@ -32,7 +32,7 @@ std::string counting(int count)
 WireCases coinAndReelCases()
 {
     const sim::Bytes reels = {1, 2, 3, 4, 5, 6, 0x01, 0x2C, 0, 5, 2, 0x80, 13, 14, 15, 16, 17, 18};
-    const std::string r35Ramp = "89/1 02 3C" + counting(60);
+    const std::string r35Ramp = "89/1 02 3C" + countingText(60);
     WireCases cases = {
         call("ConfigurePulsedInput(3, 20)", "107/1 03 14 01 00", &U::ConfigurePulsedInput, usbInput3, 20, active)
             .onR20("107/1 03 14 01"),

@@ -9,9 +9,7 @@
 #include <cerrno>
 #include <cstring>
 
-namespace sim
-{
-namespace
+namespace sim::driver_test
 {
 
 // A caller with a page at 0x1000 and a read-only one at 0x2000.
@@ -178,7 +176,7 @@ TEST_P(RecordTest, AnEmptyAnswerMayLieBehindAFullBufferButNotAnywhere)
     EXPECT_EQ(call(fields), -EFAULT);
 }
 
-TEST_P(RecordTest, WhatNoBoardCanBeAskedIsInvalid)
+TEST_P(RecordTest, WrongPipesForeignRequestsAndDeadDescriptorsAreRefused)
 {
     RecordFields fields;
     for (const std::uint32_t pipeIndex : {7U, 0xFFFFFFFFU}) {
@@ -188,10 +186,6 @@ TEST_P(RecordTest, WhatNoBoardCanBeAskedIsInvalid)
     fields.pipeIndex = 0;
     fields.outLength = 65537;
     EXPECT_EQ(call(fields), -EINVAL);
-}
-
-TEST_P(RecordTest, ForeignRequestsAndDeadDescriptorsAreRefused)
-{
     EXPECT_EQ(driverIoctl(board, 0xc2108100, 0x1000, GetParam(), caller), -ENOTTY);
     EXPECT_EQ(driverIoctl(board, 0x5401, 0x1000, GetParam(), caller), -ENOTTY);
     caller.put(0x1000, recordBytes({}, GetParam()));
@@ -293,5 +287,4 @@ TEST(ProcessMemoryTest, WrongAndReadOnlyPagesAreRefused)
     munmap(pages, 2 * size);
 }
 
-}  // namespace
-}  // namespace sim
+}  // namespace sim::driver_test

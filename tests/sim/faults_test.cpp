@@ -3,9 +3,7 @@
 
 #include <cerrno>
 
-namespace sim
-{
-namespace
+namespace sim::faults_test
 {
 
 using FaultsTest = BoardTest;
@@ -65,5 +63,4 @@ TEST_F(FaultsTest, AnswersAreCutAndFilledUp)
     EXPECT_EQ(ask(75, 1).size(), 5U);
 }
 
-}  // namespace
-}  // namespace sim
+}  // namespace sim::faults_test

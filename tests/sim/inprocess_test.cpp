@@ -13,9 +13,7 @@
 
 extern "C" int __open64_2(const char *path, int flags);
 
-namespace sim
-{
-namespace
+namespace sim::inprocess_test
 {
 
 class InProcessTest : public testing::Test
@@ -178,5 +176,4 @@ TEST_F(InProcessTest, AChildGoesOnWithItsOwnBoards)
     close(descriptor);
 }
 
-}  // namespace
-}  // namespace sim
+}  // namespace sim::inprocess_test

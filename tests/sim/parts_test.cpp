@@ -1,9 +1,7 @@
 // Inputs and outputs at their bits, the firmware, and diagnostics.
 #include "tests/sim/sim_test.h"
 
-namespace sim
-{
-namespace
+namespace sim::parts_test
 {
 
 using IOTest = EveryModel;
@@ -95,5 +93,4 @@ TEST_F(BoardTest, DiagnosticDataIsReadBack)
     EXPECT_EQ(ask(128, 1, {1, 2}), (Bytes{7, 8, 9}));
 }
 
-}  // namespace
-}  // namespace sim
+}  // namespace sim::parts_test

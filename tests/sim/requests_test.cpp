@@ -4,9 +4,7 @@
 
 #include <set>
 
-namespace sim
-{
-namespace
+namespace sim::requests_test
 {
 
 using RequestsTest = EveryModel;
@@ -135,5 +133,4 @@ TEST_P(RequestsTest, WithoutFirmwareOnlyPipe6Answers)
     EXPECT_EQ(ask(74, 6), Bytes{0});
 }
 
-}  // namespace
-}  // namespace sim
+}  // namespace sim::requests_test

@@ -4,9 +4,7 @@
 #include "sim/peripherals/sas_host.h"
 #include "tests/sim/sim_test.h"
 
-namespace sim
-{
-namespace
+namespace sim::serial_test
 {
 
 using namespace std::chrono_literals;
@@ -121,5 +119,4 @@ TEST_P(SerialTest, APeripheralThatIsTakenOffHasNothingMoreToDo)
     EXPECT_EQ(ask(99, 4), Bytes{});
 }
 
-}  // namespace
-}  // namespace sim
+}  // namespace sim::serial_test

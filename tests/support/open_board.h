@@ -3,6 +3,7 @@
 #define SORVANE_TESTS_SUPPORT_OPEN_BOARD_H
 
 #include <gtest/gtest.h>
+#include <numeric>
 #include <sorvaneusb.h>
 #include <string>
 
@@ -35,6 +36,14 @@ std::string wire(const sim::VirtualBoard &board);
 
 /// Bytes as text: "0A 1F".
 std::string hex(const unsigned char *bytes, std::size_t count);
+
+/// So many bytes that count up.
+inline sim::Bytes counting(std::size_t count)
+{
+    sim::Bytes bytes(count);
+    std::iota(bytes.begin(), bytes.end(), static_cast<unsigned char>(1));
+    return bytes;
+}
 
 /// The error of a call that is to fail.
 inline int errorOf(SorvaneUSB &usb, int result)
