@@ -155,8 +155,11 @@ TEST_F(InProcessTest, OtherFilesAreTheCLibrarys)
     close(descriptor);
     EXPECT_EQ(attribute(name), "abc");
     unlink(name);
-    EXPECT_EQ(open("/dev/Vexa_16", O_RDWR), -1);
-    EXPECT_EQ(errno, ENOENT);
+    inProcessBoards().plug(15, Model::R35).unplug();
+    for (const char *nowhere : {"/dev/Vexa_15", "/dev/Vexa_16"}) {
+        EXPECT_EQ(open(nowhere, O_RDWR), -1);
+        EXPECT_EQ(errno, ENOENT);
+    }
 }
 
 TEST_F(InProcessTest, AChildGoesOnWithItsOwnBoards)
