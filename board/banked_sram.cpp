@@ -1,7 +1,6 @@
 #include "board/banked_sram.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "board/exchange.h"
 #include "board/transfer_range.h"
@@ -79,9 +78,7 @@ int readBankedSRAM(RBaseImplementation &board, unsigned long limit, unsigned lon
             return 0;
         if (response.count == 0)
             return RBaseImplementation::Fail(usbErrorTransfer);
-        const unsigned long received = fitting(response.count, length - done);
-        std::memcpy(data + done, response.bytes, received);
-        done += received;
+        done += response.copyTo(data + done, length - done);
     }
     return 1;
 }

@@ -6,6 +6,7 @@
 
 #include "board/payload.h"
 #include "board/rbase_implementation.h"
+#include "board/transfer_range.h"
 
 /// What a board answered. The bytes are not cleared before the exchange; those that a decoder may read behind a short
 /// answer are cleared after it.
@@ -24,6 +25,14 @@ public:
     unsigned long u32le(unsigned int place) const
     {
         return u16le(place) | static_cast<unsigned long>(u16le(place + 2)) << 16;
+    }
+
+    /// Copies what fits in room bytes, and returns how many these are.
+    unsigned long copyTo(unsigned char *to, unsigned long room) const
+    {
+        const unsigned long size = fitting(count, room);
+        std::memcpy(to, bytes, size);
+        return size;
     }
 
     /// Cuts the count to the buffer, whatever the driver said, and clears what a record may still cover.

@@ -1,10 +1,8 @@
 #include "board/flat_memory.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "board/exchange.h"
-#include "board/transfer_range.h"
 
 int readFlatMemory(RBaseImplementation &board, Request request, unsigned long address, unsigned char *data,
                    unsigned long length)
@@ -17,9 +15,7 @@ int readFlatMemory(RBaseImplementation &board, Request request, unsigned long ad
             return 0;
         if (response.count == 0)
             return RBaseImplementation::Fail(usbErrorTransfer);
-        const unsigned long received = fitting(response.count, length - done);
-        std::memcpy(data + done, response.bytes, received);
-        done += received;
+        done += response.copyTo(data + done, length - done);
     }
     return 1;
 }

@@ -38,7 +38,7 @@ int RBaseImplementation::ReadIdentity(Request request, unsigned char *identity, 
     Response response;
     if (!Ask(request, response))
         return 0;
-    std::memcpy(identity, response.bytes, fitting(response.count, capacity));
+    response.copyTo(identity, capacity);
     return 1;
 }
 

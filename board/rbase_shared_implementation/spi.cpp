@@ -1,6 +1,5 @@
 // Transfers over the board's SPI port, counted in bits, and the SEC frames that travel in them.
 #include "board/exchange.h"
-#include "board/transfer_range.h"
 
 namespace
 {
@@ -58,7 +57,7 @@ int RBaseImplementation::SendSPI(unsigned char sendBits, unsigned char *txData, 
     Response response;
     if (!AskWith(Request::SendSPI, response, payload.bytes, payload.length))
         return 0;
-    std::memcpy(rxData, response.bytes, fitting(response.count, capacity));
+    response.copyTo(rxData, capacity);
     return 1;
 }
 
