@@ -123,12 +123,13 @@ SharedMemoryLocalListElement *SharedMemoryLocalListElement::GetSharedMemoryArena
 {
     if (SharedMemoryLocalListElement *element = SearchForSharedMemoryArenaHeader(id))
         return element;
-    auto *element = new (std::nothrow) SharedMemoryLocalListElement;
-    if (!element)
-        return nullptr;
-    // The mutex comes first, so that attaching, building and checking the arena happen under it.
+    // The mutex comes first, so that attaching, building and checking the arena happen under it. It also decides the
+    // key of the set: where it cannot be had, no other mutex may be asked for.
     Mutex *mutex = Mutex::GetLocalMutex(id.mutexID);
-    {
+    if (!mutex)
+        return nullptr;
+    auto *element = new (std::nothrow) SharedMemoryLocalListElement;
+    if (element) {
         MutexGuard guard(mutex);
         auto *memory = new (std::nothrow) LinuxSharedMemory(id);
         if (memory) {
@@ -137,9 +138,8 @@ SharedMemoryLocalListElement *SharedMemoryLocalListElement::GetSharedMemoryArena
         }
         element->sharedMemory = memory;
     }
-    if (!element->sharedMemory) {
-        if (mutex)
-            Mutex::ReleaseLocalMutex(mutex);
+    if (!element || !element->sharedMemory) {
+        Mutex::ReleaseLocalMutex(mutex);
         delete element;
         return nullptr;
     }
@@ -177,8 +177,7 @@ void SharedMemoryLocalListElement::ReleaseSharedMemoryElement(SharedMemoryLocalL
         *link = element->next;
         break;
     }
-    if (mutex)
-        Mutex::ReleaseLocalMutex(mutex);
+    Mutex::ReleaseLocalMutex(mutex);
     delete memory;
     delete element;
 }
