@@ -8,6 +8,7 @@
 #include "shared/key_file.h"
 
 constinit LinuxMutexSet *LinuxMutexSet::MasterListStart = nullptr;
+constinit bool LinuxMutexSet::inForkedChild = false;
 
 namespace
 {
@@ -167,8 +168,11 @@ void LinuxMutexSet::Leave() const
 
 int LinuxMutexSet::Rejoin(int goneID)
 {
-    if (semaphoreSetID == goneID)
+    if (semaphoreSetID == goneID) {
         semaphoreSetID = Join(Missing::leave);
+        if (registered && inForkedChild)
+            Leave();
+    }
     return semaphoreSetID;
 }
 

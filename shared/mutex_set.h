@@ -46,6 +46,8 @@ public:
     int Rejoin(int goneID);
 
     static LinuxMutexSet *MasterListStart;
+    /// In a forked child nobody gives a registration back: it uses a set that it looks up anew without one.
+    static bool inForkedChild;
 
     int semaphoreSetID = 0;  // -1: none could be had
     MutexID mutexID;

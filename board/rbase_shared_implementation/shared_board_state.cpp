@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include "shared/arena_check.h"
+#include "shared/mutex_set.h"
 #include "shared/store_order.h"
 
 constinit SharedMemoryArenaID sharedBlock = {{"R20SharedMemory", 0}, {"R20Mutex", 0, 10}, 65536};
@@ -132,6 +133,7 @@ constinit pid_t joinedProcess = 0;
 void forgetInChild()
 {
     joinedProcess = 0;
+    LinuxMutexSet::inForkedChild = true;
 }
 
 // 101 is the first priority open to programs: before static objects, in a shared library and in a program alike.

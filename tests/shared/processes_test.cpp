@@ -153,6 +153,11 @@ TEST_F(Processes, AChildThatWasForkedTearsNothingDown)
     EXPECT_EQ(valueOf(0), 1);
     EXPECT_NE(segment(), -1);
     EXPECT_EQ(peer.ask("lock 1"), "ok");
+    ::semctl(semaphores(), 0, IPC_RMID);
+    Peer next;
+    EXPECT_EQ(peer.ask("fork"), "ok");
+    EXPECT_EQ(valueOf(0), 1) << "nor does one that finds a set made anew register for ever";
+    EXPECT_TRUE(next.quit());
     EXPECT_TRUE(peer.quit());
     expectNothingLeft();
 }

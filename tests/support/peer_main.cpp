@@ -49,8 +49,10 @@ std::string mutexCommand(const std::string &verb, int number)
 std::string forkCommand()
 {
     const pid_t child = ::fork();
-    if (child == 0)
+    if (child == 0) {
+        board(0).SetOutputBit(usbOutput7, 1);
         std::exit(0);  // its own way out, with all destructors
+    }
     int status = -1;
     ::waitpid(child, &status, 0);
     return WIFEXITED(status) ? "ok" : "no";
