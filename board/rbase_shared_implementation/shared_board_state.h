@@ -53,7 +53,7 @@ static_assert(sizeof(ReceiveBuffer) == 260 && offsetof(ReceiveBuffer, bytes) == 
 struct TimestampedItem {
     unsigned int hasData() const { return count > 0 && !timeAlone ? 1 : 0; }
 
-    unsigned char bytes[3];
+    unsigned char bytes[3] = {};
     unsigned int count;
     bool timeAlone;  // a batch of one byte
 };

@@ -53,7 +53,7 @@ std::string answer(unsigned long count, const unsigned char *bytes)
 std::string askByPacket(unsigned char request, unsigned int pipe, const Bytes &payload)
 {
     Packet packet{pipe, pipe, static_cast<std::uint32_t>(payload.size() + 1), 64, {request}};
-    std::memcpy(packet.data + 1, payload.data(), payload.size());
+    std::copy(payload.begin(), payload.end(), packet.data + 1);
     if (const int result = ::ioctl(node, packetNumber, &packet); result != 0)
         return result > 0 ? "result " + std::to_string(result) : strerrorname_np(errno);
     if (packet.receiveLength < 2 || packet.receiveLength > 64)
