@@ -8,8 +8,8 @@ const char *usbErrorText(int code)
         return "No error is stored. Where an operation failed all the same, no board is open or the board was "
                "not found: open it first and check its device node and its rights.";
     case usbErrorDataLength:
-        return "The number of bits or bytes to send is out of range: an SPI transfer takes 1 to 160 bits each "
-               "way, a SEC message up to 16 bytes.";
+        return "The number of bits or bytes to send is out of range: an SPI transfer sends 1 to 160 bits and "
+               "receives up to 160, a SEC message takes up to 16 bytes.";
     case usbErrorPipeNumber:
         return "A pipe above 7 was asked for: a board has pipes 1 to 7.";
     case usbErrorTransfer:

@@ -155,7 +155,7 @@ public:
     /// - Result: 1 with the matching board open; 0 if none matches, without a code of its own.
     /// - Errors: 8 `boardNumber` above 15; those of the attempts, `InitPort` and `GetInputs`; the exchange's own.
     /// - On failure: after 8 nothing has changed. Otherwise a board that failed on the way may still be open: `close`
-    ///   it.
+    ///   it. A board that was open before stays open if no other was found.
     int InitUSBBoard(unsigned char boardNumber);
 
     /// \}
@@ -261,7 +261,8 @@ public:
     ///   - request 72 on pipe 6, no payload;
     ///   - the image as `WriteSRAM` at address 0. R20: 15888 bytes by request 71 on pipe 6, 279 exchanges at full
     ///     speed, 64 at high speed. R20s: 14002 bytes by request 117 on pipe 6, pages from 13, 255 or 57 exchanges.
-    ///     R35: the same with 14172 bytes, 258 or 58 exchanges;
+    ///     R35: the same with 14172 bytes, 258 or 58 exchanges. **From page 1, over the board's data,** where a
+    ///     firmware once ran for this object or a copy of it: after a board's restart `close` and open it instead;
     ///   - request 73 on pipe 6, no payload.
     /// - Errors: the exchange's own.
     /// - On failure: what has been written stays in the board and does not run; calling again starts over.
@@ -745,7 +746,8 @@ public:
     /// - Sent: request 99 on pipe 3 or 4. Port 0: 1 byte, the counter of `Receive`. Port 1: no payload.
     /// - Arguments: `port` 0 or 1; `capacity` in words, 128 (on an R20 31) or more.
     /// - Result: `data` receives at most `capacity` words; `count`: their number. If less than a whole answer's room is
-    ///   left behind them, more may be waiting: call again.
+    ///   left behind them, more may be waiting: call again. An odd last byte is written behind them, not counted and
+    ///   lost: a board whose answers cut a word in two needs a `capacity` for all that it can hold.
     /// - Errors: 30 `data` or `count` null; 7 `capacity` below one answer; 8 `port` above 1; the exchange's own.
     /// - On failure: with 30 nothing is written. Otherwise `data` and `count` hold the words that came before it; none
     ///   with 7 and 8.
@@ -851,7 +853,8 @@ public:
     /// Sets the host timeout of a slot.
     /// - Sent: request 121 on pipe 3 or 4, 2 bytes: `slot`, the time in tenths of a second, rounded down (0 to 255).
     /// - Arguments: `port` 0 or 1; `slot` 0 to 3; `seconds` 0 to 25.5. The exact product is cut, and 0.3 is a little
-    ///   less than three tenths: it is sent as 2. Add half a tenth (0.35 is sent as 3).
+    ///   less than three tenths: it is sent as 2. Add half a tenth (0.35 is sent as 3),
+    ///   but not to 25.5.
     /// - Errors: 8 `seconds` below 0, above 25.5 or not a number, or `slot` above 3; 8 `port` above 1; the exchange's
     ///   own.
     int SetPolledHostTimeout(_usbSerialPort port, unsigned char slot, double seconds);
@@ -995,7 +998,8 @@ public:
     /// - Result: `eeprom` receives the record of the type found. A chip that holds the same everywhere, as a blank one
     ///   does, or the same 100 bytes again further on, is taken for a smaller one of its family: `E24LC32` or `E24LC01`
     ///   if blank. Something of your own at 8 to 99, found nowhere else, makes later searches exact.
-    /// - Errors: 30 `eeprom` null; the exchange's own, those of the first read excepted: they are cleared.
+    /// - Errors: 30 `eeprom` null; 6 the board answered a read without data; the exchange's own. Those of the first
+    ///   read are cleared.
     /// - On failure: `eeprom` is untouched; after a failed exchange the device number stays configured as said above.
     int CheckEEPROM(R20EEPROM *eeprom);
 

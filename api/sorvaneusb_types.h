@@ -19,7 +19,8 @@ enum _usbErrorCode : int {
     usbErrorBaudRate = 10,      ///< the baud rate is not in the port's table
     usbErrorPortType = 11,      ///< wrong serial port, port type or format for the type (SetConfig)
     usbErrorRampReel = 16,      ///< the reel of a ramp table is above 2
-    usbErrorNotSupported = 25,  ///< the board lacks the function, or an R20 SRAM address is out of range
+    usbErrorNotSupported = 25,  ///< the board lacks the function, an R20 SRAM address is out of range, or (SAS) no
+                                ///< board is open
     usbErrorNotSupportedR20s = 26,  ///< an R20s lacks the function
     usbErrorNullPointer = 30        ///< a pointer that the operation needs is null
 };
