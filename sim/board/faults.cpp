@@ -69,8 +69,15 @@ std::optional<Fault> Faults::striking(unsigned char request, int pipe) const
     return std::nullopt;
 }
 
+void Faults::clear()
+{
+    ++delaysCalledOff_;
+    queue_.clear();
+}
+
 void Faults::removeDelays()
 {
+    ++delaysCalledOff_;
     std::erase_if(queue_, [](const Fault &fault) { return fault.kind == Fault::Kind::Delay; });
 }
 

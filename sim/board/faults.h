@@ -67,9 +67,11 @@ class Faults
 {
 public:
     void add(Fault fault) { queue_.push_back(std::move(fault)); }
-    void clear() { queue_.clear(); }
+    void clear();
     /// The exchanges take their usual time again; the other faults go on waiting.
     void removeDelays();
+    /// Grows with each of the two: an exchange that waits already has waited enough then.
+    unsigned int delaysCalledOff() const { return delaysCalledOff_; }
     bool empty() const { return queue_.empty(); }
     std::size_t size() const { return queue_.size(); }
 
@@ -84,6 +86,7 @@ private:
     void countDown(const std::deque<Fault>::iterator &fault);
 
     std::deque<Fault> queue_;
+    unsigned int delaysCalledOff_ = 0;
 };
 
 }  // namespace sim

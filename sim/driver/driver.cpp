@@ -12,6 +12,9 @@ namespace
 
 constexpr int pipes = 7;
 
+// How long a slow exchange waits before it looks around.
+constexpr Nanoseconds glance = std::chrono::milliseconds(50);
+
 // Of an R20 packet.
 constexpr std::size_t sendPipeAt = 0;
 constexpr std::size_t receivePipeAt = 4;
@@ -76,19 +79,28 @@ bool isThereNow(VirtualBoard &board, const DriverCall &call)
     return isThere(board, call);
 }
 
-// Called with the board's turn, without its lock. False when the caller is gone.
+// Called with the board's turn, without its lock. False when the caller is gone. Nobody waits on for a board that was
+// pulled off, or when the delay was called off.
 bool waitIfSlow(VirtualBoard &board, unsigned char request, int pipe, const DriverCall &call)
 {
-    Nanoseconds delay{};
+    Nanoseconds left{};
+    unsigned int calledOff = 0;
     {
         const auto lock = board.lock();
-        delay = board.faults().takeDelay(request, pipe);
+        left = board.faults().takeDelay(request, pipe);
+        calledOff = board.faults().delaysCalledOff();
     }
-    if (delay == Nanoseconds::zero())
-        return true;
-    if (call.wait)
-        return call.wait(delay);
-    board.timeline().clock().pass(delay);
+    while (left > Nanoseconds::zero()) {
+        const Nanoseconds step = std::min(left, glance);
+        if (!call.wait)
+            board.timeline().clock().pass(step);
+        else if (!call.wait(step))
+            return false;
+        left -= step;
+        const auto lock = board.lock();
+        if (!isThere(board, call) || board.faults().delaysCalledOff() != calledOff)
+            break;
+    }
     return true;
 }
 

@@ -31,8 +31,8 @@ constexpr std::size_t packetSize = 528;
 struct DriverCall {
     /// The board's generation when it was opened; without it, any will do.
     std::optional<std::uint64_t> generation;
-    /// How a slow exchange waits, without the board's lock; false means that the caller is gone, and the exchange
-    /// ends with EINTR before it began. Without it the board's clock passes the time.
+    /// How a slow exchange waits, bit by bit and without the board's lock; false means that the caller is gone, and the
+    /// exchange ends with EINTR before it began. Without it the board's clock passes the time.
     std::function<bool(Nanoseconds)> wait;
 };
 

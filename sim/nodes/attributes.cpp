@@ -13,24 +13,28 @@ namespace
 
 constexpr std::size_t attributeSize = 4096;  // as sysfs has it, whatever an attribute holds
 
-// A board's inodes: four in a row, behind those of the boards before it.
+// A board's inodes: four in a row, behind those of the boards before it. A board that is plugged in again has new ones:
+// what was open, or somebody's working directory, stays gone with the board that was pulled off.
 enum class Kind { Board, Device, Product, Speed };
 
 struct Place {
     int deviceNo;
+    std::uint64_t generation;
     Kind kind;
 };
 
 fuse_ino_t inodeOf(const Place &place)
 {
-    return 16 + 4 * static_cast<fuse_ino_t>(place.deviceNo) + static_cast<fuse_ino_t>(place.kind);
+    const fuse_ino_t board = place.generation * deviceCount + static_cast<fuse_ino_t>(place.deviceNo);
+    return 16 + 4 * board + static_cast<fuse_ino_t>(place.kind);
 }
 
 std::optional<Place> placeOf(fuse_ino_t inode)
 {
     if (inode < 16)
         return std::nullopt;
-    return Place{static_cast<int>((inode - 16) / 4), static_cast<Kind>((inode - 16) % 4)};
+    const fuse_ino_t board = (inode - 16) / 4;
+    return Place{static_cast<int>(board % deviceCount), board / deviceCount, static_cast<Kind>((inode - 16) % 4)};
 }
 
 struct Entry {
@@ -43,9 +47,19 @@ VirtualBoards &boardsOf(fuse_req_t request)
     return *static_cast<VirtualBoards *>(fuse_req_userdata(request));
 }
 
-bool isThere(VirtualBoards &boards, int deviceNo)
+/// Of the board that is plugged there now.
+std::optional<std::uint64_t> generationOf(VirtualBoards &boards, int deviceNo)
 {
-    return boards.productText(deviceNo).has_value();
+    const std::shared_ptr<VirtualBoard> board = boards.hold(deviceNo);
+    if (!board)
+        return std::nullopt;
+    const auto lock = board->lock();
+    return board->plugged() ? std::optional(board->generation()) : std::nullopt;
+}
+
+bool isThere(VirtualBoards &boards, const Place &place)
+{
+    return generationOf(boards, place.deviceNo) == place.generation;
 }
 
 std::vector<Entry> entriesOf(VirtualBoards &boards, fuse_ino_t inode)
@@ -54,15 +68,16 @@ std::vector<Entry> entriesOf(VirtualBoards &boards, fuse_ino_t inode)
     const std::optional<Place> place = placeOf(inode);
     if (!place) {
         for (int deviceNo = 0; deviceNo < deviceCount; ++deviceNo) {
-            if (isThere(boards, deviceNo))
-                entries.push_back({"Vexa_" + std::to_string(deviceNo), inodeOf({deviceNo, Kind::Board})});
+            if (const auto generation = generationOf(boards, deviceNo))
+                entries.push_back({"Vexa_" + std::to_string(deviceNo), inodeOf({deviceNo, *generation, Kind::Board})});
         }
-    } else if (isThere(boards, place->deviceNo)) {
+    } else if (isThere(boards, *place)) {
+        const auto within = [&place](Kind kind) { return inodeOf({place->deviceNo, place->generation, kind}); };
         if (place->kind == Kind::Board)
-            entries.push_back({"device", inodeOf({place->deviceNo, Kind::Device})});
+            entries.push_back({"device", within(Kind::Device)});
         if (place->kind == Kind::Device) {
-            entries.push_back({"product", inodeOf({place->deviceNo, Kind::Product})});
-            entries.push_back({"speed", inodeOf({place->deviceNo, Kind::Speed})});
+            entries.push_back({"product", within(Kind::Product)});
+            entries.push_back({"speed", within(Kind::Speed)});
         }
     }
     return entries;
@@ -130,10 +145,11 @@ void open(fuse_req_t request, fuse_ino_t, fuse_file_info *file)
 
 void read(fuse_req_t request, fuse_ino_t inode, size_t size, off_t offset, fuse_file_info *)
 {
-    const Place place = placeOf(inode).value_or(Place{-1, Kind::Board});
+    const std::optional<Place> place = placeOf(inode);
     VirtualBoards &boards = boardsOf(request);
-    const std::optional<std::string> text =
-        place.kind == Kind::Product ? boards.productText(place.deviceNo) : boards.speedText(place.deviceNo);
+    std::optional<std::string> text;
+    if (place && isThere(boards, *place))
+        text = place->kind == Kind::Product ? boards.productText(place->deviceNo) : boards.speedText(place->deviceNo);
     if (!text) {
         fuse_reply_err(request, ENODEV);
         return;

@@ -1,6 +1,5 @@
 #include "sim/nodes/caller.h"
 
-#include <algorithm>
 #include <csignal>
 #include <cstdint>
 #include <fstream>
@@ -13,8 +12,6 @@ namespace sim
 
 namespace
 {
-
-constexpr Nanoseconds glance = std::chrono::milliseconds(50);
 
 constexpr std::uint64_t bitOf(int signal)
 {
@@ -46,17 +43,10 @@ bool isDying(pid_t thread)
     return (pending & ~mask("SigBlk") & ~mask("SigIgn") & ~mask("SigCgt") & ~harmless) != 0;
 }
 
-bool sleepUnlessDying(pid_t thread, Nanoseconds duration)
+bool livesAfter(Nanoseconds duration, pid_t thread)
 {
-    const auto end = std::chrono::steady_clock::now() + duration;
-    for (;;) {
-        const Nanoseconds left = end - std::chrono::steady_clock::now();
-        if (left <= Nanoseconds::zero())
-            return true;
-        std::this_thread::sleep_for(std::min(left, glance));
-        if (left > glance && isDying(thread))
-            return false;
-    }
+    std::this_thread::sleep_for(duration);
+    return !isDying(thread);
 }
 
 }  // namespace sim

@@ -13,8 +13,8 @@ namespace sim
 /// answered, so a call that takes long has to look.
 bool isDying(pid_t thread);
 
-/// Sleeps; false as soon as the thread is found dying.
-bool sleepUnlessDying(pid_t thread, Nanoseconds duration);
+/// Sleeps; false if the thread is dying then.
+bool livesAfter(Nanoseconds duration, pid_t thread);
 
 }  // namespace sim
 

@@ -73,7 +73,7 @@ int exchangeOther(VirtualBoard &board, unsigned int number, std::uint64_t argume
     CallerPages memory(caller);
     call.wait = [&memory, caller](Nanoseconds time) {
         memory.forget();
-        return sleepUnlessDying(caller, time);
+        return livesAfter(time, caller);
     };
     return driverIoctl(board, number, argument, width, memory, call);
 }
@@ -93,7 +93,7 @@ void ioctl(fuse_req_t request, fuse_ino_t, unsigned int number, void *argument, 
     const pid_t caller = fuse_req_ctx(request)->pid;
     const CallerWidth width = flags & FUSE_IOCTL_COMPAT ? CallerWidth::bits32 : CallerWidth::bits64;
     const auto address = reinterpret_cast<std::uintptr_t>(argument);
-    const DriverCall call{file->fh, [caller](Nanoseconds time) { return sleepUnlessDying(caller, time); }};
+    const DriverCall call{file->fh, [caller](Nanoseconds time) { return livesAfter(time, caller); }};
     if (number == packetRequest && inSize == packetSize && board->model() == Model::R20) {
         std::array<unsigned char, packetSize> packet;
         std::memcpy(packet.data(), in, packet.size());

@@ -56,18 +56,30 @@ inside() {
     say "flood 20 1000" all
     ctl slow 0s
 
-    ctl unplug
+    # Pulled off in the middle of a slow exchange.
+    exec {product}</sys/class/Vexa/Vexa_0/device/product
+    cd /sys/class/Vexa/Vexa_0/device
+    ctl slow 60s
+    SECONDS=0
+    (sleep 0.3; "$sim" ctl unplug) &
     say "ask 75 1" ENODEV
+    ctl slow 0s
+    check "$model, nobody waits for a board that is gone" yes "$([ $SECONDS -le 5 ] && echo yes)"
     say other ENODEV
     say "product 0" ENOENT
     check "$model, an unplugged board has no directory" "" "$(ls /sys/class/Vexa)"
     check "$model, an unplugged board cannot be opened" "ENODEV" "$(echo "open 0" | "$client")"
     ctl plug
     say "product 0" "Sorvane $model Board"
+    check "$model, attributes of the board that was pulled off stay gone" "" "$(cat <&"$product" product 2>/dev/null)"
     say "ask 75 1" ENODEV
     say close closed
     say "open 0" open
     say "ask 75 1" "status 67"
+    ctl slow 60s
+    (sleep 0.3; "$sim" ctl slow 0s) &
+    say "ask 75 1" "status 67"
+    check "$model, a delay that is called off keeps nobody" yes "$([ $SECONDS -le 10 ] && echo yes)"
     finish
 }
 
