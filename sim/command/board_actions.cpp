@@ -1,5 +1,6 @@
 #include "sim/command/board_actions.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <ctime>
 
@@ -139,6 +140,9 @@ FaultOf faultFrom(Arguments &arguments)
     const std::string what = arguments.take();
     if (what == "ioctl") {
         const auto error = static_cast<int>(arguments.numberOr(EIO, "an error number", 1, 133));
+        if (error == ENOSYS)
+            throw UsageError(
+                "38 reaches no program, the kernel turns it into 25; allowed are the others from 1 to 133");
         return [error](Model) { return Fault::ioctlFails(error); };
     }
     if (what == "status") {
@@ -169,8 +173,12 @@ Action failNext(Arguments &arguments)
     const FaultOf faultOf = faultFrom(arguments);
     unsigned int count = 1;
     unsigned char request = 0;
+    TextWords seen;
     while (arguments.any()) {
         const std::string what = arguments.take();
+        if (std::find(seen.begin(), seen.end(), what) != seen.end())
+            throw UsageError("\"" + what + "\" stands there twice; allowed is once");
+        seen.push_back(what);
         if (what == "count")
             count = arguments.number("a number of exchanges", 1, 1000000);
         else if (what == "request")

@@ -121,10 +121,13 @@ BoardOptions boardFrom(const std::string &argument)
         const std::string value = at == std::string::npos ? "" : part->substr(at + 1);
         if (value.empty())
             throw UsageError("board option " + key + " has no value; allowed: " + option.usage);
-        if (std::find(seen.begin(), seen.end(), key) != seen.end())
+        const std::string index = key.substr(std::string(option.name).size());
+        option.apply(board, index, value);
+        // hopper05 is hopper5.
+        const std::string meant = option.name + (option.numbered ? std::to_string(std::stoul(index)) : "");
+        if (std::find(seen.begin(), seen.end(), meant) != seen.end())
             throw UsageError("board option " + key + " stands there twice; allowed is once");
-        seen.push_back(key);
-        option.apply(board, key.substr(std::string(option.name).size()), value);
+        seen.push_back(meant);
     }
     return board;
 }

@@ -106,6 +106,8 @@ std::string Command::carryOut(VirtualBoards &boards) const
     if (onAll_)
         return onAll_(boards, deviceNo_);
     const std::vector<int> numbers = checkedNumbers(boards, deviceNo_);
+    if (numbers.empty())
+        throw UsageError("there is no board; boards come with --board N=MODEL of run or serve");
     if (numbers.size() != 1)
         throw UsageError("which board? Say --board with one of: " + named(numbers));
     const std::shared_ptr<VirtualBoard> board = boards.hold(numbers[0]);

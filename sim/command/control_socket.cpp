@@ -16,15 +16,6 @@ namespace
 constexpr timeval patience{2, 0};
 constexpr std::size_t longestRequest = 65536;
 
-std::optional<uid_t> userBehind(const OwnedFd &connection)
-{
-    ucred peer{};
-    socklen_t size = sizeof peer;
-    if (::getsockopt(connection.get(), SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0)
-        return std::nullopt;
-    return peer.uid;
-}
-
 void sendAll(const OwnedFd &connection, const std::string &text)
 {
     for (std::size_t sent = 0; sent < text.size();) {
@@ -99,9 +90,9 @@ void ControlServer::answerOne(const OwnedFd &connection)
 ControlAnswer askRun(const RunName &name, const TextWords &words)
 {
     becomeUserOf(name);
-    const OwnedFd connection(checked(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0), "making a socket"));
-    const RunAddress address(name);
-    checked(::connect(connection.get(), address.get(), address.length), "reaching the run " + name.id);
+    const OwnedFd connection = connectTo(name);
+    if (!connection)
+        fail("reaching the run " + name.id);
     if (userBehind(connection) != name.user)
         throw UsageError("the run " + name.id + " belongs to somebody else");
     std::string request;

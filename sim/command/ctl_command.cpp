@@ -10,7 +10,7 @@
 namespace sim
 {
 
-int control(const std::string &runId, TextWords words)
+int control(const std::optional<std::string> &runId, TextWords words)
 {
     const auto followed = std::find(words.begin(), words.end(), "--follow");
     const bool follow = followed != words.end();

@@ -4,11 +4,13 @@
 
 #include "sim/command/words.h"
 
+#include <optional>
+
 namespace sim
 {
 
 /// The result is the exit status. `runId` is empty when none was named.
-int control(const std::string &runId, TextWords words);
+int control(const std::optional<std::string> &runId, TextWords words);
 
 }  // namespace sim
 

@@ -6,6 +6,8 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <fcntl.h>
+#include <unistd.h>
 
 using namespace sim;
 
@@ -14,9 +16,9 @@ namespace
 
 struct Options {
     TextWords boards;
-    std::string scenario;
-    std::string runId;
-    std::string board;
+    std::optional<std::string> scenario;
+    std::optional<std::string> runId;
+    std::optional<std::string> board;
     std::string how = "auto";
     bool privateIpc = false;
     bool shareIpc = false;
@@ -28,20 +30,22 @@ void addBoards(CLI::App &command, Options &options)
     command.add_option("--scenario", options.scenario, "a file of commands; `at 1.5s` before one says when");
     const auto privateIpc =
         command.add_flag("--private-ipc", options.privateIpc, "SysV objects of the program's own (the default)");
-    command.add_flag("--share-ipc", options.shareIpc, "the machine's SysV objects")->excludes(privateIpc);
+    const auto shareIpc = command.add_flag("--share-ipc", options.shareIpc, "the machine's SysV objects");
+    privateIpc->disable_flag_override();
+    shareIpc->disable_flag_override()->excludes(privateIpc);
 }
 
 RunRequest requestFrom(const Options &options)
 {
     RunRequest request;
     request.boards = boardsFrom(options.boards);
-    if (!options.scenario.empty())
-        request.scenario = Scenario::read(options.scenario);
+    if (options.scenario)
+        request.scenario = Scenario::read(*options.scenario);
     request.scenario.check(request.boards);
     request.privateIpc = !options.shareIpc;
     request.how = howFrom(options.how);
     request.boardArguments = options.boards;
-    request.scenarioFile = options.scenario;
+    request.scenarioFile = options.scenario.value_or("");
     return request;
 }
 
@@ -60,8 +64,8 @@ int controlBy(const Options &options, TextWords words)
         if (word == "--version")
             throw CLI::CallForVersion("sorvane-sim " SORVANE_VERSION, 0);
     }
-    if (!options.board.empty())
-        words.insert(words.begin(), {"--board", options.board});
+    if (options.board)
+        words.insert(words.begin(), {"--board", *options.board});
     return control(options.runId, words);
 }
 
@@ -94,6 +98,8 @@ int run(int argc, char **argv)
     ctl->prefix_command()->footer(commandsHelp());
     try {
         app.parse(static_cast<int>(programMark - argv), argv);
+        if (marked && (serve->parsed() || ctl->parsed()))
+            throw UsageError("a program behind -- is allowed with run and enter only");
         if (run->parsed())
             runWithBoards(requestFrom(options), checked(program));
         if (enter->parsed())
@@ -108,10 +114,20 @@ int run(int argc, char **argv)
     }
 }
 
+// What is opened later must not take their place. The program gets them as they were: closed.
+void fillClosedStandardDescriptors()
+{
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(descriptor, F_GETFD) == -1)
+            (void)::open("/dev/null", O_RDWR | O_CLOEXEC);
+    }
+}
+
 }  // namespace
 
 int main(int argc, char **argv)
 {
+    fillClosedStandardDescriptors();
     try {
         return run(argc, argv);
     } catch (const UsageError &error) {

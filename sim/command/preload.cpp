@@ -120,7 +120,12 @@ void executePreloaded(const RunRequest &request, const TextWords &program)
     if (!request.scenarioFile.empty()) {
         const std::unique_ptr<char, void (*)(void *)> path(::realpath(request.scenarioFile.c_str(), nullptr),
                                                            std::free);
-        ::setenv(preloadScenario, path ? path.get() : "", 1);
+        struct stat attributes {
+        };
+        if (!path || ::stat(path.get(), &attributes) != 0 || !S_ISREG(attributes.st_mode))
+            throw UsageError("--scenario \"" + request.scenarioFile +
+                             "\": inside a program it is read again; allowed is a regular file");
+        ::setenv(preloadScenario, path.get(), 1);
     }
     // Only who may do it gets it; the program can do without.
     if (request.privateIpc)

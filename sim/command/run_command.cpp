@@ -7,6 +7,7 @@
 #include "sim/nodes/key_files.h"
 #include "sim/nodes/node.h"
 #include "sim/nodes/program.h"
+#include "sim/nodes/run_link.h"
 
 #include <cstdio>
 #include <sched.h>
@@ -68,6 +69,7 @@ public:
           boards_([&request, this](BoardService &service) { serve(service, request, name_); })
     {
         boards_.serve(mountDevices(deviceNosOf(request), name_.text()));
+        learnOwnersOfNodes(deviceNosOf(request));
         if (request.privateIpc)
             checked(::unshare(CLONE_NEWIPC), "making an IPC namespace");
     }
@@ -123,12 +125,15 @@ int serveBoards(const RunRequest &request)
     return 0;
 }
 
-void enterRun(const std::string &id, const TextWords &program)
+void enterRun(const std::optional<std::string> &id, const TextWords &program)
 {
     const auto enter = [&] {
         const BlockedSignals blocked;
         GroupWitness witness;
-        joinNamespacesOf(chooseRun(id).process());
+        const RunName name = chooseRun(id);
+        joinNamespacesOf(name.process());
+        if (findRunFromInside() != name.text())
+            throw std::runtime_error("the run " + name.id + " is out of reach: its name counts processes otherwise");
         return runProgram(program, {blocked, witness, nullptr});
     };
     endLike(enter());

@@ -24,7 +24,7 @@ struct RunRequest {
 
 /// Each ends the process as its program ends.
 [[noreturn]] void runWithBoards(const RunRequest &request, const TextWords &program);
-[[noreturn]] void enterRun(const std::string &id, const TextWords &program);
+[[noreturn]] void enterRun(const std::optional<std::string> &id, const TextWords &program);
 
 /// Until a signal ends it; the result is the exit status.
 int serveBoards(const RunRequest &request);

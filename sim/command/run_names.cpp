@@ -1,6 +1,7 @@
 #include "sim/command/run_names.h"
 
 #include "sim/command/words.h"
+#include "sim/nodes/failure.h"
 #include "sim/nodes/run_link.h"
 
 #include <algorithm>
@@ -67,17 +68,35 @@ std::vector<RunName> allRuns()
     return runs;
 }
 
-RunName chooseRun(const std::string &id)
+OwnedFd connectTo(const RunName &name)
+{
+    OwnedFd connection(checked(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0), "making a socket"));
+    const RunAddress address(name);
+    if (::connect(connection.get(), address.get(), address.length) != 0)
+        return OwnedFd();
+    return connection;
+}
+
+std::optional<uid_t> userBehind(const OwnedFd &connection)
+{
+    ucred peer{};
+    socklen_t size = sizeof peer;
+    if (::getsockopt(connection.get(), SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0)
+        return std::nullopt;
+    return peer.uid;
+}
+
+RunName chooseRun(const std::optional<std::string> &id)
 {
     std::vector<RunName> runs = allRuns();
-    runs.erase(std::remove_if(runs.begin(), runs.end(), [](const RunName &run) { return !isMine(run); }), runs.end());
+    std::erase_if(runs, [](const RunName &run) { return !isMine(run) || userBehind(connectTo(run)) != run.user; });
     TextWords ids;
     for (const RunName &run : runs)
         ids.push_back(run.id);
-    if (!id.empty()) {
-        const auto found = std::find(ids.begin(), ids.end(), id);
+    if (id) {
+        const auto found = std::find(ids.begin(), ids.end(), *id);
         if (found == ids.end())
-            refuse(id, "run", ids);
+            refuse(*id, "run", ids);
         return runs[static_cast<std::size_t>(found - ids.begin())];
     }
     if (const std::optional<std::string> around = findRunFromInside()) {

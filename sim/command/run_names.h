@@ -3,6 +3,8 @@
 #ifndef SORVANE_SIM_COMMAND_RUN_NAMES_H
 #define SORVANE_SIM_COMMAND_RUN_NAMES_H
 
+#include "sim/nodes/owned_fd.h"
+
 #include <optional>
 #include <string>
 #include <sys/socket.h>
@@ -30,7 +32,12 @@ std::vector<RunName> allRuns();
 
 /// The run that is meant: the one with this id; without an id, the one around this process or the only one this user
 /// may reach (root reaches everybody's). Throws UsageError that names the choice.
-RunName chooseRun(const std::string &id);
+RunName chooseRun(const std::optional<std::string> &id);
+
+/// A connection with whoever listens under a name; none if nobody does. Anybody can take an abstract name, so the user
+/// behind it has to be the one that it says.
+OwnedFd connectTo(const RunName &name);
+std::optional<uid_t> userBehind(const OwnedFd &connection);
 
 /// The address of a name, and its length.
 struct RunAddress {

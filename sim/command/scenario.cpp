@@ -17,9 +17,11 @@ std::string withoutComment(const std::string &line)
 {
     bool quoted = false;
     for (std::size_t at = 0; at < line.size(); ++at) {
-        if (line[at] == '"' && (at == 0 || line[at - 1] != '\\'))
+        if (quoted && line[at] == '\\')
+            ++at;
+        else if (line[at] == '"')
             quoted = !quoted;
-        if (line[at] == '#' && !quoted)
+        else if (line[at] == '#' && !quoted)
             return line.substr(0, at);
     }
     return line;
@@ -31,7 +33,7 @@ Scenario Scenario::read(const std::string &file)
 {
     std::ifstream text(file);
     if (!text)
-        throw UsageError(file + ": " + std::strerror(errno));
+        throw UsageError("--scenario \"" + file + "\": " + std::strerror(errno));
     return parse(text, file);
 }
 
@@ -55,6 +57,8 @@ Scenario Scenario::parse(std::istream &text, const std::string &name)
             throw UsageError(where + error.what());
         }
     }
+    if (text.bad())
+        throw UsageError(name + ": it cannot be read; allowed is a file of commands");
     std::stable_sort(scenario.lines_.begin(), scenario.lines_.end(),
                      [](const Line &one, const Line &other) { return one.at < other.at; });
     return scenario;

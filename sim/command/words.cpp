@@ -49,12 +49,15 @@ TextWords splitWords(const std::string &line)
             words.emplace_back();
             inWord = true;
         }
-        if (quoted && c == '\\' && at + 1 < line.size() && line[at + 1] == '"')
+        if (quoted && c == '\\' && at + 1 < line.size()) {
+            if (line[at + 1] != '"')
+                words.back() += c;  // for whoever takes the text
             words.back() += line[++at];
-        else if (c == '"')
+        } else if (c == '"') {
             quoted = !quoted;
-        else
+        } else {
             words.back() += c;
+        }
     }
     if (quoted)
         throw UsageError("a quote is not closed");

@@ -36,6 +36,11 @@ void writeFile(const std::string &path, const std::string &text)
     checked(static_cast<int>(::write(file.get(), text.data(), text.size())), "writing " + path);
 }
 
+std::string nodeOf(int deviceNo)
+{
+    return "/dev/Vexa_" + std::to_string(deviceNo);
+}
+
 OwnedFd openFuse()
 {
     return OwnedFd(checked(::open("/dev/fuse", O_RDWR | O_CLOEXEC), "opening /dev/fuse"));
@@ -109,11 +114,20 @@ MountedDevices mountDevices(const std::vector<int> &deviceNos, const std::string
     checked(::mkdir("/sys/class/Vexa", 0755), "making /sys/class/Vexa");
     mountFuse(devices.attributes, "/sys/class/Vexa", S_IFDIR);
     for (const auto &[deviceNo, fuse] : devices.nodes) {
-        const std::string node = "/dev/Vexa_" + std::to_string(deviceNo);
+        const std::string node = nodeOf(deviceNo);
         OwnedFd(checked(::open(node.c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0666), "making " + node));
         mountFuse(fuse, node, S_IFREG);
     }
     return devices;
+}
+
+void learnOwnersOfNodes(const std::vector<int> &deviceNos)
+{
+    for (const int deviceNo : deviceNos) {
+        struct stat attributes {
+        };
+        checked(::stat(nodeOf(deviceNo).c_str(), &attributes), "looking at " + nodeOf(deviceNo));
+    }
 }
 
 void joinNamespacesOf(pid_t process)
@@ -123,6 +137,10 @@ void joinNamespacesOf(pid_t process)
     if (!::getcwd(directory.data(), directory.size()))
         fail("naming the working directory");
     const OwnedFd root = openToRead("/proc/" + std::to_string(process) + "/root");
+    struct stat user {
+    };
+    checked(::stat(("/proc/" + std::to_string(process)).c_str(), &user), "finding the user of the boards");
+    const bool otherUser = user.st_uid != ::geteuid();
     std::vector<std::pair<OwnedFd, int>> spaces;
     for (const auto &[name, flag] : {std::pair{"user", CLONE_NEWUSER}, {"ipc", CLONE_NEWIPC}, {"mnt", CLONE_NEWNS}}) {
         OwnedFd space = openToRead("/proc/" + std::to_string(process) + "/ns/" + name);
@@ -135,6 +153,10 @@ void joinNamespacesOf(pid_t process)
     checked(::chroot("."), "taking the root of the boards");
     checked(::chdir(directory.data()), "going back to the working directory");
     takeOwnMountNamespace();
+    if (!otherUser)
+        return;
+    checked(::setresgid(user.st_gid, user.st_gid, user.st_gid), "taking the group of the boards' user");
+    checked(::setresuid(user.st_uid, user.st_uid, user.st_uid), "taking the id of the boards' user");
 }
 
 std::optional<std::string> whatNodesLack()

@@ -31,7 +31,12 @@ struct MountedDevices {
 /// is what findRunFromInside() finds there.
 MountedDevices mountDevices(const std::vector<int> &deviceNos, const std::string &runName);
 
-/// Joins the user and IPC namespaces of a process and takes a copy of its mount namespace.
+/// Until somebody has asked for a node's owner, the kernel takes it for root's, and lets nobody of a user namespace
+/// write to it. For the mounting process, when the nodes are served.
+void learnOwnersOfNodes(const std::vector<int> &deviceNos);
+
+/// Joins the user and IPC namespaces of a process and takes a copy of its mount namespace. Root becomes the process's
+/// user where its own id means nothing.
 void joinNamespacesOf(pid_t process);
 
 /// What is missing on this machine for all that, found out by trying; nothing when it works.

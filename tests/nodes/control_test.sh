@@ -31,6 +31,17 @@ mistake "0 to 1" run --board 0=R35,serial2=cctalk -- true
 mistake "0 to 32" run --board 0=R35,hopper33=1 -- true
 mistake "node, preload, auto" run --board 0=R35 --how maybe -- true
 mistake "--share-ipc" run --private-ipc --share-ipc -- true
+mistake "once" run --board 0=R35,hopper5=1,hopper05=2 -- true
+mistake "private-ipc" run --private-ipc=false --board 0=R35 -- true
+mistake "No such file" run --board 0=R35 --scenario "" -- true
+mistake "cannot be read" run --board 0=R35 --scenario /tmp -- true
+mistake "regular file" run --how preload --scenario /dev/null -- true
+mistake "run and enter" serve --board 0=R35 -- true
+mistake "run and enter" ctl unplug -- plug
+mistake "allowed:" ctl --run "" unplug
+mistake "0 to 15" ctl --board "" unplug
+mistake "1 to 133" ctl fail ioctl 38
+mistake "once" ctl fail ioctl count 2 count 3
 mistake "input, coin, hopper" ctl
 mistake "input, coin, hopper" ctl dance
 mistake "0 to 15" ctl --board 16 unplug
@@ -82,9 +93,9 @@ cat >"$folder/scenario" <<'SCENARIO'
 at 4.5s input 4 on      # behind the next one in time
 input 1 on
 at 1s --board 0 input 2 on
-serial 0 send "a # b\x00"
+serial 0 send "a # b\x00\\"  # "
 SCENARIO
-check "a scenario keeps to its times" "1 1,2 1,2,4 6" \
+check "a scenario keeps to its times" "1 1,2 1,2,4 7" \
     "$("$sim" run --board 0=R35,firmware=running --scenario "$folder/scenario" -- bash -c '
     of() { '"$sim"' ctl state --json | grep -o "\"$1\":[^]}]*" | tr -dc "0-9,\n" | head -1; }
     first=$(of inputs); sleep 1.5; second=$(of inputs); sleep 4

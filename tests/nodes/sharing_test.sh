@@ -17,6 +17,25 @@ for example in coin_and_hopper reels cctalk_acceptor lockdown; do
     check "$example" 0 $?
 done
 
+# An ordinary user, where /dev/fuse lets one in; root enters as that user. Somebody takes the name of a run of root's.
+user=(setpriv --reuid 65534 --regid 65534 --clear-groups)
+if [ "$(id -u)" -eq 0 ] && command -v setpriv >/dev/null && "${user[@]}" test -x "$sim" && mknod -m 666 /tmp/fuse c 10 229; then
+    mount --bind /tmp/fuse /dev/fuse
+    contains "an ordinary user" "Found an R35" "$(cd / && "${user[@]}" "$sim" run --how node --board 0=R35 -- "$examples/attract_mode" 2>&1)"
+    "${user[@]}" "$sim" serve --board 0=R35,firmware=running >/tmp/served & serving=$!
+    eventually grep -qs "sorvane-sim enter" /tmp/served
+    check "root enters as the boards' user" "65534 opened" \
+        "$("$sim" enter --run $serving -- sh -c 'exec 3<>/dev/Vexa_0 && echo $(id -u) opened' 2>&1)"
+    "${user[@]}" perl -MIO::Socket::UNIX -e '
+        $planted = IO::Socket::UNIX->new(Local => "\0sorvane-sim/0/1", Listen => 1) and print "planted\n"; sleep 20' >/tmp/planted &
+    stranger=$!
+    eventually grep -qs planted /tmp/planted
+    check "a name that somebody else took" "" "$("$sim" ctl input 3 on 2>&1)"
+    kill $serving $stranger
+else
+    echo "not tried: the boards of an ordinary user, for want of setpriv or the right to make a device"
+fi
+
 # Two processes switch an output each on one board, many times at once: neither may undo the other's.
 check "two processes share a board" "0 0 [1,2]" "$(run --board 0=R35,firmware=running -- bash -c '
     '"$build"'/tests/nodes/output_writer 0 1 400 >/dev/null & first=$!

@@ -38,6 +38,8 @@ check "a program that may not be run" 126 "$(status_of "${run[@]}" -- /etc/passw
 surroundings='read -r l; echo "$PWD $(id -u) $l" $(cd /proc/self/fd && echo [0-9])'
 check "working directory, user, input and descriptors stay" "$(cd / && echo line | bash -c "$surroundings" 7>&1)" \
     "$(cd / && echo line | "${run[@]}" -- bash -c "$surroundings" 7>&1)"
+"${run[@]}" -- sh -c "printf 'open 0\nask 75 1\n' | $client >$folder/out; (exec 3>&1) 2>/dev/null || echo closed >>$folder/out" <&- >&-
+check "closed input and output stay closed" "open status 67 closed" "$(xargs <"$folder/out")"
 check "the machine's own devices are there" "yes" \
     "$("${run[@]}" -- bash -c 'exec 3<>/dev/null && [ -d /dev/pts ] && [ -c /dev/zero ] && ls /sys/class/tty >/dev/null && echo yes')"
 check "a pipe ends when the program lets go of it" "end" \
