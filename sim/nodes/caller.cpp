@@ -5,7 +5,6 @@
 #include <fstream>
 #include <map>
 #include <string>
-#include <thread>
 
 namespace sim
 {
@@ -41,12 +40,6 @@ bool isDying(pid_t thread)
     if (std::strtol(lines["TracerPid"].c_str(), nullptr, 10) != 0)
         return false;
     return (pending & ~mask("SigBlk") & ~mask("SigIgn") & ~mask("SigCgt") & ~harmless) != 0;
-}
-
-bool livesAfter(Nanoseconds duration, pid_t thread)
-{
-    std::this_thread::sleep_for(duration);
-    return !isDying(thread);
 }
 
 }  // namespace sim

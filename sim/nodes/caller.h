@@ -2,8 +2,6 @@
 #ifndef SORVANE_SIM_NODES_CALLER_H
 #define SORVANE_SIM_NODES_CALLER_H
 
-#include "sim/board/clock.h"
-
 #include <sys/types.h>
 
 namespace sim
@@ -12,9 +10,6 @@ namespace sim
 /// Whether a signal waits for this thread that is going to end it. The kernel keeps a caller until its call is
 /// answered, so a call that takes long has to look.
 bool isDying(pid_t thread);
-
-/// Sleeps; false if the thread is dying then.
-bool livesAfter(Nanoseconds duration, pid_t thread);
 
 }  // namespace sim
 

@@ -1,7 +1,7 @@
 // A file system over an already mounted /dev/fuse descriptor, served by one thread of its own.
 //
-// One thread for each board's node: the kernel hands the calls over in the order in which they came, a caller that is
-// killed while it waits for its turn leaves the kernel's queue by itself, and a slow board holds up nobody else's.
+// One thread for each board's node: the kernel hands the calls over in the order in which they came, and a slow board
+// holds up nobody else's.
 //
 // Nothing here knows where it is mounted. The process that serves a file system must never touch it: killed there, it
 // would wait for its own answer beyond SIGKILL.
@@ -10,8 +10,10 @@
 
 #define FUSE_USE_VERSION 35
 
+#include "sim/board/clock.h"
 #include "sim/nodes/owned_fd.h"
 
+#include <deque>
 #include <fuse_lowlevel.h>
 #include <memory>
 #include <sys/stat.h>
@@ -30,8 +32,17 @@ public:
     /// Leaves the thread alone: only the end of the process, or of the last mount, ends its waiting.
     ~FileServer();
 
+    /// For an ioctl that takes its time. Those that come meanwhile wait for their turn, and all else is answered. A
+    /// caller that is dying need not wait: of itself it leaves the kernel's queue for SIGKILL alone.
+    void passTime(Nanoseconds duration);
+
 private:
+    void serve();
+    void takeIn();
+    void letDyingGo();
+
     fuse_session *session_;
+    std::deque<fuse_buf> waiting_;  // ioctls
     std::thread thread_;
 };
 

@@ -14,10 +14,14 @@ namespace sim
 namespace
 {
 
+Node *nodeOf(fuse_req_t request)
+{
+    return static_cast<Node *>(fuse_req_userdata(request));
+}
+
 std::shared_ptr<VirtualBoard> boardOf(fuse_req_t request)
 {
-    const auto *node = static_cast<const Node *>(fuse_req_userdata(request));
-    return node->boards().hold(node->deviceNo());
+    return nodeOf(request)->boards().hold(nodeOf(request)->deviceNo());
 }
 
 void getAttributes(fuse_req_t request, fuse_ino_t inode, fuse_file_info *)
@@ -71,9 +75,9 @@ int exchangeOther(VirtualBoard &board, unsigned int number, std::uint64_t argume
                   pid_t caller)
 {
     CallerPages memory(caller);
-    call.wait = [&memory, caller](Nanoseconds time) {
+    call.wait = [&memory, wait = call.wait](Nanoseconds time) {
         memory.forget();
-        return livesAfter(time, caller);
+        return wait(time);
     };
     return driverIoctl(board, number, argument, width, memory, call);
 }
@@ -93,7 +97,10 @@ void ioctl(fuse_req_t request, fuse_ino_t, unsigned int number, void *argument, 
     const pid_t caller = fuse_req_ctx(request)->pid;
     const CallerWidth width = flags & FUSE_IOCTL_COMPAT ? CallerWidth::bits32 : CallerWidth::bits64;
     const auto address = reinterpret_cast<std::uintptr_t>(argument);
-    const DriverCall call{file->fh, [caller](Nanoseconds time) { return livesAfter(time, caller); }};
+    const DriverCall call{file->fh, [node = nodeOf(request), caller](Nanoseconds time) {
+                              node->passTime(time);
+                              return !isDying(caller);
+                          }};
     if (number == packetRequest && inSize == packetSize && board->model() == Model::R20) {
         std::array<unsigned char, packetSize> packet;
         std::memcpy(packet.data(), in, packet.size());

@@ -15,6 +15,7 @@ public:
 
     const VirtualBoards &boards() const { return boards_; }
     int deviceNo() const { return deviceNo_; }
+    void passTime(Nanoseconds duration) { server_.passTime(duration); }
 
 private:
     VirtualBoards &boards_;

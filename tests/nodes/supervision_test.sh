@@ -96,7 +96,9 @@ for signal in KILL ABRT TERM; do
         sleep 0.2
         (echo "open 0"; echo "ask 75 1") | '"$client"' & second=$!
         sleep 0.3
-        kill -'$signal' $second $first
+        kill -'$signal' $second
+        wait $second
+        kill -'$signal' $first
         wait' >/dev/null &
     SECONDS=0
     wait $!
