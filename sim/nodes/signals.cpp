@@ -21,6 +21,12 @@ std::string takePending()
     return taken;
 }
 
+// The kernel may not have come round the whole group yet. A change of groups, even into the own one, waits for it.
+void waitUntilAllGotIt()
+{
+    ::setpgid(0, ::getpgrp());
+}
+
 [[noreturn]] void witness(Channel channel)
 {
     closeAllBut({channel.fd()});
@@ -60,8 +66,7 @@ GroupWitness::~GroupWitness()
 
 bool GroupWitness::alsoGot(int signal)
 {
-    // The kernel may not have come round the whole group yet. A change of groups, even into the own one, waits for it.
-    ::setpgid(0, ::getpgrp());
+    waitUntilAllGotIt();
     if (channel_.send("?")) {
         if (const std::optional<Channel::Message> answer = channel_.receive())
             seen_.insert(answer->text.begin(), answer->text.end());
@@ -70,6 +75,12 @@ bool GroupWitness::alsoGot(int signal)
     if (found == seen_.end())
         return false;
     seen_.erase(found);
+    // Equal ones in quick succession may have become one here. None of them is to stand for one that comes later.
+    waitUntilAllGotIt();
+    sigset_t pending;
+    ::sigpending(&pending);
+    if (::sigismember(&pending, signal) == 0)
+        seen_.erase(signal);
     return true;
 }
 

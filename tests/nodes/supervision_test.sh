@@ -62,6 +62,14 @@ to_process() { kill -TERM "$1"; sleep 0.2; kill -INT "$1"; }
 to_group() { kill -TERM -"$1"; sleep 0.2; kill -USR1 -"$1"; sleep 0.2; kill -USR1 "$1"; }
 check "kill" "INT TERM " "$(signals to_process)"
 check "kill of the group, then of the process" "TERM USR1 USR1 " "$(signals to_group)"
+to_group_in_a_burst() {
+    perl -e 'kill USR1 => -$ARGV[0] for 1 .. 100' "$1"
+    sleep 0.4
+    burst=$(grep -c USR1 "$folder/out")
+    kill -USR1 "$1"
+}
+signals to_group_in_a_burst >/dev/null
+check "a signal after a burst of them" $((burst + 1)) "$(grep -c USR1 "$folder/out")"
 check "from the terminal" "ready INT" "$(
     { sleep 1; printf '\003'; sleep 1.5; } | script -qec "${run[*]} -- perl $folder/counter" /dev/null |
         tr -d '\r^C' | xargs)"
