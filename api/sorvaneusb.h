@@ -853,8 +853,8 @@ public:
     /// Sets the host timeout of a slot.
     /// - Sent: request 121 on pipe 3 or 4, 2 bytes: `slot`, the time in tenths of a second, rounded down (0 to 255).
     /// - Arguments: `port` 0 or 1; `slot` 0 to 3; `seconds` 0 to 25.5. The exact product is cut, and 0.3 is a little
-    ///   less than three tenths: it is sent as 2. Add half a tenth (0.35 is sent as 3),
-    ///   but not to 25.5.
+    ///   less than three tenths: it is sent as 2. Add half a tenth (0.35 is sent as 3), but
+    ///   not to 25.5.
     /// - Errors: 8 `seconds` below 0, above 25.5 or not a number, or `slot` above 3; 8 `port` above 1; the exchange's
     ///   own.
     int SetPolledHostTimeout(_usbSerialPort port, unsigned char slot, double seconds);

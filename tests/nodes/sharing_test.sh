@@ -19,7 +19,8 @@ done
 
 # An ordinary user, where /dev/fuse lets one in; root enters as that user. Somebody takes the name of a run of root's.
 user=(setpriv --reuid 65534 --regid 65534 --clear-groups)
-if [ "$(id -u)" -eq 0 ] && command -v setpriv >/dev/null && "${user[@]}" test -x "$sim" && mknod -m 666 /tmp/fuse c 10 229; then
+if [ "$(id -u)" -eq 0 ] && command -v setpriv >/dev/null && "${user[@]}" test -x "$sim" &&
+    "${user[@]}" unshare --user true && mknod -m 666 /tmp/fuse c 10 229; then
     mount --bind /tmp/fuse /dev/fuse
     contains "an ordinary user" "Found an R35" "$(cd / && "${user[@]}" "$sim" run --how node --board 0=R35 -- "$examples/attract_mode" 2>&1)"
     "${user[@]}" "$sim" serve --board 0=R35,firmware=running >/tmp/served & serving=$!
@@ -33,7 +34,7 @@ if [ "$(id -u)" -eq 0 ] && command -v setpriv >/dev/null && "${user[@]}" test -x
     check "a name that somebody else took" "" "$("$sim" ctl input 3 on 2>&1)"
     kill $serving $stranger
 else
-    echo "not tried: the boards of an ordinary user, for want of setpriv or the right to make a device"
+    echo "not tried: the boards of an ordinary user, for want of setpriv, user namespaces or the right to make a device"
 fi
 
 # Two processes switch an output each on one board, many times at once: neither may undo the other's.

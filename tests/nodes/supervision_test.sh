@@ -63,7 +63,7 @@ to_group() { kill -TERM -"$1"; sleep 0.2; kill -USR1 -"$1"; sleep 0.2; kill -USR
 check "kill" "INT TERM " "$(signals to_process)"
 check "kill of the group, then of the process" "TERM USR1 USR1 " "$(signals to_group)"
 to_group_in_a_burst() {
-    perl -e 'kill USR1 => -$ARGV[0] for 1 .. 100' "$1"
+    perl -e 'kill USR1 => -$ARGV[0] for 1 .. 50' "$1"
     sleep 0.4
     burst=$(grep -c USR1 "$folder/out")
     kill -USR1 "$1"
