@@ -108,25 +108,29 @@ void refuseUnlessPossible(const std::string &program, const std::string &library
                       libraryName + " is not");
 }
 
+// The library reads the scenario once more, inside the program and perhaps from another directory.
+std::string fileReadAgain(const std::string &scenario)
+{
+    const std::unique_ptr<char, void (*)(void *)> path(::realpath(scenario.c_str(), nullptr), std::free);
+    struct stat attributes {
+    };
+    if (!path || ::stat(path.get(), &attributes) != 0 || !S_ISREG(attributes.st_mode))
+        throw UsageError("--scenario \"" + scenario +
+                         "\": inside a program it is read again; allowed is a regular file");
+    return path.get();
+}
+
 }  // namespace
 
 void executePreloaded(const RunRequest &request, const TextWords &program)
 {
+    if (!request.scenarioFile.empty())
+        ::setenv(preloadScenario, fileReadAgain(request.scenarioFile).c_str(), 1);
     const std::string library = libraryPath();
     refuseUnlessPossible(program[0], library);
     const char *others = std::getenv("LD_PRELOAD");
     ::setenv("LD_PRELOAD", (library + (others ? ":" + std::string(others) : "")).c_str(), 1);
     ::setenv(preloadBoards, join(request.boardArguments, " ").c_str(), 1);
-    if (!request.scenarioFile.empty()) {
-        const std::unique_ptr<char, void (*)(void *)> path(::realpath(request.scenarioFile.c_str(), nullptr),
-                                                           std::free);
-        struct stat attributes {
-        };
-        if (!path || ::stat(path.get(), &attributes) != 0 || !S_ISREG(attributes.st_mode))
-            throw UsageError("--scenario \"" + request.scenarioFile +
-                             "\": inside a program it is read again; allowed is a regular file");
-        ::setenv(preloadScenario, path.get(), 1);
-    }
     // Only who may do it gets it; the program can do without.
     if (request.privateIpc)
         (void)::unshare(CLONE_NEWIPC);
