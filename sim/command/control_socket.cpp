@@ -5,7 +5,6 @@
 
 #include <array>
 #include <sys/socket.h>
-#include <sys/time.h>
 
 namespace sim
 {
@@ -13,7 +12,6 @@ namespace sim
 namespace
 {
 
-constexpr timeval patience{2, 0};
 constexpr std::size_t longestRequest = 65536;
 
 void sendAll(const OwnedFd &connection, const std::string &text)

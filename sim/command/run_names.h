@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <sys/types.h>
 #include <sys/un.h>
 #include <vector>
@@ -33,6 +34,9 @@ std::vector<RunName> allRuns();
 /// The run that is meant: the one with this id; without an id, the one around this process or the only one this user
 /// may reach (root reaches everybody's). Throws UsageError that names the choice.
 RunName chooseRun(const std::optional<std::string> &id);
+
+/// Nobody waits longer for the other side of a connection.
+constexpr timeval patience{2, 0};
 
 /// A connection with whoever listens under a name; none if nobody does. Anybody can take an abstract name, so the user
 /// behind it has to be the one that it says.

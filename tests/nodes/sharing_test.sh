@@ -28,10 +28,15 @@ if [ "$(id -u)" -eq 0 ] && command -v setpriv >/dev/null && "${user[@]}" test -x
     check "root enters as the boards' user" "65534 opened" \
         "$("$sim" enter --run $serving -- sh -c 'exec 3<>/dev/Vexa_0 && echo $(id -u) opened' 2>&1)"
     "${user[@]}" perl -MIO::Socket::UNIX -e '
-        $planted = IO::Socket::UNIX->new(Local => "\0sorvane-sim/0/1", Listen => 1) and print "planted\n"; sleep 20' >/tmp/planted &
+        my $name = "\0sorvane-sim/0/1";
+        my @planted = IO::Socket::UNIX->new(Local => $name, Listen => 1);
+        push @planted, IO::Socket::UNIX->new(Peer => $name) for 1 .. 2;  # as many as wait
+        print "planted\n"; close STDOUT; sleep 20' >/tmp/planted &
     stranger=$!
     eventually grep -qs planted /tmp/planted
+    SECONDS=0
     check "a name that somebody else took" "" "$("$sim" ctl input 3 on 2>&1)"
+    check "it keeps nobody" yes "$([ $SECONDS -le 8 ] && echo yes)"
     kill $serving $stranger
 else
     echo "not tried: the boards of an ordinary user, for want of setpriv, user namespaces or the right to make a device"
