@@ -1,8 +1,10 @@
 // The description of the protocol, held against the bytes of the wire table.
+#include <fstream>
 #include <set>
 #include <sstream>
 
 #include "protocol/decode.h"
+#include "protocol/document.h"
 #include "tests/api/wire_table.h"
 
 namespace tests
@@ -223,6 +225,13 @@ TEST(WireLines, AreCutOnRequest)
 {
     EXPECT_EQ(line(decode(Model::R20, "98/3 41 42 43", ""), 2), "Send(port=0, data=\"AB\"... (3 bytes)) = ok");
     EXPECT_EQ(line(decode(Model::R20, "6/2", "01 42 43"), 2), "Get8051Version() = version 01 42... (3 bytes)");
+}
+
+TEST(WireDocument, IsInStep)
+{
+    std::ostringstream page;
+    page << std::ifstream(WIRE_DOCUMENT).rdbuf();
+    EXPECT_EQ(page.str(), protocol::wireDocument()) << "scripts/wire_docs writes it anew";
 }
 
 }  // namespace

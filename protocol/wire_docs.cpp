@@ -1,0 +1,10 @@
+// Prints docs/wire.md.
+#include <cstdio>
+
+#include "protocol/document.h"
+
+int main()
+{
+    const std::string text = protocol::wireDocument();
+    return std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0 ? 0 : 1;
+}
