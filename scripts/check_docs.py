@@ -3,8 +3,8 @@
 
     check_docs.py [ROOT]    ROOT: the source tree to check, by default the one that holds this script
 
-Prints a line for each fault and fails if there is one. The requests come from board/requests.h, the error codes from
-api/sorvaneusb_types.h. A comment is a sentence, then entries in the order of LABELS.
+Prints a line for each fault and fails if there is one. The requests and who sends them come from docs/wire.md, the error
+codes from api/sorvaneusb_types.h. A comment is a sentence, then entries in the order of LABELS.
 """
 import pathlib
 import re
@@ -14,40 +14,9 @@ LABELS = ["Sent", "Arguments", "Result", "Errors", "On failure", "Models"]
 EXCHANGE = "the exchange's own"
 ANY_REQUEST = "PerformUSBIO"
 
-# The requests of the operations whose name is not that of their one request.
-DOWNLOAD = ["FirmwareRuns", "BeginFirmware", "WriteFlatSRAM", "WriteBankedSRAM", "EndFirmware"]
-DETECTION = ["ConfigureEEPROM", "ReadEEPROM"]
-SENT_BY = {
-    "init": DOWNLOAD + DETECTION,
-    "InitUSBBoard": DOWNLOAD + DETECTION + ["GetInputs"],
-    "InitPort": DOWNLOAD + DETECTION,
-    "Download8051Software": DOWNLOAD,
-    "CheckEEPROM": DETECTION,
-    "GetInputBit": ["GetInputs"],
-    "SetOutputBit": ["ModifyOutputs"],
-    "SetOutputs": ["ModifyOutputs"],
-    "SetOnPeriodOutputBit": ["SetOnPeriodOutputs"],
-    "SetOffPeriodOutputBit": ["SetOffPeriodOutputs"],
-    "ConfigurePulsedInputEx": ["ConfigurePulsedInput"],
-    "BeginPulsedInputCheck": ["PulsedInputCheck"],
-    "EndPulsedInputCheck": ["PulsedInputCheck"],
-    "GetPulsedInputStatus": ["GetParallelHopperStatus"],
-    "ReleaseParallelHopperCoinsEx": ["ReleaseParallelHopperCoins"],
-    "ConfigureReelsEx": ["ConfigureReels"],
-    "GetReelStatusEx": ["GetReelStatus"],
-    "ReceiveByteWithTimestamp": ["ReceiveWithTimestamps"],
-    "ReceiveByteWithTimestamp9BitData": ["ReceiveWithTimestamps"],
-    "Send9BitData": ["Send"],
-    "Receive9BitData": ["Receive"],
-    "SetSASBusy": ["SetSASAutoReply"],
-    "ConfigureCCTalkPort": ["ConfigurePollSlot"],
-    "ConfigureRS232Poll": ["ConfigurePollSlot"],
-    "SendSEC": ["SendSPI"],
-    "ReadSRAM": ["ReadFlatSRAM", "ReadBankedSRAM"],
-    "WriteSRAM": ["WriteFlatSRAM", "WriteBankedSRAM"],
-    "ReadLargeSRAM": ["ReadFlatSRAM", "ReadBankedSRAM"],
-    "WriteLargeSRAM": ["WriteFlatSRAM", "WriteBankedSRAM"],
-}
+# Opening a board sends what these send.
+OPENING = ["Download8051Software", "CheckEEPROM"]
+OPENS = {"init": OPENING, "InitPort": OPENING, "InitUSBBoard": OPENING + ["InitUSBBoard"]}
 
 
 class Operation:
@@ -98,7 +67,19 @@ def requests_named(text, sent_texts):
     return named
 
 
-def faults_of(operation, table, codes, sent_texts):
+def senders(page):
+    """For each operation the requests that it sends: "75 on pipe 1"."""
+    sent = {}
+    section = r"^### (\d+) on pipe (\d)(?: or \d)?: (\w+)\n\n[^.]*\.(?: Also sent by ([^.]*)\.)?$"
+    for code, pipe, name, others in re.findall(section, page, re.MULTILINE):
+        for sender in [name] + others.split(", "):
+            sent.setdefault(sender, set()).add(f"{code} on pipe {'3 or 4' if pipe in '34' else pipe}")
+    sent.pop("", None)
+    sent.update({name: set().union(*(sent.get(other, set()) for other in others)) for name, others in OPENS.items()})
+    return sent
+
+
+def faults_of(operation, sent_by, codes, sent_texts):
     if not operation.sentence or operation.sentence.startswith("- "):
         yield "no doc comment that begins with a sentence"
         return
@@ -110,15 +91,14 @@ def faults_of(operation, table, codes, sent_texts):
             yield f"says nothing of `{parameter}`"
 
     sent = operation.entries.get("Sent", "")
-    own = [operation.name] if operation.name in table else []
-    expected = {table.get(name, name) for name in SENT_BY.get(operation.name, own)}
+    expected = sent_by.get(operation.name, set())
     named = requests_named(sent, sent_texts)
     if not sent:
         yield "no Sent entry"
     elif named != expected:
-        yield f"Sent names the requests {sorted(named)}, the table has {sorted(expected)}"
+        yield f"Sent names the requests {sorted(named)}, docs/wire.md has {sorted(expected)}"
     elif not expected and not sent.startswith("nothing"):
-        yield "sends no request of the table, but Sent does not begin with nothing"
+        yield "sends no request of docs/wire.md, but Sent does not begin with nothing"
     elif expected and not re.search(r"no payload|\bbytes?\b|as `", sent):
         yield "Sent gives no payload"
 
@@ -144,21 +124,20 @@ def faults_of(operation, table, codes, sent_texts):
 def main():
     root = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else pathlib.Path(__file__).resolve().parent.parent)
     header = root / "api/sorvaneusb.h"
-    rows = re.findall(r"REQUEST\((\w+), (\d+), (\d+)\)", (root / "board/requests.h").read_text())
-    table = {name: f"{code} on pipe {'3 or 4' if pipe == '3' else pipe}" for name, pipe, code in rows}
+    sent_by = senders((root / "docs/wire.md").read_text())
+    requests = set().union(*sent_by.values())
     types = (root / "api/sorvaneusb_types.h").read_text()
     codes = {int(code) for code in re.findall(r"usbError\w+ = (\d+)", types)}
     found = list(operations(header.read_text()))
     sent_texts = {operation.name: operation.entries.get("Sent", "") for operation in found}
 
     faults = [f"{header}:{operation.line}: {operation.name}: {fault}"
-              for operation in found for fault in faults_of(operation, table, codes, sent_texts)]
+              for operation in found for fault in faults_of(operation, sent_by, codes, sent_texts)]
     documented = {request for text in sent_texts.values() for request in requests_named(text, sent_texts)}
-    faults += [f"{header}: no operation names {name}, request {request}"
-               for name, request in table.items() if request not in documented]
-    if not table or not codes or not found:
+    faults += [f"{header}: no operation names request {request}" for request in sorted(requests - documented)]
+    if not requests or not codes or not found:
         faults.append(f"{root}: no requests, no error codes or no operations found")
-    print("\n".join(faults) or f"{len(found)} operations and {len(table)} requests: documented")
+    print("\n".join(faults) or f"{len(found)} operations and {len(requests)} requests: documented")
     return 1 if faults else 0
 
 
