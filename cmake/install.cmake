@@ -1,8 +1,11 @@
-# cmake --install BUILD --prefix P: header, both libraries, pkg-config file and CMake package.
+# cmake --install BUILD --prefix P: header, both libraries, pkg-config file, CMake package and docs; and what the virtual
+# boards add (sim/command/install.cmake). Builds of both widths may be installed into one prefix: what they share is the
+# same in both, and what differs goes to the directory of its width.
 install(FILES api/sorvaneusb.h api/sorvaneusb_types.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(TARGETS sorvaneusb EXPORT SorvaneUSB LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(TARGETS sorvaneusb_static EXPORT SorvaneUSB ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 
+file(RELATIVE_PATH prefix_from_pc ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(cmake/sorvaneusb.pc.in sorvaneusb.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/sorvaneusb.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
@@ -11,3 +14,5 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/SorvaneUSB)
 install(EXPORT SorvaneUSB NAMESPACE SorvaneUSB:: FILE SorvaneUSBConfig.cmake DESTINATION ${package_dir})
 write_basic_package_version_file(SorvaneUSBConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/SorvaneUSBConfigVersion.cmake DESTINATION ${package_dir})
+
+install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md")

@@ -22,20 +22,6 @@ namespace
 
 constexpr char libraryName[] = "libsorvane_sim_preload.so";
 
-// Beside this program in a build, in the neighbouring lib where it is installed.
-std::string libraryPath()
-{
-    std::array<char, PATH_MAX> self{};
-    if (::readlink("/proc/self/exe", self.data(), self.size() - 1) <= 0)
-        fail("finding this program");
-    const std::string folder = std::string(self.data()).substr(0, std::string(self.data()).rfind('/'));
-    for (const std::string &path : {folder + "/" + libraryName, folder + "/../lib/" + libraryName}) {
-        if (::access(path.c_str(), R_OK) == 0)
-            return path;
-    }
-    throw std::runtime_error(std::string(libraryName) + " is missing beside " + self.data());
-}
-
 // Where execvp is going to find it; empty when nowhere.
 std::string findProgram(const std::string &name)
 {
@@ -90,12 +76,45 @@ Binary inspect(const std::string &path)
     return binary;
 }
 
+std::string folderOfThisProgram()
+{
+    std::array<char, PATH_MAX> self{};
+    if (::readlink("/proc/self/exe", self.data(), self.size() - 1) <= 0)
+        fail("finding this program");
+    const std::string path = self.data();
+    return path.substr(0, path.rfind('/') + 1);
+}
+
+// What LD_PRELOAD gets for a program of this width; empty where there is no library for it. In a build the library
+// stands beside this program, in the build's width alone. Installed, each width has its own: the loader of each process
+// puts the directory of its width for $LIB, so that children of the other width have boards, too.
+std::string libraryOfWidth(unsigned char width)
+{
+    const std::string folder = folderOfThisProgram();
+    const std::string built = folder + libraryName;
+    if (::access(built.c_str(), R_OK) == 0)
+        return inspect(built).width == width ? built : "";
+    const std::string prefix = folder + SORVANE_PREFIX_FROM_HERE;
+    const std::string triplet = width == ELFCLASS32 ? "i386-linux-gnu" : "x86_64-linux-gnu";
+    const std::string installed = prefix + "lib/" + triplet + "/" + libraryName;
+    return ::access(installed.c_str(), R_OK) == 0 ? prefix + "$LIB/" + libraryName : "";
+}
+
 // A script is taken as it comes: whatever runs it is a program of the machine.
-void refuseUnlessPossible(const std::string &program, const std::string &library)
+std::string libraryForScripts()
+{
+    for (const unsigned char width : {ELFCLASS64, ELFCLASS32}) {
+        if (const std::string library = libraryOfWidth(width); !library.empty())
+            return library;
+    }
+    throw std::runtime_error(std::string(libraryName) + " is missing beside " + folderOfThisProgram() + "sorvane-sim");
+}
+
+std::string libraryFor(const std::string &program)
 {
     const Binary binary = inspect(findProgram(program));
     if (!binary.isELF)
-        return;
+        return libraryForScripts();
     const auto refusal = [&program](const std::string &reason) {
         return std::runtime_error("no boards inside " + program + ": " + reason);
     };
@@ -103,9 +122,11 @@ void refuseUnlessPossible(const std::string &program, const std::string &library
         throw refusal("it runs with more rights than its user and takes no library");
     if (!binary.isDynamic)
         throw refusal("it is statically linked and takes no library; only device nodes reach it");
-    if (binary.width != inspect(library).width)
+    const std::string library = libraryOfWidth(binary.width);
+    if (library.empty())
         throw refusal(std::string("it is a ") + (binary.width == ELFCLASS32 ? "32" : "64") + "-bit program and " +
                       libraryName + " is not");
+    return library;
 }
 
 // The library reads the scenario once more, inside the program and perhaps from another directory.
@@ -126,8 +147,7 @@ void executePreloaded(const RunRequest &request, const TextWords &program)
 {
     if (!request.scenarioFile.empty())
         ::setenv(preloadScenario, fileReadAgain(request.scenarioFile).c_str(), 1);
-    const std::string library = libraryPath();
-    refuseUnlessPossible(program[0], library);
+    const std::string library = libraryFor(program[0]);
     const char *others = std::getenv("LD_PRELOAD");
     ::setenv("LD_PRELOAD", (library + (others ? ":" + std::string(others) : "")).c_str(), 1);
     ::setenv(preloadBoards, join(request.boardArguments, " ").c_str(), 1);

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # A program of somebody else's, built against an installed copy in every way that is offered.
-#   install_test.sh BUILD COMPILER FLAGS
+#   install_test.sh BUILD COMPILER FLAGS LIBDIR
 set -euo pipefail
-build=$1 compiler=$2 flags=$3
+build=$1 compiler=$2 flags=$3 libdir=$4
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 prefix=$work/prefix
@@ -13,13 +13,14 @@ fail() {
     exit 1
 }
 
-for file in include/sorvaneusb.h lib/libsorvaneusb.so lib/libsorvaneusb.so.13 lib/libsorvaneusb.a; do
+libraries=$prefix/$libdir
+for file in include/sorvaneusb.h share/doc/SorvaneUSB/virtual_boards.md; do
     [ -e "$prefix/$file" ] || fail "$file is not installed"
 done
-readelf -d "$prefix/lib/libsorvaneusb.so" | grep -q 'SONAME.*libsorvaneusb.so.13' || fail "the soname is not 13"
+readelf -d "$libraries/libsorvaneusb.so" | grep -q 'SONAME.*libsorvaneusb.so.13' || fail "the soname is not 13"
 
 # Only the public class and its three functions are exported.
-strangers=$(nm -DC --defined-only "$prefix/lib/libsorvaneusb.so" | grep ' [TDBRVW] ' |
+strangers=$(nm -DC --defined-only "$libraries/libsorvaneusb.so" | grep ' [TDBRVW] ' |
     grep -vE ' (SorvaneUSB::|GetBoardType\(int\)|LocalGetBoardSpeed\(int\)|usbErrorText\(int\))' || true)
 case $flags in
 *sanitize* | *coverage*) ;;
@@ -28,10 +29,12 @@ esac
 
 cat >"$work/game.cpp" <<'PROGRAM'
 #include <sorvaneusb.h>
-int main()
+int main(int arguments, char **)
 {
     SorvaneUSB board;
     unsigned char version[3];
+    if (arguments > 1 && !board.init(0))
+        return 2;
     return board.GetDllVersion(version) && version[0] == '1' && version[1] == '3' ? 0 : 1;
 }
 PROGRAM
@@ -42,12 +45,12 @@ build_with() {
     shift
     "$compiler" $flags -std=c++11 -Wall -Wextra -pedantic -Werror "$work/game.cpp" -o "$work/$name" "$@"
     # On an own kernel: LD_LIBRARY_PATH finds the shared library.
-    LD_LIBRARY_PATH=$prefix/lib "$work/$name" || fail "$name does not run"
+    LD_LIBRARY_PATH=$libraries "$work/$name" || fail "$name does not run"
 }
-build_with shared -I"$prefix/include" -L"$prefix/lib" -lsorvaneusb
-build_with static -I"$prefix/include" "$prefix/lib/libsorvaneusb.a"
+build_with shared -I"$prefix/include" -L"$libraries" -lsorvaneusb
+build_with static -I"$prefix/include" "$libraries/libsorvaneusb.a"
 if command -v pkg-config >/dev/null; then
-    build_with pkgconfig $(PKG_CONFIG_PATH="$prefix/lib/pkgconfig" pkg-config --cflags --libs sorvaneusb)
+    build_with pkgconfig $(PKG_CONFIG_PATH="$libraries/pkgconfig" pkg-config --cflags --libs sorvaneusb)
 fi
 
 mkdir "$work/consumer"
@@ -59,7 +62,30 @@ add_executable(game ../game.cpp)
 target_link_libraries(game PRIVATE SorvaneUSB::sorvaneusb)
 PROJECT
 cmake -S "$work/consumer" -B "$work/consumer/build" -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="$flags" \
-    -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+    -DSorvaneUSB_DIR="$libraries/cmake/SorvaneUSB" >/dev/null
 cmake --build "$work/consumer/build" >/dev/null
 "$work/consumer/build/game" || fail "the CMake consumer does not run"
+
+# Boards inside of programs of both widths that a script starts, each by the library of its width. The other width's is
+# a stand-in here; the loader complains where it is handed a wrong one.
+if [ -x "$build/sim/command/sorvane-sim" ]; then
+    other_flags="-m32 -march=i686" places=(lib/i386-linux-gnu lib32)
+    if readelf -h "$libraries/libsorvaneusb.so" | grep -q ELF32; then
+        other_flags="-m64 -march=x86-64" places=(lib/x86_64-linux-gnu)
+    fi
+    other_width() { # shellcheck disable=SC2086
+        "$compiler" $flags $other_flags -x c++ - -o "$@"
+    }
+    other_width "$work/stand_in.so" -shared -fPIC <<<'#include <unistd.h>
+        [[gnu::constructor]] static void preloaded() { if (write(1, "preloaded\n", 10) < 0) _exit(1); }'
+    other_width "$work/other" <<<'int main() {}'
+    for place in "${places[@]}"; do
+        install -D "$work/stand_in.so" "$prefix/$place/libsorvane_sim_preload.so"
+    done
+    output=$("$prefix/bin/sorvane-sim" run --how preload --board 0=R35 -- "$work/other" 2>&1)
+    [ "$output" = preloaded ] || fail "a program of the other width: $output"
+    output=$("$prefix/bin/sorvane-sim" run --how preload --board 0=R35 -- \
+        bash -c '"$0" open && echo opened && "$1"' "$work/static" "$work/other" 2>&1)
+    [ "$(sort -u <<<"$output" | xargs)" = "opened preloaded" ] || fail "programs of both widths: $output"
+fi
 echo "Installed, built against and run in every way"
