@@ -1,9 +1,19 @@
 # cmake --install BUILD --prefix P: header, both libraries, pkg-config file, CMake package and docs; and what the virtual
 # boards add (sim/command/install.cmake). Builds of both widths may be installed into one prefix: what they share is the
-# same in both, and what differs goes to the directory of its width.
+# same in both, and what differs goes to the directory of its width, lib/i386-linux-gnu or lib/x86_64-linux-gnu.
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    set(triplet i386-linux-gnu)
+else()
+    set(triplet ${CMAKE_SYSTEM_PROCESSOR}-linux-gnu)
+endif()
+set(CMAKE_INSTALL_LIBDIR lib/${triplet} CACHE PATH "Where libraries go")
+include(GNUInstallDirs)
+
 install(FILES api/sorvaneusb.h api/sorvaneusb_types.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(TARGETS sorvaneusb EXPORT SorvaneUSB LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(TARGETS sorvaneusb_static EXPORT SorvaneUSB ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS sorvaneusb sorvaneusb_static EXPORT SorvaneUSB
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
 file(RELATIVE_PATH prefix_from_pc ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(cmake/sorvaneusb.pc.in sorvaneusb.pc @ONLY)

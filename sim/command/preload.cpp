@@ -94,7 +94,7 @@ std::string libraryOfWidth(unsigned char width)
     const std::string built = folder + libraryName;
     if (::access(built.c_str(), R_OK) == 0)
         return inspect(built).width == width ? built : "";
-    const std::string prefix = folder + SORVANE_PREFIX_FROM_HERE;
+    const std::string prefix = folder + "../";
     const std::string triplet = width == ELFCLASS32 ? "i386-linux-gnu" : "x86_64-linux-gnu";
     const std::string installed = prefix + "lib/" + triplet + "/" + libraryName;
     return ::access(installed.c_str(), R_OK) == 0 ? prefix + "$LIB/" + libraryName : "";

@@ -3,6 +3,7 @@
 #   install_test.sh BUILD COMPILER FLAGS LIBDIR
 set -euo pipefail
 build=$1 compiler=$2 flags=$3 libdir=$4
+source=$(cd "$(dirname "$0")/../.." && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 prefix=$work/prefix
@@ -53,18 +54,44 @@ if command -v pkg-config >/dev/null; then
     build_with pkgconfig $(PKG_CONFIG_PATH="$libraries/pkgconfig" pkg-config --cflags --libs sorvaneusb)
 fi
 
+# The same two targets, installed, as a folder of the consumer's tree and by FetchContent. There the library brings no
+# tests, no boards and no settings with it, and installs nothing.
 mkdir "$work/consumer"
 cat >"$work/consumer/CMakeLists.txt" <<'PROJECT'
 cmake_minimum_required(VERSION 3.25)
 project(consumer CXX)
-find_package(SorvaneUSB 13 REQUIRED)
-add_executable(game ../game.cpp)
-target_link_libraries(game PRIVATE SorvaneUSB::sorvaneusb)
+enable_testing()
+include(${HOW}.cmake)
+foreach(library sorvaneusb sorvaneusb_static)
+    add_executable(game_${library} ../game.cpp)
+    target_link_libraries(game_${library} PRIVATE SorvaneUSB::${library})
+    add_test(NAME ${library} COMMAND game_${library})
+endforeach()
 PROJECT
-cmake -S "$work/consumer" -B "$work/consumer/build" -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="$flags" \
-    -DSorvaneUSB_DIR="$libraries/cmake/SorvaneUSB" >/dev/null
-cmake --build "$work/consumer/build" >/dev/null
-"$work/consumer/build/game" || fail "the CMake consumer does not run"
+cat >"$work/consumer/package.cmake" <<<'find_package(SorvaneUSB 13 REQUIRED)'
+cat >"$work/consumer/folder.cmake" <<<'add_subdirectory(${SOURCE} sorvane)'
+cat >"$work/consumer/fetch.cmake" <<'PROJECT'
+include(FetchContent)
+FetchContent_Declare(sorvane SOURCE_DIR ${SOURCE})
+FetchContent_MakeAvailable(sorvane)
+PROJECT
+consume() { # HOW
+    cmake -S "$work/consumer" -B "$work/$1" -DHOW="$1" -DSOURCE="$source" -DCMAKE_CXX_COMPILER="$compiler" \
+        -DCMAKE_CXX_FLAGS="$flags" -DCMAKE_ASM_FLAGS="$flags" -DSorvaneUSB_DIR="$libraries/cmake/SorvaneUSB" >/dev/null
+    [ "$(ctest --test-dir "$work/$1" -N | tail -n 1)" = "Total Tests: 2" ] || fail "$1 adds tests"
+}
+consume package
+consume folder
+consume fetch
+cmake --build "$work/fetch" --target help | grep sorvane_sim && fail "a consumer has the virtual boards"
+cmake -N -LA "$work/fetch" | grep CMAKE_INSTALL_LIBDIR && fail "a consumer is told where to install"
+cmake --build "$work/package" >/dev/null
+cmake --build "$work/folder" -j2 >/dev/null
+cmake --install "$work/folder" --prefix "$work/nothing" >/dev/null
+[ ! -e "$work/nothing" ] || fail "a consumer installs $(find "$work/nothing")"
+for how in package folder; do
+    ctest --test-dir "$work/$how" >/dev/null || fail "what the consumer builds by $how does not run"
+done
 
 # Boards inside of programs of both widths that a script starts, each by the library of its width. The other width's is
 # a stand-in here; the loader complains where it is handed a wrong one.
