@@ -26,3 +26,4 @@ write_basic_package_version_file(SorvaneUSBConfigVersion.cmake COMPATIBILITY Sam
 install(FILES ${PROJECT_BINARY_DIR}/SorvaneUSBConfigVersion.cmake DESTINATION ${package_dir})
 
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md")
+install(FILES CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})

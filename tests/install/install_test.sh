@@ -15,10 +15,13 @@ fail() {
 }
 
 libraries=$prefix/$libdir
-for file in include/sorvaneusb.h share/doc/SorvaneUSB/virtual_boards.md; do
+for file in include/sorvaneusb.h share/doc/SorvaneUSB/{virtual_boards,CHANGELOG}.md; do
     [ -e "$prefix/$file" ] || fail "$file is not installed"
 done
 readelf -d "$libraries/libsorvaneusb.so" | grep -q 'SONAME.*libsorvaneusb.so.13' || fail "the soname is not 13"
+
+changed=$(sed -n 's/^## //p' "$source/CHANGELOG.md" | head -n 1)
+grep -qx "Version: $changed" "$libraries/pkgconfig/sorvaneusb.pc" || fail "the newest change is that of $changed"
 
 # Only the public class and its three functions are exported.
 strangers=$(nm -DC --defined-only "$libraries/libsorvaneusb.so" | grep ' [TDBRVW] ' |
