@@ -6,7 +6,7 @@ if(CMAKE_SIZEOF_VOID_P EQUAL 4)
 else()
     set(triplet ${CMAKE_SYSTEM_PROCESSOR}-linux-gnu)
 endif()
-set(CMAKE_INSTALL_LIBDIR lib/${triplet} CACHE PATH "Where libraries go")
+set(CMAKE_INSTALL_LIBDIR lib/${triplet} CACHE STRING "Where libraries go")
 include(GNUInstallDirs)
 
 install(FILES api/sorvaneusb.h api/sorvaneusb_types.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
@@ -15,7 +15,8 @@ install(TARGETS sorvaneusb sorvaneusb_static EXPORT SorvaneUSB
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
     INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
-file(RELATIVE_PATH prefix_from_pc ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX
+    BASE_DIRECTORY ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig OUTPUT_VARIABLE prefix_from_pc)
 configure_file(cmake/sorvaneusb.pc.in sorvaneusb.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/sorvaneusb.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
@@ -25,5 +26,6 @@ install(EXPORT SorvaneUSB NAMESPACE SorvaneUSB:: FILE SorvaneUSBConfig.cmake DES
 write_basic_package_version_file(SorvaneUSBConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/SorvaneUSBConfigVersion.cmake DESTINATION ${package_dir})
 
-install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md")
-install(FILES CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+# As they lie in the tree, so that they find each other.
+install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md")

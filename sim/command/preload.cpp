@@ -107,7 +107,8 @@ std::string libraryForScripts()
         if (const std::string library = libraryOfWidth(width); !library.empty())
             return library;
     }
-    throw std::runtime_error(std::string(libraryName) + " is missing beside " + folderOfThisProgram() + "sorvane-sim");
+    throw std::runtime_error(std::string(libraryName) + " is neither in " + folderOfThisProgram() +
+                             " nor in a directory of libraries beside it");
 }
 
 std::string libraryFor(const std::string &program)

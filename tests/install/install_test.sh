@@ -15,7 +15,7 @@ fail() {
 }
 
 libraries=$prefix/$libdir
-for file in include/sorvaneusb.h share/doc/SorvaneUSB/{virtual_boards,CHANGELOG}.md; do
+for file in include/sorvaneusb.h share/doc/SorvaneUSB/{README,docs/virtual_boards}.md; do
     [ -e "$prefix/$file" ] || fail "$file is not installed"
 done
 readelf -d "$libraries/libsorvaneusb.so" | grep -q 'SONAME.*libsorvaneusb.so.13' || fail "the soname is not 13"
