@@ -106,7 +106,6 @@ Reply SerialPort::configure(Payload payload)
         settings_ = settings;
         received_.clear();
         parityErrors_ = 0;
-        lastMessageId_.reset();
     });
 }
 
@@ -132,18 +131,10 @@ Bytes SerialPort::wire(std::size_t count) const
     return bytes;
 }
 
-Reply SerialPort::receive(Payload payload)
+Reply SerialPort::receive()
 {
-    const std::optional<unsigned char> id = number_ == 0 ? std::optional(payload[0]) : std::nullopt;
-    if (id && id == lastMessageId_ && !lastAnswer_.empty())
-        return tell(lastAnswer_);
     const std::size_t count = std::min(received_.size(), largestAnswer_ / wordSize());
-    const Bytes bytes = wire(count);
-    return tell(bytes, [this, id, count, bytes] {
-        drop(count);
-        lastMessageId_ = id;
-        lastAnswer_ = bytes;
-    });
+    return tell(wire(count), [this, count] { drop(count); });
 }
 
 Reply SerialPort::receiveWithTimestamps()
@@ -186,7 +177,7 @@ std::optional<Reply> SerialPort::answer(Request request, Payload payload)
     case Request::Send:
         return sendFromHost(payload);
     case Request::Receive:
-        return receive(payload);
+        return receive();
     case Request::GetParityErrors:
         return tell({highByte(parityErrors_), lowByte(parityErrors_)});
     case Request::SetTimeoutMessage:
@@ -206,7 +197,6 @@ void SerialPort::powerLost()
     timeline_.cancel(&timeout_);
     settings_ = {};
     received_.clear();
-    lastMessageId_.reset();
     parityErrors_ = 0;
     wordsToSpoil_ = 0;
     sendLineFree_ = {};

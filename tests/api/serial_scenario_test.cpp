@@ -126,6 +126,22 @@ TEST_P(SerialScenario, ReceiveCollectsUntilTheBoardIsEmpty)
     }
 }
 
+TEST_P(SerialScenario, BytesAreHandedOutOnceWhateverTheMessageId)
+{
+    OpenBoard other(GetParam(), 1);
+    for (unsigned char round = 1; round <= 3; ++round) {
+        board.serialPort(0).deliver(sim::Bytes{round});
+        testClock().advance(1s);
+        unsigned char data[usbLargestAnswer] = {};
+        unsigned long length = 9;
+        EXPECT_TRUE(usb.Receive(usbSerialPort0, data, &length, sim::largestAnswer(GetParam())));
+        EXPECT_EQ(hex(data, length), "0" + std::to_string(round));
+        EXPECT_EQ(board.exchanges().back().sent, board.exchanges().front().sent) << "the ids meet again";
+        for (int k = 0; k < 255; ++k)
+            nextId(other.usb, other.board);
+    }
+}
+
 TEST_P(SerialScenario, APortRunsAtTheBaudRateThatItWasGiven)
 {
     for (const unsigned int baud :

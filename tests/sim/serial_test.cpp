@@ -1,4 +1,4 @@
-// What the library does not show of the serial ports: line speed, repeated ids, times, and peripherals.
+// What the library does not show of the serial ports: line speed, times, and peripherals.
 #include "sim/peripherals/cctalk_acceptor.h"
 #include "sim/peripherals/polled_device.h"
 #include "sim/peripherals/sas_host.h"
@@ -26,18 +26,6 @@ TEST_P(SerialTest, ALoopbackSendsEverythingBackAtTheLineSpeed)
     pass(10ms);
     EXPECT_EQ(ask(99, 4), (Bytes{2, 3}));
     EXPECT_EQ(ask(99, 4), Bytes{});
-}
-
-TEST_P(SerialTest, ARepeatedMessageIdGetsTheSameAnswer)
-{
-    board.serialPort(0).deliver(Bytes{7, 8});
-    pass(1s);
-    EXPECT_EQ(ask(99, 3, {5}), (Bytes{7, 8}));
-    EXPECT_EQ(ask(99, 3, {5}), (Bytes{7, 8}));
-    EXPECT_EQ(ask(99, 3, {6}), Bytes{});
-    board.serialPort(0).deliver(Bytes{9});
-    pass(1s);
-    EXPECT_EQ(ask(99, 3, {6}), Bytes{9}) << "after an empty answer nothing is repeated";
 }
 
 TEST_P(SerialTest, BatchesCarryTimestampsAndFitAByteLength)
