@@ -1,5 +1,7 @@
 #include "sim/board/hoppers.h"
 
+#include <algorithm>
+
 namespace sim
 {
 
@@ -7,6 +9,7 @@ Hoppers::Hoppers(Timeline &timeline, Inputs &inputs, Outputs &outputs)
     : timeline_(timeline), inputs_(inputs), outputs_(outputs)
 {
     inputs.listen([this](unsigned int input, bool level) { changed(input, level); });
+    outputs.listen([this](const Pattern &switchedOff) { endThoseOf(switchedOff); });
 }
 
 Hopper &Hoppers::at(unsigned int input)
@@ -37,10 +40,25 @@ void Hoppers::end(unsigned int input, unsigned char status)
 {
     Release &release = releases_[input];
     release.status = status;
-    outputs_.drive(release.output, false);
+    outputs_.drive(release.output, drives(release.output));
     timeline_.cancel(&release);
     if (const auto hopper = hoppers_.find(input); hopper != hoppers_.end())
         hopper->second.halt();
+}
+
+void Hoppers::endThoseOf(const Pattern &outputs)
+{
+    for (const auto &[input, release] : releases_) {
+        if (release.status == hopperActive && holds(outputs, release.output))
+            end(input, hopperStopped);
+    }
+}
+
+bool Hoppers::drives(unsigned int output) const
+{
+    return std::any_of(releases_.begin(), releases_.end(), [output](const auto &entry) {
+        return entry.second.status == hopperActive && entry.second.output == output;
+    });
 }
 
 // Whoever waits for the next coin is called off by it.

@@ -1,9 +1,15 @@
 // Coin releases of parallel hoppers.
 //
-// The board switches the drive output on, counts the coins that pass the coin input, and switches off when enough have
-// passed, when no coin has come for two seconds, or when it is told to stop. Only status 4, active, is known; here 0 is
-// a hopper that was never asked, 1 all coins paid, 2 no more coins came, 3 stopped. The second byte is the low byte of
-// the coins paid since the last release began. The setting bytes make no difference.
+// A release drives its output by itself, as a pulse does: the flash patterns neither show it nor end it, and the output
+// goes back to them afterwards. It ends when
+// - all coins have passed the coin input (status 1; one of no coins is over at once),
+// - no coin has come for two seconds (2),
+// - request 124, which an R20 lacks, stops the input's release (3),
+// - request 77 comes with the output in its off set (3),
+// - the board loses its power (0, as if it had never been asked).
+// Only status 4, active, is known; the others are chosen here. The second byte is the low byte of the coins paid since
+// the last release began. Bit 0 of the active state is the level that counts as a coin; the setting bytes make no
+// difference. Several releases may drive one output.
 #ifndef SORVANE_SIM_BOARD_HOPPERS_H
 #define SORVANE_SIM_BOARD_HOPPERS_H
 
@@ -48,6 +54,8 @@ public:
 private:
     void start(unsigned int input, const Release &release);
     void end(unsigned int input, unsigned char status);
+    void endThoseOf(const Pattern &outputs);
+    bool drives(unsigned int output) const;
     void changed(unsigned int input, bool level);
     void expectCoin(unsigned int input);
 

@@ -30,7 +30,7 @@ bool Outputs::inOnPeriod() const
 
 bool Outputs::lit(unsigned int output) const
 {
-    return forced_.at(output).value_or(holds(inOnPeriod() ? onPattern_ : offPattern_, output));
+    return forced_.at(output).value_or(holds(driven_, output) || holds(inOnPeriod() ? onPattern_ : offPattern_, output));
 }
 
 Pattern Outputs::litNow() const
@@ -39,12 +39,6 @@ Pattern Outputs::litNow() const
     for (unsigned int output = 0; output < outputCount; ++output)
         put(now, output, lit(output));
     return now;
-}
-
-void Outputs::drive(unsigned int output, bool on)
-{
-    put(onPattern_, output, on);
-    put(offPattern_, output, on);
 }
 
 void Outputs::force(unsigned int output, std::optional<bool> level)
@@ -56,6 +50,8 @@ void Outputs::modify(Payload onThenOff)
 {
     switchPattern(onPattern_, onThenOff);
     switchPattern(offPattern_, onThenOff);
+    if (listener_)
+        listener_(toPattern(onThenOff.subspan(onPattern_.size())));
 }
 
 std::optional<Reply> Outputs::answer(Request request, Payload payload)
@@ -80,6 +76,7 @@ void Outputs::powerLost()
 {
     onPattern_ = {};
     offPattern_ = {};
+    driven_ = {};
     forced_ = {};
     brightness_ = fullBrightness;
 }

@@ -20,6 +20,8 @@ constexpr unsigned char fullBrightness = 10;
 class Outputs : public Part
 {
 public:
+    using Listener = std::function<void(const Pattern &switchedOff)>;
+
     explicit Outputs(Timeline &timeline) : timeline_(timeline) {}
 
     const Pattern &onPattern() const { return onPattern_; }
@@ -27,15 +29,18 @@ public:
     unsigned int brightness() const { return brightness_; }
     bool inOnPeriod() const;
 
-    /// Whether an output is on at this moment: its flash phase and a pulse that runs are counted in.
+    /// Whether an output is on at this moment: its flash phase, a pulse and a release that run are counted in.
     bool lit(unsigned int output) const;
     Pattern litNow() const;
 
-    /// Steady on or off, as a request to switch it does; ends nothing that pulses.
-    void drive(unsigned int output, bool on);
+    /// While a hopper's release drives it the output is on, whatever the patterns say. See hoppers.h.
+    void drive(unsigned int output, bool on) { put(driven_, output, on); }
 
-    /// For the pulse's time the output is on, or off, whatever the patterns say. See pulsed_outputs.h.
+    /// For the pulse's time the output is on, or off, whatever else holds. See pulsed_outputs.h.
     void force(unsigned int output, std::optional<bool> level);
+
+    /// Whoever drives outputs is told which ones a request switches off.
+    void listen(Listener listener) { listener_ = std::move(listener); }
 
     std::optional<Reply> answer(Request request, Payload payload) override;
     void powerLost() override;
@@ -46,8 +51,10 @@ private:
     Timeline &timeline_;
     Pattern onPattern_{};
     Pattern offPattern_{};
+    Pattern driven_{};
     std::array<std::optional<bool>, outputCount> forced_{};
     unsigned char brightness_ = fullBrightness;
+    Listener listener_;
 };
 
 }  // namespace sim

@@ -137,9 +137,32 @@ TEST_P(CoinScenario, AJamAndADriveThatIsCutHoldTheCoinsBack)
     EXPECT_TRUE(release(5));
     testClock().advance(450ms);
     EXPECT_TRUE(usb.SetOutputBit(usbOutput37, 0));
+    EXPECT_EQ(paying(), Paying(false, 2)) << "it need not run out first";
+    EXPECT_EQ(hopperStatus(), sim::hopperStopped);
     testClock().advance(3s);
-    EXPECT_EQ(paying(), Paying(false, 2));
     EXPECT_EQ(board.hoppers().at(5).stock(), 20U - 2 - 3 - 2);
+}
+
+TEST_P(CoinScenario, AReleaseDrivesItsOutputWhateverFlashes)
+{
+    board.hopper(5, 20).hopper(6, 1);
+    EXPECT_TRUE(release(9));
+    EXPECT_TRUE(usb.ReleaseParallelHopperCoins(usbInput6, 20, ActiveState(1), usbOutput37, 1, 9));
+    const std::function<int()> requests[] = {
+        [&] { return usb.SetOnPeriodOutputs({}); },
+        [&] { return usb.SetOffPeriodOutputs({}); },
+        [&] { return usb.SetOffPeriodOutputBit(usbOutputByte4, 5, 0); },
+        [&] { return usb.SetOutputBit(usbOutput36, 0); },
+    };
+    int paid = 0;
+    for (const auto &request : requests) {
+        EXPECT_TRUE(request());
+        testClock().advance(200ms);
+        EXPECT_EQ(paying(), Paying(true, ++paid)) << "also after the other one by the same output is done";
+    }
+    unsigned char none[5] = {};
+    EXPECT_TRUE(usb.SetOutputs(none));
+    EXPECT_EQ(paying(), Paying(false, paid)) << "it switches every output off";
 }
 
 TEST_P(CoinScenario, AReleaseIsStoppedWhereTheModelCan)
