@@ -22,6 +22,12 @@ void Firmware::write(std::size_t address, unsigned char value)
     written_[address] = true;
 }
 
+void Firmware::overwrite(std::size_t address, unsigned char value)
+{
+    if (address < image_.size())
+        image_[address] = value;
+}
+
 bool Firmware::complete() const
 {
     return downloading_ && std::find(written_.begin(), written_.end(), false) == written_.end();

@@ -23,6 +23,8 @@ public:
 
     /// A byte of a download; what lies behind the image is dropped.
     void write(std::size_t address, unsigned char value);
+    /// The board itself writes into it. The program goes on: nothing here executes it.
+    void overwrite(std::size_t address, unsigned char value);
 
     std::optional<Reply> answer(Request request, Payload payload) override;
     void powerLost() override;

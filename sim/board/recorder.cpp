@@ -10,12 +10,6 @@ namespace
 
 constexpr unsigned char emptyEntry = 255;
 constexpr Nanoseconds periodUnit = std::chrono::microseconds(100);
-constexpr std::size_t firmwarePages = lastFirmwarePage - firstFirmwarePage + 1;
-
-std::size_t physical(std::size_t address)
-{
-    return address < firstFirmwarePage * sramPageSize ? address : address + firmwarePages * sramPageSize;
-}
 
 }  // namespace
 
@@ -27,7 +21,7 @@ Reply Recorder::configure(Payload payload)
     const bool valid =
         std::all_of(inputs.begin(), inputs.end(), [](auto input) { return input < 24 || input == emptyEntry; }) &&
         std::any_of(inputs.begin(), inputs.end(), [](auto input) { return input != emptyEntry; });
-    if (!valid || physical(address + length) > sram_.size())
+    if (!valid || address + length > sram_.size())
         return refuse(statusWrongValue);
     return perform([this, inputs, address, length] {
         timeline_.cancel(this);
@@ -63,7 +57,7 @@ void Recorder::sample()
         if (recorded_[i] != emptyEntry && inputs_.level(recorded_[i]))
             levels |= 1U << i;
     }
-    sram_.set(physical(address_ + taken_), lowByte(levels));
+    sram_.set(address_ + taken_, lowByte(levels));
     ++taken_;
     timeline_.after(period_, this, [this] { sample(); });
 }

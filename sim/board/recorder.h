@@ -2,8 +2,9 @@
 //
 // Its units and format are the firmware's. Here the start value is the time of a sample in units of 0.1 ms, a sample is
 // one byte whose bit i is the level of the i-th listed input, the first taken at once; the recording ends when the
-// length is full. An address counts as the callers of the SRAM count, so pages 13 to 15 are stepped over. Status 0 not
-// configured, 1 configured, 2 recording, 3 complete; value A is the samples taken, value B those to come.
+// length is full. It writes to the page that it was sent and to those behind it: nothing keeps it from pages 13 to 15,
+// where the firmware lies and whose contents no SRAM transfer of the library reaches. Status 0 not configured,
+// 1 configured, 2 recording, 3 complete; value A is the samples taken, value B those to come.
 #ifndef SORVANE_SIM_BOARD_RECORDER_H
 #define SORVANE_SIM_BOARD_RECORDER_H
 

@@ -20,6 +20,18 @@ std::size_t sizeOf(Model model)
 
 SRAM::SRAM(Model model, Firmware &firmware) : firmware_(firmware), memory_(sizeOf(model)), flat_(model == Model::R20) {}
 
+void SRAM::set(std::size_t address, unsigned char value)
+{
+    memory_.at(address) = value;
+    if (isFirmware(address))
+        firmware_.overwrite(address - firmwareStart, value);
+}
+
+bool SRAM::isFirmware(std::size_t address) const
+{
+    return !flat_ && address >= firmwareStart && address < firmwareEnd;
+}
+
 void SRAM::forget()
 {
     std::fill(memory_.begin(), memory_.end(), static_cast<unsigned char>(0));
@@ -60,7 +72,7 @@ Reply SRAM::write(const Range &range, Payload data)
             for (std::size_t i = 0; i < data.size(); ++i)
                 firmware_.write(range.address + i, data[i]);
         });
-    const bool inFirmware = !flat_ && range.address >= firmwareStart && range.address < firmwareEnd;
+    const bool inFirmware = isFirmware(range.address);
     if (inFirmware && !firmware_.downloading())
         return refuse(statusProtected);
     return perform([this, range, data, inFirmware] {

@@ -1,7 +1,8 @@
 // The board's battery-backed memory: 64 KiB flat on an R20, 33 or 65 pages of 16 KiB on an R20s or R35, of which pages
 // 13 to 15 hold the firmware.
 //
-// The firmware region of an R20s or R35 can be written during a download only; the boards' own protection is not known.
+// A request can write the firmware region of an R20s or R35 during a download only; the boards' own protection is not
+// known. The recorder writes there at any time.
 #ifndef SORVANE_SIM_BOARD_SRAM_H
 #define SORVANE_SIM_BOARD_SRAM_H
 
@@ -22,7 +23,8 @@ public:
     std::size_t size() const { return memory_.size(); }
     /// Physical addresses: page * 0x4000 + offset. One past the end throws std::out_of_range.
     unsigned char at(std::size_t address) const { return memory_.at(address); }
-    void set(std::size_t address, unsigned char value) { memory_.at(address) = value; }
+    /// In the firmware's pages, its image too.
+    void set(std::size_t address, unsigned char value);
     /// Every byte outside the firmware is lost, as without a battery.
     void forget();
 
@@ -35,6 +37,7 @@ private:
         std::size_t length;
     };
 
+    bool isFirmware(std::size_t address) const;
     std::optional<Range> rangeOf(Payload payload) const;
     Reply read(const Range &range) const;
     Reply write(const Range &range, Payload data);

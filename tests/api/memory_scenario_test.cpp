@@ -65,8 +65,7 @@ TEST_P(MemoryScenario, ARecordingLiesWhereItWasAskedForAndNowhereElse)
         return;  // it has no recorder
     _usbInputBitId inputs[4] = {usbInput2, usbInputUnused, usbInput23, usbInputUnused};
     EXPECT_EQ(errorOf(usb, usb.StartRecordingInputs(100)), sim::statusNotConfigured);
-    // The last one goes on behind the firmware's pages.
-    for (const unsigned long address : {1UL, 0x3FFEUL, 0x12345UL, 0x2FFFEUL}) {
+    for (const unsigned long address : {1UL, 0x3FFEUL, 0x12345UL, 0x2FFFBUL}) {
         SCOPED_TRACE(address);
         unsigned char around[6] = {0xAA, 0xAA, 0xAA, 0xAA, 0xAA, 0xAA};
         EXPECT_TRUE(usb.WriteLargeSRAM(address - 1, around, 6));
@@ -85,6 +84,24 @@ TEST_P(MemoryScenario, ARecordingLiesWhereItWasAskedForAndNowhereElse)
         EXPECT_TRUE(usb.ReadLargeSRAM(address - 1, around, 6));
         EXPECT_EQ(hex(around, 6), "AA 04 04 05 01 AA");
     }
+}
+
+TEST_P(MemoryScenario, ARecordingFrom0x30000OnOverwritesTheFirmware)
+{
+    if (GetParam() == sim::Model::R20)
+        return;  // it has no recorder
+    _usbInputBitId inputs[4] = {usbInput2, usbInputUnused, usbInputUnused, usbInputUnused};
+    board.inputs().set(2, true);
+    unsigned char data[] = {0xAA, 0xAA, 0xAA, 0xAA};
+    EXPECT_TRUE(usb.WriteLargeSRAM(0x2FFFE, data, 4));
+    EXPECT_TRUE(usb.ConfigureRecordingInputs(inputs, 0x2FFFF, 3));
+    EXPECT_TRUE(usb.StartRecordingInputs(10));
+    testClock().advance(1s);
+    EXPECT_TRUE(usb.ReadLargeSRAM(0x2FFFE, data, 4));
+    EXPECT_EQ(hex(data, 4), "AA 01 AA AA") << "a transfer steps over the firmware's pages, the recorder does not";
+    EXPECT_EQ(hex(board.firmware().image().data(), 3), "01 01 00");
+    // As far as an offset goes, the memory is there.
+    EXPECT_TRUE(usb.ConfigureRecordingInputs(inputs, 0x73FFD, 1));
 }
 
 }  // namespace tests::memory_scenario
