@@ -30,7 +30,8 @@ bool Outputs::inOnPeriod() const
 
 bool Outputs::lit(unsigned int output) const
 {
-    return forced_.at(output).value_or(holds(driven_, output) || holds(inOnPeriod() ? onPattern_ : offPattern_, output));
+    return forced_.at(output).value_or(holds(driven_, output) ||
+                                       holds(inOnPeriod() ? onPattern_ : offPattern_, output));
 }
 
 Pattern Outputs::litNow() const

@@ -3,10 +3,10 @@
 // The choices that the firmware would make: a port nobody configured runs at 9600 baud, type 0; on a 9-bit line a word
 // travels as two bytes, high byte first, to and from the host; the receive buffer holds 1024 words and drops what comes
 // then; a timestamp is the low byte of the time in milliseconds, and a batch that finds nothing is the present
-// timestamp alone; a batch has at most 62 bytes on an R20, else 254 or 255, so that its length fits a byte; parity errors
-// are counted from the last configuration on. The message id of port 0 makes no difference: every process counts its
-// own, so equal ids say nothing, and each byte is handed out once. The timeout message goes to the peripheral once when
-// the host has sent nothing for its time.
+// timestamp alone; a batch has at most 62 bytes on an R20, else 254 or 255, so that its length fits a byte; parity
+// errors are counted from the last configuration on. The message id of port 0 makes no difference: every process counts
+// its own, so equal ids say nothing, and each byte is handed out once. The timeout message goes to the peripheral once
+// when the host has sent nothing for its time.
 #ifndef SORVANE_SIM_BOARD_SERIAL_PORT_H
 #define SORVANE_SIM_BOARD_SERIAL_PORT_H
 
