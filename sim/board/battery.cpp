@@ -10,6 +10,22 @@ void Battery::fail()
     good_ = false;
     failFlag_ = true;
     failedAt_ = now_ ? now_() : 0;
+    if (!boardLives())
+        lost_();
+}
+
+void Battery::replace()
+{
+    if (!boardLives())
+        lost_();
+    good_ = true;
+}
+
+void Battery::carryBoard(bool alone)
+{
+    if (!good_)
+        lost_();
+    alone_ = alone;
 }
 
 std::optional<Reply> Battery::answer(Request request, Payload)

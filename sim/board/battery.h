@@ -1,5 +1,6 @@
-// The backup battery. Its failure is remembered as a flag, with the time of the clock; a board without power loses its
-// clock, its switch log and its SRAM when the battery is empty.
+// The backup battery. Its failure is remembered as a flag, with the time of the clock. A board without power loses its
+// clock, its switch log with the flags, and its SRAM as soon as the battery is empty too, and until one of the two is
+// back it stands still: the clock does not run and nobody logs a switch.
 #ifndef SORVANE_SIM_BOARD_BATTERY_H
 #define SORVANE_SIM_BOARD_BATTERY_H
 
@@ -13,20 +14,29 @@ class Battery : public Part
 public:
     /// The battery is empty from now on.
     void fail();
-    void replace() { good_ = true; }
+    void replace();
     bool good() const { return good_; }
     /// What ReadAndResetBatteryFailFlag reports next: 1 after a failure.
     bool failFlag() const { return failFlag_; }
 
+    /// The board has no other power from now on, or has it back.
+    void carryBoard(bool alone);
+    /// Whether the board has any power.
+    bool boardLives() const { return good_ || !alone_; }
+
     /// How the battery learns the time of its failure.
     void readTimeFrom(std::function<std::uint32_t()> now) { now_ = std::move(now); }
+    /// What happens when the board has no power left, and when it has some again.
+    void onLoss(std::function<void()> lost) { lost_ = std::move(lost); }
 
     std::optional<Reply> answer(Request request, Payload payload) override;
 
 private:
     std::function<std::uint32_t()> now_;
+    std::function<void()> lost_ = [] {};
     std::uint32_t failedAt_ = 0;
     bool good_ = true;
+    bool alone_ = false;
     bool failFlag_ = false;
 };
 

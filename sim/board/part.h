@@ -50,6 +50,9 @@ public:
 
     /// The board has lost its power: whatever no battery holds is as it was when the board was built.
     virtual void powerLost() {}
+
+    /// Nor is there a battery: what it holds is lost as well.
+    virtual void backupLost() {}
 };
 
 }  // namespace sim

@@ -4,7 +4,7 @@ namespace sim
 {
 
 RealTimeClock::RealTimeClock(Timeline &timeline, Battery &battery)
-    : timeline_(timeline), battery_(battery), since_(timeline.now())
+    : timeline_(timeline), since_(timeline.now())
 {
     battery.readTimeFrom([this] { return now(); });
 }
@@ -38,12 +38,6 @@ std::optional<Reply> RealTimeClock::answer(Request request, Payload payload)
     default:
         return std::nullopt;
     }
-}
-
-void RealTimeClock::powerLost()
-{
-    if (!battery_.good())
-        fail();
 }
 
 }  // namespace sim

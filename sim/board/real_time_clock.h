@@ -22,11 +22,10 @@ public:
     bool failed() const { return failed_; }
 
     std::optional<Reply> answer(Request request, Payload payload) override;
-    void powerLost() override;
+    void backupLost() override { fail(); }
 
 private:
     Timeline &timeline_;
-    Battery &battery_;
     std::uint32_t base_ = 0;
     Nanoseconds since_;
     bool failed_ = false;

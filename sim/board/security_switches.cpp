@@ -18,6 +18,8 @@ void SecuritySwitches::change(unsigned int number, bool opened)
         return;
     const auto bit = static_cast<unsigned char>(1U << number);
     levels_ ^= bit;
+    if (!battery_.boardLives())
+        return;
     for (Flags *flags : {&flags_, &cachedFlags_})
         (opened ? flags->opened : flags->closed) |= bit;
     log_.push_back({clock_.now(), levels_});
@@ -63,11 +65,8 @@ std::optional<Reply> SecuritySwitches::answer(Request request, Payload)
     }
 }
 
-void SecuritySwitches::powerLost()
+void SecuritySwitches::backupLost()
 {
-    readIndex_ = 0;
-    if (battery_.good())
-        return;
     log_.clear();
     flags_ = {};
     cachedFlags_ = {};

@@ -1,4 +1,4 @@
-// Eight security switches, watched on battery also without power.
+// Eight security switches, watched on battery also without power; without either nobody sees them move.
 //
 // Which bit is which switch, and how a log ends, is the firmware's. Here bit n of the switch byte is 1 while switch n
 // is open, every change is logged with the clock and the switches behind it, the log keeps the last 64, and reading
@@ -35,7 +35,8 @@ public:
     const std::deque<Event> &log() const { return log_; }
 
     std::optional<Reply> answer(Request request, Payload payload) override;
-    void powerLost() override;
+    void powerLost() override { readIndex_ = 0; }
+    void backupLost() override;
 
 private:
     struct Flags {

@@ -32,16 +32,16 @@ bool SRAM::isFirmware(std::size_t address) const
     return !flat_ && address >= firmwareStart && address < firmwareEnd;
 }
 
-void SRAM::forget()
-{
-    std::fill(memory_.begin(), memory_.end(), static_cast<unsigned char>(0));
-}
-
 // The program memory of an R20 is not part of this one.
 void SRAM::powerLost()
 {
     if (!flat_)
         std::fill(memory_.begin() + firmwareStart, memory_.begin() + firmwareEnd, static_cast<unsigned char>(0));
+}
+
+void SRAM::backupLost()
+{
+    std::fill(memory_.begin(), memory_.end(), static_cast<unsigned char>(0));
 }
 
 std::optional<SRAM::Range> SRAM::rangeOf(Payload payload) const

@@ -39,6 +39,10 @@ VirtualBoard::VirtualBoard(Model model, Clock &clock)
              &hoppers_,  &reels_,    &recorder_, &eeprom_,  &diagnostics_,   &spi_,
              &battery_,  &switches_, &clock_,    &random_,  &identity_}
 {
+    battery_.onLoss([this] {
+        for (Part *part : parts_)
+            part->backupLost();
+    });
 }
 
 VirtualBoard &VirtualBoard::highSpeed()
@@ -190,8 +194,7 @@ void VirtualBoard::plug()
     timeline_.settle();
     plugged_ = true;
     ++generation_;
-    if (!battery_.good())
-        clock_.fail();
+    battery_.carryBoard(false);
 }
 
 void VirtualBoard::unplug()
@@ -204,8 +207,7 @@ void VirtualBoard::unplug()
         part->powerLost();
     for (const auto &port : serialPorts_)
         port->powerLost();
-    if (!battery_.good())
-        sram_.forget();
+    battery_.carryBoard(true);
 }
 
 void VirtualBoard::powerCycle()

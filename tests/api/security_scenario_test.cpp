@@ -82,6 +82,46 @@ TEST_P(SecurityScenario, TheSwitchLogIsWalkedToItsEndAsOftenAsAsked)
     EXPECT_EQ(walk(), "1010/82 " + end);
 }
 
+TEST_P(SecurityScenario, WithoutPowerABatteryThatFailsLosesEverythingItHeld)
+{
+    for (const bool failsFirst : {true, false}) {
+        SCOPED_TRACE(failsFirst);
+        unsigned char byte = 0x55;
+        EXPECT_TRUE(usb.WriteSRAM(100, &byte, 1));
+        EXPECT_TRUE(usb.SetClock(1000));
+        board.switches().open(0);
+        EXPECT_EQ(walk().substr(0, 8), "1000/01 ");
+        if (failsFirst)
+            board.battery().fail();
+        EXPECT_EQ(clock(), 1000U) << "as long as there is power nothing is lost";
+        board.unplug();
+        testClock().advance(10s);
+        board.battery().fail();
+        board.switches().open(1);
+        testClock().advance(50s);
+        board.plug();
+        EXPECT_TRUE(usb.InitPort(0));
+        testClock().advance(3s);
+        EXPECT_EQ(clock(), 3U);
+        EXPECT_EQ(walk(), "error " + std::to_string(sim::statusNothingMore)) << "nobody was awake to log";
+        unsigned char flags[2] = {9, 9};
+        EXPECT_TRUE(usb.ReadAndResetSecuritySwitchFlags(&flags[0], &flags[1]));
+        EXPECT_EQ(hex(flags, 2), "00 00");
+        EXPECT_TRUE(usb.ReadSRAM(100, &byte, 1));
+        EXPECT_EQ(byte, 0);
+        unsigned long failedAt = 0;
+        if (GetParam() == sim::Model::R35) {
+            EXPECT_TRUE(usb.ReadClockAtBatteryFailure(&failedAt));
+            EXPECT_EQ(failedAt, failsFirst ? 1000U : 1010U);
+            EXPECT_EQ(flag(&SorvaneUSB::ReadAndResetRTCFailure), "1");
+        }
+        board.battery().replace();
+        board.switches().close(0);
+        board.switches().close(1);
+        EXPECT_TRUE(usb.ClearSecuritySwitches());
+    }
+}
+
 TEST_P(SecurityScenario, FlagsAreResetByBeingReadEachSetApart)
 {
     board.switches().open(2);

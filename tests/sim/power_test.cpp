@@ -54,28 +54,6 @@ TEST_P(PowerTest, AReplugLosesWhatNoBatteryHolds)
     EXPECT_EQ(refusal(75, 1), statusNoFirmware);
 }
 
-TEST_P(PowerTest, AFailedBatteryLosesClockLogAndMemoryWithoutPower)
-{
-    board.clock().set(1000);
-    board.switches().open();
-    board.sram().set(0x4000, 0x55);
-    board.battery().fail();
-    EXPECT_EQ(ask(21, 5), bytesOf32le(1000)) << "as long as there is power nothing is lost";
-    pass(100s);
-    board.unplug();
-    pass(50s);
-    board.plug();
-    pass(3s);
-    board.firmwareRunning();
-    EXPECT_EQ(ask(21, 5), bytesOf32le(3));
-    EXPECT_EQ(refusal(41, 5), statusNothingMore);
-    EXPECT_EQ(board.sram().at(0x4000), 0);
-    if (GetParam() == Model::R35) {
-        EXPECT_EQ(ask(221, 5), bytesOf32le(1000));
-        EXPECT_EQ(ask(220, 5), Bytes{1});
-    }
-}
-
 TEST(VirtualBoardsTest, AttributesComeAndGoWithTheBoard)
 {
     ManualClock time;
