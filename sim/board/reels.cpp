@@ -36,6 +36,8 @@ void Reels::configure(Payload payload)
     option_ = payload[3];
     for (Reel &reel : reels_)
         reel.setStepsPerTurn(u16be(payload, 1));
+    for (std::size_t i = configured_; i < reels_.size(); ++i)
+        reels_[i].stop();
 }
 
 Reply Reels::spin(Payload payload)
@@ -45,6 +47,8 @@ Reply Reels::spin(Payload payload)
     const bool endless = mode == modeForwardEndless || mode == modeBackwardEndless;
     if (payload[0] >= reels_.size() || (mode > modeForwardEndless && mode < modeBackwardEndless))
         return refuse(statusWrongValue);
+    if (payload[0] >= configured_)
+        return refuse(statusNotConfigured);
     return perform([this, &reel = reels_[payload[0]], mode, steps, endless] {
         if (mode == modeStop)
             reel.stop();
@@ -60,9 +64,6 @@ Reply Reels::ramp(bool up, Payload payload)
     if (payload[1] != payload.size() - 2)
         return refuse(statusWrongLength);
     return perform([&reel = reels_[payload[0]], up, entries = toBytes(payload.subspan(2))] {
-        // A ramp that is being run is not changed under way.
-        if (reel.motion() != Reel::Motion::Still)
-            return;
         if (up)
             reel.setRampUp(entries);
         else

@@ -33,6 +33,8 @@ void Reel::setSynchronising(bool on)
 
 void Reel::spin(bool forward, unsigned int steps, Nanoseconds now)
 {
+    rampUp_ = nextRampUp_;
+    rampDown_ = nextRampDown_;
     forward_ = forward;
     endless_ = steps == 0;
     stepsLeft_ = steps;

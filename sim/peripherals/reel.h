@@ -18,9 +18,9 @@ public:
 
     void setStepsPerTurn(unsigned int steps);
     void setSynchronising(bool on);
-    /// Step times of 1 ms each; an empty ramp starts, or stops, at once.
-    void setRampUp(Bytes milliseconds) { rampUp_ = std::move(milliseconds); }
-    void setRampDown(Bytes milliseconds) { rampDown_ = std::move(milliseconds); }
+    /// The time of each step, for the spins from the next one on; an empty ramp starts, or stops, at once.
+    void setRampUp(Bytes milliseconds) { nextRampUp_ = std::move(milliseconds); }
+    void setRampDown(Bytes milliseconds) { nextRampDown_ = std::move(milliseconds); }
 
     /// Turns by this many steps, 0 for until it is stopped.
     void spin(bool forward, unsigned int steps, Nanoseconds now);
@@ -52,6 +52,8 @@ private:
     unsigned int count_ = 0;
     bool synchronising_ = false;
     bool synchronised_ = false;
+    Bytes nextRampUp_;
+    Bytes nextRampDown_;
     Bytes rampUp_;
     Bytes rampDown_;
     Motion motion_ = Motion::Still;

@@ -111,6 +111,7 @@ TEST_P(ReelScenario, AReelThatTurnsBackFindsItsIndexAndStopsOnIt)
 
 TEST_P(ReelScenario, AFewStepsUseTheEndOfTheRampOnly)
 {
+    EXPECT_TRUE(usb.ConfigureReels(1, 200, 0));
     EXPECT_TRUE(usb.SpinRampUp(0, {5, {9, 9, 9, 9, 9}}));
     EXPECT_TRUE(usb.SpinRampDown(0, {5, {10, 20, 30, 40, 50}}));
     EXPECT_TRUE(usb.SpinReels(0, 1, 3));
@@ -118,6 +119,32 @@ TEST_P(ReelScenario, AFewStepsUseTheEndOfTheRampOnly)
     expectReel(0, 2, 1, RampingDown);
     testClock().advance(50ms);
     expectReel(0, 3, 0, Still);
+}
+
+TEST_P(ReelScenario, ARampThatComesWhileAReelTurnsIsThatOfItsNextSpin)
+{
+    EXPECT_TRUE(usb.ConfigureReels(3, 200, 0));
+    EXPECT_TRUE(usb.SpinReels(0, 1, 10));
+    EXPECT_TRUE(usb.SpinRampUp(0, {1, {20}}));
+    EXPECT_TRUE(usb.SpinRampDown(0, {1, {50}}));
+    testClock().advance(40ms);
+    expectReel(0, 10, 0, Still);
+    EXPECT_TRUE(usb.SpinReels(0, 1, 3));
+    testClock().advance(40ms);
+    expectReel(0, 12, 1, RampingDown);
+    testClock().advance(50ms);
+    expectReel(0, 13, 0, Still);
+}
+
+TEST_P(ReelScenario, OnlyAConfiguredDriveTurns)
+{
+    EXPECT_EQ(errorOf(usb, usb.SpinReels(0, 1, 10)), sim::statusNotConfigured);
+    EXPECT_TRUE(usb.ConfigureReels(2, 200, 0));
+    EXPECT_TRUE(usb.SpinReels(1, 1, 10));
+    EXPECT_EQ(errorOf(usb, usb.SpinReels(2, 1, 10)), sim::statusNotConfigured);
+    EXPECT_EQ(errorOf(usb, usb.SpinReels(3, 1, 10)), sim::statusWrongValue);
+    EXPECT_TRUE(usb.ConfigureReels(0, 200, 0));
+    expectReel(1, 0, 0, Still);
 }
 
 }  // namespace tests::reels

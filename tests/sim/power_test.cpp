@@ -21,6 +21,7 @@ TEST_P(PowerTest, AReplugLosesWhatNoBatteryHolds)
     ask(78, 1, {100, 1});
     ask(108, 1, {5, 1});
     ask(112, 1, GetParam() == Model::R20 ? Bytes{5, 0, 1, 9, 0, 9, 0} : Bytes{5, 0, 1, 9, 0, 9, 0, 0});
+    ask(86, 1, {3, 0, 200, 0});
     ask(87, 1, {0, 2, 0, 0});
     ask(98, 4, {1, 2, 3});
     ask(94, 7);
