@@ -9,12 +9,15 @@ Hoppers::Hoppers(Timeline &timeline, Inputs &inputs, Outputs &outputs)
     : timeline_(timeline), inputs_(inputs), outputs_(outputs)
 {
     inputs.listen([this](unsigned int input, bool level) { changed(input, level); });
-    outputs.listen([this](const Pattern &switchedOff) { endThoseOf(switchedOff); });
+    outputs.listen([this](const Pattern &switchedOff) { outputsChanged(switchedOff); });
 }
 
 Hopper &Hoppers::at(unsigned int input)
 {
-    return hoppers_.try_emplace(input, timeline_, inputs_, input).first->second;
+    const auto [found, hungNow] = hoppers_.try_emplace(input, timeline_, inputs_, outputs_, input);
+    if (const auto release = releases_.find(input); hungNow && release != releases_.end())
+        found->second.releasedBy(release->second.output);
+    return found->second;
 }
 
 Hoppers::Release Hoppers::release(unsigned int input) const
@@ -30,9 +33,9 @@ void Hoppers::start(unsigned int input, const Release &release)
         releases_[input].status = hopperPaid;
         return;
     }
-    outputs_.drive(release.output, true);
     if (const auto hopper = hoppers_.find(input); hopper != hoppers_.end())
-        hopper->second.run([this, output = release.output] { return outputs_.lit(output); });
+        hopper->second.releasedBy(release.output);
+    outputs_.drive(release.output, true);
     expectCoin(input);
 }
 
@@ -42,16 +45,16 @@ void Hoppers::end(unsigned int input, unsigned char status)
     release.status = status;
     outputs_.drive(release.output, drives(release.output));
     timeline_.cancel(&release);
-    if (const auto hopper = hoppers_.find(input); hopper != hoppers_.end())
-        hopper->second.halt();
 }
 
-void Hoppers::endThoseOf(const Pattern &outputs)
+void Hoppers::outputsChanged(const Pattern &switchedOff)
 {
     for (const auto &[input, release] : releases_) {
-        if (release.status == hopperActive && holds(outputs, release.output))
+        if (release.status == hopperActive && holds(switchedOff, release.output))
             end(input, hopperStopped);
     }
+    for (auto &[input, hopper] : hoppers_)
+        hopper.look();
 }
 
 bool Hoppers::drives(unsigned int output) const
@@ -114,8 +117,6 @@ void Hoppers::powerLost()
     for (auto &[input, release] : releases_)
         timeline_.cancel(&release);
     releases_.clear();
-    for (auto &[input, hopper] : hoppers_)
-        hopper.halt();
 }
 
 }  // namespace sim

@@ -54,7 +54,7 @@ public:
 private:
     void start(unsigned int input, const Release &release);
     void end(unsigned int input, unsigned char status);
-    void endThoseOf(const Pattern &outputs);
+    void outputsChanged(const Pattern &switchedOff);
     bool drives(unsigned int output) const;
     void changed(unsigned int input, bool level);
     void expectCoin(unsigned int input);

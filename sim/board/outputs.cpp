@@ -34,6 +34,12 @@ bool Outputs::lit(unsigned int output) const
                                        holds(inOnPeriod() ? onPattern_ : offPattern_, output));
 }
 
+bool Outputs::litOrFlashing(unsigned int output) const
+{
+    return forced_.at(output).value_or(holds(driven_, output) || holds(onPattern_, output) ||
+                                       holds(offPattern_, output));
+}
+
 Pattern Outputs::litNow() const
 {
     Pattern now{};
@@ -42,17 +48,29 @@ Pattern Outputs::litNow() const
     return now;
 }
 
+void Outputs::drive(unsigned int output, bool on)
+{
+    put(driven_, output, on);
+    changed();
+}
+
 void Outputs::force(unsigned int output, std::optional<bool> level)
 {
     forced_.at(output) = level;
+    changed();
+}
+
+void Outputs::changed(const Pattern &switchedOff)
+{
+    if (listener_)
+        listener_(switchedOff);
 }
 
 void Outputs::modify(Payload onThenOff)
 {
     switchPattern(onPattern_, onThenOff);
     switchPattern(offPattern_, onThenOff);
-    if (listener_)
-        listener_(toPattern(onThenOff.subspan(onPattern_.size())));
+    changed(toPattern(onThenOff.subspan(onPattern_.size())));
 }
 
 std::optional<Reply> Outputs::answer(Request request, Payload payload)
@@ -61,9 +79,11 @@ std::optional<Reply> Outputs::answer(Request request, Payload payload)
     case Request::ModifyOutputs:
         return perform([this, payload] { modify(payload); });
     case Request::SetOnPeriodOutputs:
-        return perform([this, payload] { onPattern_ = toPattern(payload); });
     case Request::SetOffPeriodOutputs:
-        return perform([this, payload] { offPattern_ = toPattern(payload); });
+        return perform([this, payload, &pattern = request == Request::SetOnPeriodOutputs ? onPattern_ : offPattern_] {
+            pattern = toPattern(payload);
+            changed();
+        });
     case Request::SetOutputBrightness:
         if (payload[0] > fullBrightness)
             return refuse(statusWrongValue);
@@ -80,6 +100,7 @@ void Outputs::powerLost()
     driven_ = {};
     forced_ = {};
     brightness_ = fullBrightness;
+    changed();
 }
 
 }  // namespace sim

@@ -33,13 +33,17 @@ public:
     bool lit(unsigned int output) const;
     Pattern litNow() const;
 
+    /// Whether it is on or goes on in the other flash period.
+    bool litOrFlashing(unsigned int output) const;
+
     /// While a hopper's release drives it the output is on, whatever the patterns say. See hoppers.h.
-    void drive(unsigned int output, bool on) { put(driven_, output, on); }
+    void drive(unsigned int output, bool on);
 
     /// For the pulse's time the output is on, or off, whatever else holds. See pulsed_outputs.h.
     void force(unsigned int output, std::optional<bool> level);
 
-    /// Whoever drives outputs is told which ones a request switches off.
+    /// Whoever drives outputs, or hangs on one, is told whenever they may have changed, and which ones a request to
+    /// switch them has in its off set.
     void listen(Listener listener) { listener_ = std::move(listener); }
 
     std::optional<Reply> answer(Request request, Payload payload) override;
@@ -47,6 +51,7 @@ public:
 
 private:
     void modify(Payload onThenOff);
+    void changed(const Pattern &switchedOff = {});
 
     Timeline &timeline_;
     Pattern onPattern_{};

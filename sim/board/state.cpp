@@ -50,7 +50,8 @@ std::vector<HopperState> hoppersOf(const Hoppers &hoppers)
         const Hoppers::Release release = hoppers.release(input);
         if (!fitted && release.status == hopperIdle)
             continue;
-        states.push_back({input, release.output, fitted ? found->second.stock() : 0, fitted && found->second.jammed(),
+        const unsigned int output = release.status != hopperIdle ? release.output : found->second.motor().value_or(0);
+        states.push_back({input, output, fitted ? found->second.stock() : 0, fitted && found->second.jammed(),
                           release.asked, release.paid, release.status, textOfHopper(release.status)});
     }
     return states;

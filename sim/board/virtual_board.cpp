@@ -75,9 +75,11 @@ VirtualBoard &VirtualBoard::firmwareRunning()
     return *this;
 }
 
-VirtualBoard &VirtualBoard::hopper(unsigned int input, unsigned int stock)
+VirtualBoard &VirtualBoard::hopper(unsigned int input, unsigned int stock, std::optional<unsigned int> motor)
 {
-    hoppers_.at(input).stock(stock);
+    Hopper &hopper = hoppers_.at(input).stock(stock);
+    if (motor)
+        hopper.motor(*motor);
     return *this;
 }
 

@@ -60,7 +60,7 @@ public:
     VirtualBoard &boardNumber(unsigned int number);
     VirtualBoard &eeprom(const R20EEPROM &chip);
     VirtualBoard &firmwareRunning();
-    VirtualBoard &hopper(unsigned int input, unsigned int stock);
+    VirtualBoard &hopper(unsigned int input, unsigned int stock, std::optional<unsigned int> motor = std::nullopt);
     VirtualBoard &serialPeripheral(unsigned int port, std::unique_ptr<SerialPeripheral> peripheral);
 
     Model model() const { return model_; }

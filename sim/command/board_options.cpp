@@ -54,7 +54,13 @@ void setFirmware(BoardOptions &board, const std::string &, const std::string &va
 void setHopper(BoardOptions &board, const std::string &index, const std::string &value)
 {
     const auto input = static_cast<unsigned int>(numberFrom(index, "a hopper's input", 0, inputCount - 1));
-    board.hopperStocks[input] = static_cast<unsigned int>(numberFrom(value, "a stock of coins", 0, 65535));
+    const TextWords parts = splitAt(value, '@');
+    BoardOptions::HopperOptions &hopper = board.hoppers[input];
+    hopper.stock = static_cast<unsigned int>(numberFrom(parts[0], "a stock of coins", 0, 65535));
+    if (parts.size() > 2)
+        throw UsageError("\"" + value + "\" names several outputs; allowed is COINS[@OUTPUT]");
+    if (parts.size() == 2)
+        hopper.motor = static_cast<unsigned int>(numberFrom(parts[1], "a hopper's motor output", 0, outputCount - 1));
 }
 
 void setSerial(BoardOptions &board, const std::string &index, const std::string &value)
@@ -71,7 +77,7 @@ constexpr Option options[] = {
     {"number", false, "number=0..7", "the board number on inputs 24 to 26 (0)", setNumber},
     {"eeprom", false, "eeprom=24LC256", "the fitted chip, 24LC01 to 24LC512 (24LC256)", setEEPROM},
     {"firmware", false, "firmware=missing|running", "whether the firmware runs already (missing)", setFirmware},
-    {"hopper", true, "hopper5=20", "a hopper on input 5 with 20 coins", setHopper},
+    {"hopper", true, "hopper5=20[@37]", "a hopper on input 5 with 20 coins; its motor on output 37", setHopper},
     {"serial", true, "serial0=cctalk", "what hangs on serial port 0 or 1", setSerial},
 };
 
@@ -165,8 +171,8 @@ void plugBoards(VirtualBoards &boards, const std::vector<BoardOptions> &options)
             board.eeprom(*wanted.eeprom);
         if (wanted.firmwareRunning.value_or(false))
             board.firmwareRunning();
-        for (const auto &[input, stock] : wanted.hopperStocks)
-            board.hopper(input, stock);
+        for (const auto &[input, hopper] : wanted.hoppers)
+            board.hopper(input, hopper.stock, hopper.motor);
         for (const auto &[port, name] : wanted.peripherals)
             board.serialPeripheral(port, makePeripheral(name));
     }

@@ -18,8 +18,12 @@ struct BoardOptions {
     std::optional<unsigned int> number;
     std::optional<R20EEPROM> eeprom;
     std::optional<bool> firmwareRunning;
-    std::map<unsigned int, unsigned int> hopperStocks;  ///< by input
-    std::map<unsigned int, std::string> peripherals;    ///< by serial port
+    struct HopperOptions {
+        unsigned int stock = 0;
+        std::optional<unsigned int> motor;
+    };
+    std::map<unsigned int, HopperOptions> hoppers;    ///< by input
+    std::map<unsigned int, std::string> peripherals;  ///< by serial port
 };
 
 /// Throws UsageError for anything unknown, empty or repeated, boards included.

@@ -1,18 +1,20 @@
 #include "sim/peripherals/hopper.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace sim
 {
 
-Hopper::Hopper(Timeline &timeline, Inputs &inputs, unsigned int sensorInput)
-    : timeline_(timeline), inputs_(inputs), sensorInput_(sensorInput)
+Hopper::Hopper(Timeline &timeline, Inputs &inputs, const Outputs &outputs, unsigned int sensorInput)
+    : timeline_(timeline), inputs_(inputs), outputs_(outputs), sensorInput_(sensorInput)
 {
 }
 
 Hopper &Hopper::stock(unsigned int coins)
 {
     stock_ = coins;
+    look();
     return *this;
 }
 
@@ -31,19 +33,40 @@ Hopper &Hopper::rate(Nanoseconds perCoin)
 Hopper &Hopper::jam(bool jammed)
 {
     jammed_ = jammed;
+    look();
     return *this;
 }
 
-void Hopper::run(std::function<bool()> driven)
+Hopper &Hopper::motor(unsigned int output)
 {
-    halt();
-    driven_ = std::move(driven);
-    dropNext();
+    if (output >= outputCount)
+        throw std::out_of_range("hopper's motor");
+    motor_ = output;
+    look();
+    return *this;
 }
 
-void Hopper::halt()
+void Hopper::releasedBy(unsigned int output)
 {
-    timeline_.cancel(this);
+    released_ = output;
+    look();
+}
+
+// A motor that flashes is looked at whenever a coin is due.
+bool Hopper::drops() const
+{
+    return !jammed_ && stock_ > 0 && motor() && outputs_.litOrFlashing(*motor());
+}
+
+void Hopper::look()
+{
+    if (drops() == dropping_)
+        return;
+    dropping_ = !dropping_;
+    if (dropping_)
+        dropNext();
+    else
+        timeline_.cancel(this);
 }
 
 void Hopper::dropNext()
@@ -51,9 +74,10 @@ void Hopper::dropNext()
     timeline_.after(perCoin_, this, [this] {
         // The next drop comes first: a coin that ends the release calls it off.
         dropNext();
-        if (jammed_ || stock_ == 0 || !driven_())
+        if (!outputs_.lit(*motor()))
             return;
         --stock_;
+        look();
         inputs_.pulse(sensorInput_);
     });
 }

@@ -165,6 +165,31 @@ TEST_P(CoinScenario, AReleaseDrivesItsOutputWhateverFlashes)
     EXPECT_EQ(paying(), Paying(false, paid)) << "it switches every output off";
 }
 
+TEST_P(CoinScenario, AMotorThatIsSwitchedOnByHandDropsCoins)
+{
+    board.hopper(5, 20);
+    const auto stockAfterASecond = [&](_usbOutputBitId output) {
+        EXPECT_TRUE(usb.SetOutputBit(output, 1));
+        testClock().advance(1s);
+        EXPECT_TRUE(usb.SetOutputBit(output, 0));
+        testClock().advance(1s);
+        return board.hoppers().at(5).stock();
+    };
+    EXPECT_EQ(stockAfterASecond(usbOutput37), 20U) << "nothing says yet that this is its motor";
+    EXPECT_TRUE(release(1));
+    testClock().advance(1s);
+    EXPECT_TRUE(usb.BeginPulsedInputCheck(usbInput5));
+    EXPECT_EQ(stockAfterASecond(usbOutput37), 14U);
+    EXPECT_EQ(counted(usbInput5), 5);
+    EXPECT_EQ(stockAfterASecond(usbOutput36), 14U);
+    board.hopper(5, 20, 36);
+    EXPECT_EQ(stockAfterASecond(usbOutput36), 15U);
+    EXPECT_TRUE(release(1));
+    testClock().advance(3s);
+    EXPECT_EQ(board.hoppers().at(5).stock(), 15U) << "a release by another output";
+    EXPECT_EQ(hopperStatus(), sim::hopperRanOut);
+}
+
 TEST_P(CoinScenario, AReleaseIsStoppedWhereTheModelCan)
 {
     board.hopper(5, 20);

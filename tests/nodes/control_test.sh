@@ -31,6 +31,8 @@ mistake "0 to 1" run --board 0=R35,serial2=cctalk -- true
 mistake "0 to 32" run --board 0=R35,hopper33=1 -- true
 mistake "node, preload, auto" run --board 0=R35 --how maybe -- true
 mistake "--share-ipc" run --private-ipc --share-ipc -- true
+mistake "0 to 37" run --board 0=R35,hopper5=1@38 -- true
+mistake "COINS[@OUTPUT]" run --board 0=R35,hopper5=1@2@3 -- true
 mistake "once" run --board 0=R35,hopper5=1,hopper05=2 -- true
 mistake "private-ipc" run --private-ipc=false --board 0=R35 -- true
 mistake "No such file" run --board 0=R35 --scenario "" -- true
