@@ -49,8 +49,9 @@ OwnedFd openFuse()
 void mountFuse(const OwnedFd &fuse, const std::string &place, mode_t type)
 {
     std::array<char, 128> options{};
-    std::snprintf(options.data(), options.size(), "fd=%d,rootmode=%o,user_id=%u,group_id=%u,allow_other", fuse.get(),
-                  type, ::geteuid(), ::getegid());
+    std::snprintf(options.data(), options.size(),
+                  "fd=%d,rootmode=%o,user_id=%u,group_id=%u,allow_other,default_permissions", fuse.get(), type,
+                  ::geteuid(), ::getegid());
     checked(::mount("sorvane-sim", place.c_str(), "fuse", MS_NOSUID | MS_NODEV, options.data()), "mounting " + place);
 }
 

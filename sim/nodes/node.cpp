@@ -24,15 +24,21 @@ std::shared_ptr<VirtualBoard> boardOf(fuse_req_t request)
     return nodeOf(request)->boards().hold(nodeOf(request)->deviceNo());
 }
 
-void getAttributes(fuse_req_t request, fuse_ino_t inode, fuse_file_info *)
+void getAttributes(fuse_req_t request, fuse_ino_t, fuse_file_info *)
 {
-    const struct stat attributes = attributesOf(inode, S_IFREG | 0666);
-    fuse_reply_attr(request, &attributes, forever);
+    fuse_reply_attr(request, &nodeOf(request)->attributes(), forever);
 }
 
-// O_TRUNC means nothing to a device.
-void setAttributes(fuse_req_t request, fuse_ino_t inode, struct stat *, int, fuse_file_info *file)
+// Who may do it the kernel has looked at. O_TRUNC means nothing to a device, and its times are nobody's.
+void setAttributes(fuse_req_t request, fuse_ino_t inode, struct stat *wanted, int which, fuse_file_info *file)
 {
+    struct stat &attributes = nodeOf(request)->attributes();
+    if (which & FUSE_SET_ATTR_MODE)
+        attributes.st_mode = S_IFREG | (wanted->st_mode & 07777);
+    if (which & FUSE_SET_ATTR_UID)
+        attributes.st_uid = wanted->st_uid;
+    if (which & FUSE_SET_ATTR_GID)
+        attributes.st_gid = wanted->st_gid;
     getAttributes(request, inode, file);
 }
 
@@ -126,7 +132,8 @@ fuse_lowlevel_ops operations()
 }  // namespace
 
 Node::Node(VirtualBoards &boards, int deviceNo, OwnedFd device)
-    : boards_(boards), deviceNo_(deviceNo), server_(operations(), this, std::move(device))
+    : boards_(boards), deviceNo_(deviceNo), attributes_(attributesOf(FUSE_ROOT_ID, S_IFREG | 0666)),
+      server_(operations(), this, std::move(device))
 {
 }
 

@@ -15,11 +15,14 @@ public:
 
     const VirtualBoards &boards() const { return boards_; }
     int deviceNo() const { return deviceNo_; }
+    /// What chmod and chown have made of it; the kernel goes by it when somebody opens the node.
+    struct stat &attributes() { return attributes_; }
     void passTime(Nanoseconds duration) { server_.passTime(duration); }
 
 private:
     VirtualBoards &boards_;
     int deviceNo_;
+    struct stat attributes_;  // for the server's thread alone
     FileServer server_;
 };
 

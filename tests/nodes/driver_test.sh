@@ -31,6 +31,25 @@ inside() {
     changing='s/"(clock|in_on_period)":[a-z0-9]*//g'
     check "$model, wrong pointers change nothing" "$(sed -E "$changing" <<<"$before")" "$(sed -E "$changing" <<<"$after")"
 
+    # Whom mode and owner let in, as the kernel judges by them; root always.
+    node=/dev/Vexa_0
+    chmod 600 $node
+    check "$model, the mode" 600 "$(stat -c %a $node)"
+    if [ "$(id -u)" -eq 0 ] && command -v setpriv >/dev/null; then
+        as_user() { setpriv --reuid 65534 --regid 65534 --clear-groups "$@"; }
+        opened() { printf 'open 0\n' | "$@" "$client"; }
+        check "$model, another user" EACCES "$(opened as_user)"
+        check "$model, root" open "$(opened)"
+        check "$model, another user changes it" 1 "$(as_user chmod 666 $node 2>/dev/null; echo $?)"
+        chown :65534 $node
+        check "$model, a group without rights" EACCES "$(opened as_user)"
+        chmod 660 $node
+        check "$model, the group" open "$(opened as_user)"
+        chown 65534:0 $node
+        check "$model, the owner" "65534:0 660 open" "$(stat -c '%u:%g %a' $node) $(opened as_user)"
+    fi
+    chmod 666 $node
+
     # What goes wrong on demand, once each, and is over afterwards.
     if [ "$model" = R20 ]; then
         faults=("ioctl:EIO" "ioctl 19:ENODEV" "status 0x1e:status 30" "short:count 1" "short 0:count 0" "short 2:ok 0"

@@ -23,6 +23,8 @@ if [ "$(id -u)" -eq 0 ] && command -v setpriv >/dev/null && "${user[@]}" test -x
     "${user[@]}" unshare --user true && mknod -m 666 /tmp/fuse c 10 229; then
     mount --bind /tmp/fuse /dev/fuse
     contains "an ordinary user" "Found an R35" "$(cd / && "${user[@]}" "$sim" run --how node --board 0=R35 -- "$examples/attract_mode" 2>&1)"
+    contains "an ordinary user without permission" "Permission denied" \
+        "$("${user[@]}" "$sim" run --how node --board 0=R35 -- sh -c 'chmod 0 /dev/Vexa_0; : </dev/Vexa_0' 2>&1)"
     "${user[@]}" "$sim" serve --board 0=R35,firmware=running >/tmp/served & serving=$!
     eventually grep -qs "sorvane-sim enter" /tmp/served
     check "root enters as the boards' user" "65534 opened" \
