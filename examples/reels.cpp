@@ -1,7 +1,9 @@
 // Three reels: configures the drive, loads ramps, spins, and waits for each to stop.
 //
 // What the settings, the ramp entries and the status values mean is the firmware's. This program takes the meanings of
-// the virtual boards: ramp entries are milliseconds a step, `first` is the position, `second` the steps to go.
+// the virtual boards (docs/virtual_values.md) and keeps them in one place: a ramp entry is the time of a step in
+// milliseconds; `first` counts steps, and only on a reel that is synchronised and has passed its index since does it say
+// where the reel stands; `second` is the steps to go.
 #include <chrono>
 #include <cstdio>
 #include <thread>
@@ -11,8 +13,11 @@
 namespace
 {
 
+constexpr unsigned short stepsPerTurn = 200;
 constexpr unsigned char spinForward = 1;
 constexpr unsigned char stopNow = 0;
+constexpr unsigned char everyReel = 0x07;     // a bit a reel
+constexpr unsigned char synchronised = 0x01;  // in `fourth`
 
 usbRampTable ramp(unsigned char from, unsigned char to)
 {
@@ -29,7 +34,8 @@ bool spin(SorvaneUSB &board)
         if (!succeeded(board.SpinRampUp(reel, ramp(12, 4)), board, "SpinRampUp") ||
             !succeeded(board.SpinRampDown(reel, ramp(4, 12)), board, "SpinRampDown"))
             return false;
-        const unsigned short steps = static_cast<unsigned short>(80 + 20 * reel);
+        // More than a turn, so that each passes its index on the way.
+        const unsigned short steps = static_cast<unsigned short>(stepsPerTurn + 80 + 20 * reel);
         std::printf("Reel %d spins %d steps\n", reel, steps);
         if (!succeeded(board.SpinReels(reel, spinForward, steps), board, "SpinReels"))
             return false;
@@ -37,14 +43,24 @@ bool spin(SorvaneUSB &board)
     return true;
 }
 
+void tellPlaces(const ReelStatusEx &status)
+{
+    for (int reel = 0; reel < 3; ++reel) {
+        if (status.fourth[reel] & synchronised)
+            std::printf("Reel %d stands %d steps behind its index\n", reel, status.first[reel] % stepsPerTurn);
+        else
+            std::printf("Reel %d stands somewhere: it has not passed its index\n", reel);
+    }
+}
+
 bool waitForStop(SorvaneUSB &board)
 {
     ReelStatusEx status = {};
-    for (int look = 0; look < 100; ++look) {
+    for (int look = 0; look < 200; ++look) {
         if (!succeeded(board.GetReelStatusEx(&status), board, "GetReelStatusEx"))
             return false;
         if (status.second[0] == 0 && status.second[1] == 0 && status.second[2] == 0) {
-            std::printf("All reels stand, at %d, %d and %d\n", status.first[0], status.first[1], status.first[2]);
+            tellPlaces(status);
             return true;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
@@ -62,9 +78,9 @@ int main()
 {
     SorvaneUSB board;
     if (!succeeded(board.init(0), board, "Opening the first board") ||
-        !succeeded(board.ConfigureReelsEx(3, 200, 0), board, "ConfigureReelsEx") ||
+        !succeeded(board.ConfigureReelsEx(3, stepsPerTurn, 0), board, "ConfigureReelsEx") ||
         !succeeded(board.SetDutyCycle(50, 50, 50), board, "SetDutyCycle") ||
-        !succeeded(board.ReelSynchroniseEnable(1), board, "ReelSynchroniseEnable"))
+        !succeeded(board.ReelSynchroniseEnable(everyReel), board, "ReelSynchroniseEnable"))
         return 1;
     return spin(board) && waitForStop(board) ? 0 : 1;
 }
