@@ -2,8 +2,8 @@
 //
 // What the settings, the ramp entries and the status values mean is the firmware's. This program takes the meanings of
 // the virtual boards (docs/virtual_values.md) and keeps them in one place: a ramp entry is the time of a step in
-// milliseconds; `first` counts steps, and only on a reel that is synchronised and has passed its index since does it say
-// where the reel stands; `second` is the steps to go.
+// milliseconds; `first` counts steps, and only on a reel that is synchronised and has passed its index since does it
+// say where the reel stands; `second` is the steps to go.
 #include <chrono>
 #include <cstdio>
 #include <thread>

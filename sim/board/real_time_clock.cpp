@@ -3,8 +3,7 @@
 namespace sim
 {
 
-RealTimeClock::RealTimeClock(Timeline &timeline, Battery &battery)
-    : timeline_(timeline), since_(timeline.now())
+RealTimeClock::RealTimeClock(Timeline &timeline, Battery &battery) : timeline_(timeline), since_(timeline.now())
 {
     battery.readTimeFrom([this] { return now(); });
 }

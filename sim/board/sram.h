@@ -25,6 +25,7 @@ public:
     unsigned char at(std::size_t address) const { return memory_.at(address); }
     /// In the firmware's pages, its image too.
     void set(std::size_t address, unsigned char value);
+
     std::optional<Reply> answer(Request request, Payload payload) override;
     void powerLost() override;
     void backupLost() override;

@@ -1,4 +1,4 @@
-// Inputs and outputs at their bits, the firmware, and diagnostics.
+// Inputs and outputs at their bits, and the firmware.
 #include "tests/sim/sim_test.h"
 
 namespace sim::parts_test
@@ -84,13 +84,6 @@ TEST_P(FirmwareTest, RunsOnlyWhenAllOfItCameAfterTheBeginning)
     if (GetParam() == Model::R20) {
         EXPECT_EQ(ask(70, 6, {1, 7, 0}), Bytes{0x77}) << "the firmware lies elsewhere";
     }
-}
-
-TEST_F(BoardTest, DiagnosticDataIsReadBack)
-{
-    EXPECT_EQ(ask(128, 1, {1, 2}), (Bytes{1, 2}));
-    ask(129, 1, {7, 8, 9});
-    EXPECT_EQ(ask(128, 1, {1, 2}), (Bytes{7, 8, 9}));
 }
 
 }  // namespace sim::parts_test
