@@ -45,7 +45,12 @@ Action hopper(Arguments &arguments)
     const unsigned int number = arguments.number("a hopper's input", 0, inputCount - 1);
     const std::string what = arguments.take();
     if (what == "jam" || what == "free")
-        return quietly([number, what](VirtualBoard &board) { board.hoppers().at(number).jam(what == "jam"); });
+        return quietly([number, what](VirtualBoard &board) {
+            if (board.hoppers().all().count(number) == 0)
+                throw UsageError("no hopper hangs on input " + std::to_string(number) +
+                                 "; hang one there with: hopper " + std::to_string(number) + " stock COINS");
+            board.hoppers().at(number).jam(what == "jam");
+        });
     if (what != "stock")
         refuse(what, "hopper state", {"stock COINS", "jam", "free"});
     const unsigned int coins = arguments.number("a stock of coins", 0, 65535);
@@ -221,7 +226,7 @@ Action slow(Arguments &arguments)
 const ActionKind actionKinds[12] = {
     {"input", "input N on|off|pulse [COUNT]", "sets input N, 0 to 32, or lets it pulse, once every 40 ms", input},
     {"coin", "coin N", "throws coin N into the ccTalk acceptor, or else gives a pulse on input N", coin},
-    {"hopper", "hopper N stock COINS|jam|free", "the hopper whose coins pass input N", hopper},
+    {"hopper", "hopper N stock COINS|jam|free", "the hopper whose coins pass input N; stock hangs one there", hopper},
     {"switch", "switch [N] open|close", "security switch N, 0 to 7 (0)", securitySwitch},
     {"battery", "battery fail|replace", "the backup battery", battery},
     {"clock", "clock set [SECONDS]|fail", "the board's clock; without a number the machine's time", clock},

@@ -39,6 +39,8 @@ RunRequest requestFrom(const Options &options)
 {
     RunRequest request;
     request.boards = boardsFrom(options.boards);
+    if (request.boards.empty())
+        throw UsageError("there is no board; allowed: --board N=MODEL[,option=value...], as in --board 0=R35");
     if (options.scenario)
         request.scenario = Scenario::read(*options.scenario);
     request.scenario.check(request.boards);

@@ -152,6 +152,7 @@ void executePreloaded(const RunRequest &request, const TextWords &program)
     const char *others = std::getenv("LD_PRELOAD");
     ::setenv("LD_PRELOAD", (library + (others ? ":" + std::string(others) : "")).c_str(), 1);
     ::setenv(preloadBoards, join(request.boardArguments, " ").c_str(), 1);
+    ::setenv(preloadProgram, std::to_string(::getpid()).c_str(), 1);
     // Only who may do it gets it; the program can do without.
     if (request.privateIpc)
         (void)::unshare(CLONE_NEWIPC);

@@ -10,12 +10,21 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <sys/syscall.h>
 #include <thread>
+#include <unistd.h>
 
 namespace
 {
 
 using namespace sim;
+
+// Never destroyed: a thread plays it while the program ends.
+const Scenario *scenario = nullptr;
+std::atomic<std::size_t> reached = 0;
+// The program itself, until it has said what was not reached. The processes that it starts end for reasons of their
+// own.
+std::atomic<pid_t> program = 0;
 
 // The program's signals are not for the threads of the boards.
 template <class Body>
@@ -28,13 +37,15 @@ void inBackground(Body body)
 void begin(const char *boardArguments)
 {
     plugBoards(inProcessBoards(), boardsFrom(splitWords(boardArguments)));
-    static Scenario scenario;
-    if (const char *file = std::getenv(preloadScenario))
-        scenario = Scenario::read(file);
-    scenario.prepare(inProcessBoards());
+    const char *file = std::getenv(preloadScenario);
+    scenario = new Scenario(file ? Scenario::read(file) : Scenario());
+    const char *process = std::getenv(preloadProgram);
+    if (process && process == std::to_string(::getpid()))
+        program = ::getpid();
+    scenario->prepare(inProcessBoards());
     static ControlServer control(inProcessBoards(), newRunName());
     inBackground([] { control.answerAll(); });
-    inBackground([] { scenario.play(inProcessBoards()); });
+    inBackground([] { scenario->play(inProcessBoards(), reached); });
 }
 
 [[gnu::constructor]] void beginWithTheProgram()
@@ -50,4 +61,19 @@ void begin(const char *boardArguments)
     }
 }
 
+[[gnu::destructor]] void endWithTheProgram()
+{
+    pid_t self = ::getpid();
+    if (program.compare_exchange_strong(self, 0))
+        scenario->sayWhatIsLeft(reached);
+}
+
 }  // namespace
+
+// A shell ends so.
+extern "C" void _exit(int status)
+{
+    endWithTheProgram();
+    for (;;)
+        ::syscall(SYS_exit_group, status);
+}

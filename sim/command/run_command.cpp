@@ -37,9 +37,11 @@ void serve(BoardService &service, const RunRequest &request, const RunName &name
     request.scenario.prepare(boards);
     std::thread([&control] { control.answerAll(); }).detach();
     service.ready();
+    std::atomic<std::size_t> reached = 0;
     if (service.waitForStart()) {
-        std::thread([&] { request.scenario.play(boards); }).detach();
+        std::thread([&] { request.scenario.play(boards, reached); }).detach();
         service.waitForEnd();
+        request.scenario.sayWhatIsLeft(reached);
     }
     if (keyFiles)
         keyFiles->removeNewOnes(allRuns().size() > 1);

@@ -1,5 +1,6 @@
 #include "sim/command/run_names.h"
 
+#include "sim/command/preload.h"
 #include "sim/command/words.h"
 #include "sim/nodes/failure.h"
 #include "sim/nodes/run_link.h"
@@ -7,6 +8,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <sys/socket.h>
@@ -101,6 +103,10 @@ RunName chooseRun(const std::optional<std::string> &id)
             refuse(*id, "run", ids);
         return runs[static_cast<std::size_t>(found - ids.begin())];
     }
+    if (std::getenv(preloadBoards))
+        throw UsageError("each program of a run without device nodes has boards of its own, so nobody can tell from "
+                         "inside whose are meant; say --run with the program's process id, or start the run with "
+                         "--how node");
     if (const std::optional<std::string> around = findRunFromInside()) {
         if (const std::optional<RunName> name = RunName::parse(*around))
             return *name;

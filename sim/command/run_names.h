@@ -32,7 +32,8 @@ RunName newRunName();
 std::vector<RunName> allRuns();
 
 /// The run that is meant: the one with this id; without an id, the one around this process or the only one this user
-/// may reach (root reaches everybody's). Throws UsageError that names the choice.
+/// may reach (root reaches everybody's). Throws UsageError that names the choice. Where boards are inside programs
+/// there is no run around anybody, and the one that is found first would be the caller's shell: an id has to be given.
 RunName chooseRun(const std::optional<std::string> &id);
 
 /// Nobody waits longer for the other side of a connection.

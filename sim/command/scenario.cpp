@@ -1,10 +1,13 @@
 #include "sim/command/scenario.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <sys/uio.h>
 #include <thread>
+#include <unistd.h>
 
 namespace sim
 {
@@ -25,6 +28,15 @@ std::string withoutComment(const std::string &line)
             return line.substr(0, at);
     }
     return line;
+}
+
+void writeError(const std::array<std::string_view, 3> &parts)
+{
+    std::array<iovec, 3> pieces;
+    std::transform(parts.begin(), parts.end(), pieces.begin(), [](std::string_view part) {
+        return iovec{const_cast<char *>(part.data()), part.size()};
+    });
+    (void)!::writev(STDERR_FILENO, pieces.data(), pieces.size());
 }
 
 }  // namespace
@@ -86,14 +98,27 @@ void Scenario::prepare(VirtualBoards &boards) const
     }
 }
 
-void Scenario::play(VirtualBoards &boards) const
+void Scenario::play(VirtualBoards &boards, std::atomic<std::size_t> &reached) const
 {
     const auto start = std::chrono::steady_clock::now();
     for (const Line &line : lines_) {
+        if (line.at) {
+            std::this_thread::sleep_until(start + *line.at);
+            ++reached;
+            carryOut(line, boards);
+        }
+    }
+}
+
+void Scenario::sayWhatIsLeft(std::size_t reached) const
+{
+    for (const Line &line : lines_) {
         if (!line.at)
             continue;
-        std::this_thread::sleep_until(start + *line.at);
-        carryOut(line, boards);
+        if (reached > 0)
+            --reached;
+        else
+            writeError({"sorvane-sim: ", line.where, "not reached before the end\n"});
     }
 }
 

@@ -6,6 +6,7 @@
 #include "sim/command/board_options.h"
 #include "sim/command/commands.h"
 
+#include <atomic>
 #include <iosfwd>
 
 namespace sim
@@ -24,8 +25,12 @@ public:
 
     /// Carries out what comes before the start; complaints go to standard error.
     void prepare(VirtualBoards &boards) const;
-    /// Carries out the rest, each at its time from now on. Sleeps in between.
-    void play(VirtualBoards &boards) const;
+    /// Carries out the rest, each at its time from now on. Sleeps in between. `reached` counts along for who looks from
+    /// another thread.
+    void play(VirtualBoards &boards, std::atomic<std::size_t> &reached) const;
+    /// For the end of the program, when so much was played: names the lines that are left on standard error. May be
+    /// called in a signal handler.
+    void sayWhatIsLeft(std::size_t reached) const;
 
 private:
     struct Line {
