@@ -90,7 +90,7 @@ ControlAnswer askRun(const RunName &name, const TextWords &words)
     becomeUserOf(name);
     const OwnedFd connection = connectTo(name);
     if (!connection)
-        fail("reaching the run " + name.id);
+        fail("reaching the run " + name.id, std::string("if it has ended, start another with: ") + howToServe);
     if (userBehind(connection) != name.user)
         throw UsageError("the run " + name.id + " belongs to somebody else");
     std::string request;

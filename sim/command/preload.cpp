@@ -124,9 +124,11 @@ std::string libraryFor(const std::string &program)
     if (!binary.isDynamic)
         throw refusal("it is statically linked and takes no library; only device nodes reach it");
     const std::string library = libraryOfWidth(binary.width);
-    if (library.empty())
-        throw refusal(std::string("it is a ") + (binary.width == ELFCLASS32 ? "32" : "64") + "-bit program and " +
-                      libraryName + " is not");
+    if (library.empty()) {
+        const std::string width = binary.width == ELFCLASS32 ? "32" : "64";
+        throw refusal("it is a " + width + "-bit program and there is no " + libraryName +
+                      " of its width; use or install the " + width + "-bit build, or use device nodes (--how node)");
+    }
     return library;
 }
 

@@ -73,7 +73,7 @@ public:
         boards_.serve(mountDevices(deviceNosOf(request), name_.text()));
         learnOwnersOfNodes(deviceNosOf(request));
         if (request.privateIpc)
-            checked(::unshare(CLONE_NEWIPC), "making an IPC namespace");
+            permitted(::unshare(CLONE_NEWIPC), "making an IPC namespace");
     }
 
     const RunName &name() const { return name_; }
@@ -107,7 +107,7 @@ void runWithBoards(const RunRequest &request, const TextWords &program)
         executePreloaded(request, program);
     if (request.how == How::Auto) {
         if (const std::optional<std::string> reason = whatNodesLack()) {
-            std::fprintf(stderr, "sorvane-sim: no device nodes here (%s); using boards inside the program\n",
+            std::fprintf(stderr, "sorvane-sim: boards inside the program, for want of device nodes: %s\n",
                          reason->c_str());
             executePreloaded(request, program);
         }
@@ -135,7 +135,10 @@ void enterRun(const std::optional<std::string> &id, const TextWords &program)
         const RunName name = chooseRun(id);
         joinNamespacesOf(name.process());
         if (findRunFromInside() != name.text())
-            throw std::runtime_error("the run " + name.id + " is out of reach: its name counts processes otherwise");
+            throw std::runtime_error("nobody can enter the run " + name.id +
+                                     ": its boards are inside its program, or another process namespace counts "
+                                     "its id; start one to enter with: " +
+                                     howToServe);
         return runProgram(program, {blocked, witness, nullptr});
     };
     endLike(enter());

@@ -97,10 +97,12 @@ RunName chooseRun(const std::optional<std::string> &id)
     TextWords ids;
     for (const RunName &run : runs)
         ids.push_back(run.id);
+    const std::string noneIsUp = std::string("no virtual boards of yours are up; start them with: ") + howToServe;
     if (id) {
         const auto found = std::find(ids.begin(), ids.end(), *id);
         if (found == ids.end())
-            refuse(*id, "run", ids);
+            throw UsageError("there is no run \"" + *id + "\"; " +
+                             (ids.empty() ? noneIsUp : "allowed: " + join(ids, ", ")));
         return runs[static_cast<std::size_t>(found - ids.begin())];
     }
     if (std::getenv(preloadBoards))
@@ -112,7 +114,7 @@ RunName chooseRun(const std::optional<std::string> &id)
             return *name;
     }
     if (runs.empty())
-        throw UsageError("no virtual boards are up; start them with sorvane-sim run or sorvane-sim serve");
+        throw UsageError(noneIsUp);
     if (runs.size() > 1)
         throw UsageError("which run? Say --run with one of: " + join(ids, ", "));
     return runs[0];

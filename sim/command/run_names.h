@@ -25,6 +25,9 @@ struct RunName {
     pid_t process() const { return static_cast<pid_t>(std::stol(id)); }
 };
 
+/// What to do about it that no run is up.
+constexpr char howToServe[] = "sorvane-sim serve --board 0=R35";
+
 /// A name for a run of this process that nobody has.
 RunName newRunName();
 

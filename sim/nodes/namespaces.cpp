@@ -13,6 +13,7 @@
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/sysmacros.h>
 #include <sys/wait.h>
 
 namespace sim
@@ -32,8 +33,8 @@ bool mayMount()
 
 void writeFile(const std::string &path, const std::string &text)
 {
-    const OwnedFd file(checked(::open(path.c_str(), O_WRONLY | O_CLOEXEC), "opening " + path));
-    checked(static_cast<int>(::write(file.get(), text.data(), text.size())), "writing " + path);
+    const OwnedFd file(permitted(::open(path.c_str(), O_WRONLY | O_CLOEXEC), "opening " + path));
+    permitted(static_cast<int>(::write(file.get(), text.data(), text.size())), "writing " + path);
 }
 
 std::string nodeOf(int deviceNo)
@@ -41,9 +42,27 @@ std::string nodeOf(int deviceNo)
     return "/dev/Vexa_" + std::to_string(deviceNo);
 }
 
+constexpr char loadFuse[] = "load the module (modprobe fuse); a container needs --device /dev/fuse";
+
 OwnedFd openFuse()
 {
-    return OwnedFd(checked(::open("/dev/fuse", O_RDWR | O_CLOEXEC), "opening /dev/fuse"));
+    const std::string action = "opening /dev/fuse";
+    const OwnedFd found(::open("/dev/fuse", O_PATH | O_CLOEXEC));
+    struct stat file {
+    };
+    if (!found || ::fstat(found.get(), &file) != 0)
+        fail(action, loadFuse);
+    if (!S_ISCHR(file.st_mode) || file.st_rdev != ::makedev(10, 229))
+        throw std::runtime_error("/dev/fuse is not FUSE's device, something else hides it; take that away (a "
+                                 "container needs --device /dev/fuse) and make it: mknod -m 666 /dev/fuse c 10 229");
+    OwnedFd fuse(::open("/dev/fuse", O_RDWR | O_CLOEXEC));
+    if (!fuse && errno == EACCES && ::geteuid() != 0)
+        fail(action, "let this user read and write it (chmod 666 /dev/fuse), or run it as root");
+    if (!fuse && (errno == EACCES || errno == EPERM))
+        fail(action, "a container needs --device /dev/fuse, and /dev must not be mounted with nodev");
+    if (!fuse)
+        fail(action, loadFuse);
+    return fuse;
 }
 
 void mountFuse(const OwnedFd &fuse, const std::string &place, mode_t type)
@@ -52,14 +71,17 @@ void mountFuse(const OwnedFd &fuse, const std::string &place, mode_t type)
     std::snprintf(options.data(), options.size(),
                   "fd=%d,rootmode=%o,user_id=%u,group_id=%u,allow_other,default_permissions", fuse.get(), type,
                   ::geteuid(), ::getegid());
-    checked(::mount("sorvane-sim", place.c_str(), "fuse", MS_NOSUID | MS_NODEV, options.data()), "mounting " + place);
+    const int result = ::mount("sorvane-sim", place.c_str(), "fuse", MS_NOSUID | MS_NODEV, options.data());
+    if (result != 0 && errno == ENODEV)
+        fail("mounting " + place, loadFuse);
+    permitted(result, "mounting " + place);
 }
 
 void takeOwnMountNamespace()
 {
-    checked(::unshare(CLONE_NEWNS), "making a mount namespace");
+    permitted(::unshare(CLONE_NEWNS), "making a mount namespace");
     // What the machine mounts from now on still appears inside; nothing goes the other way.
-    checked(::mount(nullptr, "/", nullptr, MS_SLAVE | MS_REC, nullptr), "keeping mounts private");
+    permitted(::mount(nullptr, "/", nullptr, MS_SLAVE | MS_REC, nullptr), "keeping mounts private");
 }
 
 OwnedFd openToRead(const std::string &path)
@@ -81,10 +103,10 @@ void tryEverything()
     const OwnedFd fuse = openFuse();
     takeOwnMountNamespace();
     for (const char *directory : {"/dev", "/sys/class"})
-        checked(::mount("tmpfs", directory, "tmpfs", 0, nullptr), std::string("mounting on ") + directory);
+        permitted(::mount("tmpfs", directory, "tmpfs", 0, nullptr), std::string("mounting on ") + directory);
     checked(::mkdir("/dev/probe", 0755), "making a directory");
     mountFuse(fuse, "/dev/probe", S_IFDIR);
-    checked(::unshare(CLONE_NEWIPC | CLONE_NEWPID), "making IPC and process namespaces");
+    permitted(::unshare(CLONE_NEWIPC | CLONE_NEWPID), "making IPC and process namespaces");
 }
 
 }  // namespace
@@ -95,7 +117,7 @@ void obtainTheRightToMount()
         return;
     const std::string uid = std::to_string(::geteuid());
     const std::string gid = std::to_string(::getegid());
-    checked(::unshare(CLONE_NEWUSER), "making a user namespace");
+    permitted(::unshare(CLONE_NEWUSER), "making a user namespace");
     writeFile("/proc/self/setgroups", "deny");
     writeFile("/proc/self/uid_map", uid + " " + uid + " 1");
     writeFile("/proc/self/gid_map", gid + " " + gid + " 1");
@@ -167,7 +189,7 @@ std::optional<std::string> whatNodesLack()
     if (child == 0) {
         try {
             tryEverything();
-        } catch (const std::system_error &error) {
+        } catch (const std::exception &error) {
             there.send(error.what());
         }
         ::_exit(0);

@@ -41,7 +41,7 @@ namespace
 ProcessNamespace::ProcessNamespace()
 {
     auto [here, there] = Channel::pair();
-    checked(::unshare(CLONE_NEWPID), "making a process namespace");
+    permitted(::unshare(CLONE_NEWPID), "making a process namespace");
     first_ = checked(::fork(), "starting a process");
     if (first_ == 0) {
         here.close();

@@ -42,7 +42,7 @@ mistake "cannot be read" run --board 0=R35 --scenario /tmp -- true
 mistake "regular file" run --board 0=R35 --how preload --scenario /dev/null -- true
 mistake "run and enter" serve --board 0=R35 -- true
 mistake "run and enter" ctl unplug -- plug
-mistake "allowed:" ctl --run "" unplug
+mistake "there is no run" ctl --run "" unplug
 mistake "0 to 15" ctl --board "" unplug
 mistake "1 to 133" ctl fail ioctl 38
 mistake "once" ctl fail ioctl count 2 count 3
