@@ -20,10 +20,13 @@ for model in R20 R35; do
         "$(grep -v 'ok 5 0 2 0 0 0' "$folder/out" | uniq | paste -sd';')"
     check "what was not reached is said" "sorvane-sim: $folder/scenario:3: not reached before the end" "$(cat "$folder/left")"
 done
-{ printf 'open 0\n'; sleep 3; printf 'ask 75 1\n'; } |
-    "$sim" run --how preload --board 0=R35,firmware=running -- "$client" >"$folder/out" &
+mkfifo "$folder/orders"
+"${preload[@]}" 0=R35,firmware=running -- "$client" <"$folder/orders" >"$folder/out" &
 run=$!
-eventually "$sim" ctl --run $run input 4 on >/dev/null 2>&1
+{
+    eventually "$sim" ctl --run $run input 4 on >/dev/null 2>&1
+    printf 'open 0\nask 75 1\n'
+} >"$folder/orders"
 wait
 check "ctl reaches it" "open ok 5 16 0 0 0 0" "$(xargs <"$folder/out")"
 if [ "$width" -eq 64 ]; then

@@ -4,6 +4,7 @@
 need_nodes
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
+export -f eventually
 
 # Everything of a run has this word in its environment, processes that it leaves running included.
 export SUPERVISION_TEST=$folder
@@ -42,37 +43,54 @@ check "working directory, user, input and descriptors stay" "$(cd / && echo line
 check "closed input and output stay closed" "open status 67 closed" "$(xargs <"$folder/out")"
 check "the machine's own devices are there" "yes" \
     "$("${run[@]}" -- bash -c 'exec 3<>/dev/null && [ -d /dev/pts ] && [ -c /dev/zero ] && ls /sys/class/tty >/dev/null && echo yes')"
-check "a pipe ends when the program lets go of it" "end" \
-    "$("${run[@]}" -- bash -c 'exec >/dev/null; sleep 3; echo late >'"$folder/late" | { cat; [ -e "$folder/late" ] || echo end; })"
+check "a pipe ends when the program lets go of it" "" \
+    "$("${run[@]}" -- bash -c "exec >/dev/null; eventually [ -e $folder/end ] || touch $folder/late" | { cat; touch "$folder/end"; }
+        ls "$folder/late" 2>/dev/null)"
 
-# A signal reaches the program once, whichever way it comes.
+# A signal reaches the program once, whichever way it comes. SIGPWR ends the program: of signals that wait, the lowest
+# number is taken first, so all the others have come by then.
 cat >"$folder/counter" <<'COUNTER'
-$SIG{$_} = do { my $name = $_; sub { syswrite STDOUT, "$name\n" } } for qw(TERM INT USR1 HUP);
-$| = 1; print "ready\n"; my $end = time + 2; select undef, undef, undef, 0.1 while time < $end;
+my $end;
+$SIG{$_} = do { my $name = $_; sub { syswrite STDOUT, "$name\n"; $end ||= $name eq "PWR" } } for qw(TERM INT USR1 PWR);
+$| = 1; print "ready\n"; for (1 .. 1200) { last if $end; select undef, undef, undef, 0.1 }
 COUNTER
-signals() { # HOW NUMBER_OF_LINES: sends by `HOW pid` to a run that is its group's leader
+signals() { # HOW: sends by `HOW pid` to a run that is its group's leader
+    rm -f "$folder/out"
     setsid "${run[@]}" -- perl "$folder/counter" >"$folder/out" &
     local pid=$!
     eventually grep -qs ready "$folder/out"
     "$1" "$pid"
+    kill -PWR "$pid"
     wait "$pid" 2>/dev/null
-    tail -n +2 "$folder/out" | sort | tr '\n' ' '
+    sed '/ready/d; /PWR/d' "$folder/out" | sort | tr '\n' ' '
 }
-to_process() { kill -TERM "$1"; sleep 0.2; kill -INT "$1"; }
-to_group() { kill -TERM -"$1"; sleep 0.2; kill -USR1 -"$1"; sleep 0.2; kill -USR1 "$1"; }
+to_process() { kill -TERM "$1"; kill -INT "$1"; }
+to_group() {
+    kill -TERM -"$1"
+    kill -USR1 -"$1"
+    # Equal ones that wait become one, wherever they wait.
+    eventually grep -q USR1 "$folder/out"
+    eventually grep -q "ShdPnd:.0000000000000000" "/proc/$1/status"
+    kill -USR1 "$1"
+}
 check "kill" "INT TERM " "$(signals to_process)"
 check "kill of the group, then of the process" "TERM USR1 USR1 " "$(signals to_group)"
 to_group_in_a_burst() {
     perl -e 'kill USR1 => -$ARGV[0] for 1 .. 50' "$1"
-    sleep 0.4
+    kill -TERM "$1" # behind all of them
+    eventually grep -q TERM "$folder/out"
     burst=$(grep -c USR1 "$folder/out")
     kill -USR1 "$1"
 }
 signals to_group_in_a_burst >/dev/null
 check "a signal after a burst of them" $((burst + 1)) "$(grep -c USR1 "$folder/out")"
-check "from the terminal" "ready INT" "$(
-    { sleep 1; printf '\003'; sleep 1.5; } | script -qec "${run[*]} -- perl $folder/counter" /dev/null |
-        tr -d '\r^C' | xargs)"
+{
+    eventually grep -qs ready "$folder/typed"
+    printf '\003'
+    eventually grep -qs INT "$folder/typed"
+    kill -PWR "$(cat "$folder/pid")"
+} | script -qec "sh -c 'echo \$\$ >$folder/pid; exec ${run[*]} -- perl $folder/counter'" /dev/null >"$folder/typed"
+check "from the terminal" "ready INT PWR" "$(tr -d '\r^C' <"$folder/typed" | xargs)"
 for n in 1 2 3 4 5 6 7 8 9 10; do
     "${run[@]}" -- sleep 20 &
     sleep "0.0$n"
@@ -99,18 +117,20 @@ check "nothing runs after SIGKILL" "" "$(left)"
 for signal in KILL ABRT TERM; do
     "${run[@]}" -- bash -c '
         exec 2>/dev/null
-        '"$sim"' ctl slow 30s
+        '"$sim"' ctl slow 60s count 1
         (echo "open 0"; echo "ask 75 1") | '"$client"' & first=$!
-        sleep 0.2
+        slow_one_has_begun() { '"$sim"' ctl state --json | grep -q "\"pending_faults\":0"; }
+        eventually slow_one_has_begun
         (echo "open 0"; echo "ask 75 1") | '"$client"' & second=$!
-        sleep 0.3
+        has_opened() { ls -l /proc/$second/fd | grep -q Vexa; }
+        eventually has_opened
         kill -'$signal' $second
         wait $second
         kill -'$signal' $first
         wait' >/dev/null &
     SECONDS=0
     wait $!
-    check "a caller killed by $signal in a slow exchange is gone at once" yes "$([ $SECONDS -le 2 ] && echo yes)"
+    check "a caller killed by $signal in a slow exchange is gone at once" yes "$([ $SECONDS -le 30 ] && echo yes)"
 done
 eventually nothing_left
 check "the machine is as it was" "$before" "$(machine)"

@@ -7,6 +7,9 @@ sim=$build/sim/command/sorvane-sim
 client=$build/tests/nodes/node_client
 failures=0
 
+# By hand, too, a test meets no other run and no key file.
+[ -n "${SORVANE_EMULATOR+set}" ] || exec "$(dirname "$0")/../../scripts/isolated" "$build" bash "$0" "$@"
+
 for program in "$sim" "$client"; do
     [ -x "$program" ] || {
         echo "FAILED: $program is not built"
@@ -52,10 +55,10 @@ finish() {
     exit $((failures > 0))
 }
 
-# Waits up to five seconds until a command succeeds.
+# Waits until a command succeeds, and no longer than half a minute: the machine may be busy.
 eventually() {
     local n
-    for ((n = 0; n < 100; ++n)); do
+    for ((n = 0; n < 600; ++n)); do
         "$@" && return 0
         sleep 0.05
     done
