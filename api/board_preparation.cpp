@@ -1,18 +1,20 @@
 // Preparation of a freshly opened board, and opening by the board number that a board reports on its inputs.
 #include "api/board_preparation.h"
 
+#include "api/preparation_lock.h"
 #include "api/sorvaneusb.h"
 #include "board/rbase_implementation.h"
 
-int prepareBoard(SorvaneUSB &board, RBaseImplementation &implementation, int deviceNo)
+int prepareBoard(RBaseImplementation &implementation, int deviceNo)
 {
-    const int downloaded = board.Download8051Software();
+    const PreparationLock lock(implementation.deviceHandle);
+    const int downloaded = makeFirmwareRun(implementation);
     if (implementation.EEPROMConfigured(deviceNo) || !downloaded)
         return downloaded;
     R20EEPROM fitted;
-    if (!board.CheckEEPROM(&fitted))
+    if (!implementation.CheckEEPROM(&fitted))
         return 0;
-    return board.ConfigureEEPROM(&fitted);
+    return implementation.ConfigureEEPROM(&fitted);
 }
 
 namespace

@@ -3,10 +3,12 @@
 #define SORVANE_API_BOARD_PREPARATION_H
 
 class RBaseImplementation;
-class SorvaneUSB;
 
 /// Makes the firmware of a freshly opened board run and, the first time on this machine, tells it the type of the
 /// EEPROM that it carries. The board stays open when that fails.
-int prepareBoard(SorvaneUSB &board, RBaseImplementation &implementation, int deviceNo);
+int prepareBoard(RBaseImplementation &implementation, int deviceNo);
+
+/// Asks whether the firmware runs, and loads it only where it does not. Hold the board's PreparationLock.
+int makeFirmwareRun(RBaseImplementation &implementation);
 
 #endif

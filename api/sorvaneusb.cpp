@@ -95,7 +95,7 @@ int SorvaneUSB::InitPort(int deviceNo)
         ::close(deviceHandle);
         return 0;
     }
-    return prepareBoard(*this, *implementation, deviceNo);
+    return prepareBoard(*implementation, deviceNo);
 }
 
 int SorvaneUSB::init(int)

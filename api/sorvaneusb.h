@@ -19,8 +19,10 @@
 /// and R35; what differs is said at each operation under "Models". `InitPort` opens by device number, `init` the first
 /// board that opens, `InitUSBBoard` by the board number that a board shows on its inputs 24 to 26. Opening makes the
 /// board's firmware run (loading it takes 57 to 279 exchanges) and, the first time a device number is opened on the
-/// machine, finds out which EEPROM is fitted and tells the board. An opening that fails may leave the object open:
-/// `close` it, or open again.
+/// machine, finds out which EEPROM is fitted and tells the board. Programs that open one board at the same time, as
+/// when a cabinet boots, do it one after the other: an exclusive advisory lock (`flock`) on the node is held meanwhile,
+/// and who comes second waits and finds the board ready. An opening that fails may leave the object open: `close` it,
+/// or open again.
 ///
 /// ### Results and errors
 /// Operations return 1 for success and 0 for failure; no exception leaves the library. The reason of a failure is a
@@ -75,13 +77,14 @@
 ///   `CheckEEPROM` and of an opening;
 /// - the batch of timestamped bytes: `ReceiveByteWithTimestamp`, `ReceiveByteWithTimestamp9BitData`.
 ///
-/// Everything else is unlocked: transfers of several exchanges (SRAM, serial data, firmware) interleave with those of
-/// other processes, and two readers of one serial port or switch log take each other's data. The shared state is SysV
-/// shared memory and semaphores under the key files /tmp/R20SharedMemory and /tmp/Sem_R20Mutex. A process that is
-/// killed, or ends by `_exit`, `abort` or `exec`, leaves its registration, and so the semaphores stay in the system,
-/// where the next process uses them. Who deletes these files or removes the objects splits the processes into
-/// strangers. Where the memory cannot be had, or is damaged, one process still drives its boards fully, on tables of
-/// its own and without locks.
+/// Making a board ready, by an opening or by `Download8051Software`, also holds a lock of that board alone. Everything
+/// else is unlocked: transfers of several exchanges (SRAM, serial data) interleave with those of other processes, and
+/// two readers of one serial port or switch log take each other's data. The shared state is SysV shared memory and
+/// semaphores under the key files /tmp/R20SharedMemory and /tmp/Sem_R20Mutex. A process that is killed, or ends by
+/// `_exit`, `abort` or `exec`, leaves its registration, and so the semaphores stay in the system, where the next
+/// process uses them. Who deletes these files or removes the objects splits the processes into strangers. Where the
+/// memory cannot be had, or is damaged, one process still drives its boards fully, on tables of its own and without
+/// locks.
 ///
 /// A child made by fork that did not load the library itself may drive the boards while its parent lives; to outlive
 /// it, it must exec. Open nodes are closed by exec.
@@ -95,10 +98,14 @@
 ///   memory. Call `CheckEEPROM`, then `ConfigureEEPROM`. Configure inputs, reels and ports again as well, and switch
 ///   the outputs: the kept flash patterns still hold what was asked before.
 /// - An opening killed between the EEPROM's detection and its configuration leaves a wrong upper bound marked as
-///   configured, so that no later opening mends it; the same two calls do. An opening beside another program's first
-///   one does not wait for its detection either: let one program open the boards first.
+///   configured, so that no later opening mends it; the same two calls do.
 /// - A process stopped (SIGSTOP, a debugger) inside a locked operation, or a board that hangs in its driver during one,
 ///   holds up the same operations of all others, for all boards. A killed process gives its locks back.
+/// - One that is stopped, or hangs, while it makes a board ready holds up all others that open the same board, without
+///   a limit; `init` and `InitUSBBoard`, which search from device 0, wait there too. A child forked meanwhile (by
+///   another thread) holds this lock, too: if its parent is killed, until it ends or execs. Never `flock` a node
+///   yourself. Programs linked statically with a library from before this lock do not wait. Where the system has no
+///   such lock, an opening goes on without.
 #ifndef SORVANEUSB_H
 #define SORVANEUSB_H
 
@@ -255,7 +262,7 @@ public:
     int SetPICSerialNumber(unsigned char *serialNumber);
 
     /// Makes the board's 8051 firmware run: asks whether it does and, if not, loads the model's image and starts it.
-    /// `InitPort` does it; a program rarely needs to.
+    /// `InitPort` does it; a program rarely needs to. Waits while another opening makes the same board ready.
     /// - Sent: request 74 on pipe 6, no payload. If the answer's first byte is 1, the firmware runs and nothing more is
     ///   sent. Otherwise, and after an empty answer:
     ///   - request 72 on pipe 6, no payload;
@@ -1216,8 +1223,9 @@ public:
     /// \{
 
     /// Opens board `deviceNo` and makes it ready. In this order: model and speed from /sys/class/Vexa; lets go of the
-    /// board that this object has; opens `/dev/Vexa_<n>`; firmware as `Download8051Software`; and, unless some process
-    /// has configured this device number's EEPROM already, `CheckEEPROM` and `ConfigureEEPROM`.
+    /// board that this object has; opens `/dev/Vexa_<n>`; waits while another opening makes the same board ready;
+    /// firmware as `Download8051Software`; and, unless some process has configured this device number's EEPROM already,
+    /// `CheckEEPROM` and `ConfigureEEPROM`.
     /// - Sent: as `Download8051Software`, then perhaps as `CheckEEPROM` and as `ConfigureEEPROM`.
     /// - Arguments: `deviceNo` 0 to 15; any other number is a missing board.
     /// - Result: 1 with the board open and ready.

@@ -158,14 +158,14 @@ struct Case {
     bool leaves;         // whether the failure can keep a life from removing what it made
 };
 
-TEST_F(Faults, ASharedStateThatCannotBeHadCostsNoOperation)
+TEST_F(Faults, ASharedStateOrALockThatCannotBeHadCostsNoOperation)
 {
     const Case table[] = {
         {"ftok", ENOENT, 2, false},   {"semget", ENOENT, 2, false}, {"semget", EEXIST, 2, false},
         {"semget", ENOSPC, 2, false}, {"semop", ENOSPC, 20, true},  {"semop", EAGAIN, 1, true},
         {"semctl", EACCES, 1, true},  {"shmget", ENOENT, 2, false}, {"shmget", EEXIST, 2, false},
         {"shmget", EACCES, 2, false}, {"shmat", EIDRM, 1, false},   {"shmat", EINVAL, 1, false},
-        {"shmat", ENOMEM, 1, false},  {"shmctl", EACCES, 2, true},
+        {"shmat", ENOMEM, 1, false},  {"shmctl", EACCES, 2, true},  {"flock", ENOLCK, 4, false},
     };
     for (const Case &row : table) {
         for (const char *often : {"once", "ever"}) {

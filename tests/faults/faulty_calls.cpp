@@ -21,6 +21,7 @@ int __real_shmget(key_t key, std::size_t size, int flags);
 void *__real_shmat(int id, const void *address, int flags);
 int __real_shmctl(int id, int command, shmid_ds *status);
 int __real_open(const char *path, int flags, ...);
+int __real_flock(int descriptor, int operation);
 FILE *__real_fopen(const char *path, const char *mode);
 int __real_ioctl(int descriptor, unsigned long request, ...);
 }
@@ -201,6 +202,11 @@ int __wrap_open(const char *path, int flags, ...)
     const mode_t mode = flags & O_CREAT ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
     return fails("open") ? -1 : __real_open(path, flags, mode);
+}
+
+int __wrap_flock(int descriptor, int operation)
+{
+    return fails("flock") ? -1 : __real_flock(descriptor, operation);
 }
 
 FILE *__wrap_fopen(const char *path, const char *mode)

@@ -238,7 +238,7 @@ TEST_F(Killed, AtEachSystemCallOfLoadingOpeningAndLeaving)
         std::size_t points = 0;
         for (bool beside : {false, true}) {
             points += killAtEachCall(loading, beside, {"openat", "semget", "semop", "shmget", "shmat", "shmctl"});
-            points += killAtEachCall(opening, beside, {"semop", "ioctl"});
+            points += killAtEachCall(opening, beside, {"flock", "semop", "ioctl"});
             points += killAtEachCall(leaving, beside, {"semop", "shmdt", "shmctl"});
         }
         rounds.note("points", points);

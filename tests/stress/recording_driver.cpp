@@ -1,5 +1,6 @@
 // Answers the calls by which the library opens and drives the one board, an R35 at full speed with a running firmware
-// and a blank EEPROM. The system sees each exchange as an ioctl on /dev/null, so that a tracer can stop there.
+// and a blank EEPROM. Its node is the file of the trace: the system sees each exchange as an ioctl on it, so that a
+// tracer can stop there, and a lock on it is nobody else's.
 #include "tests/stress/recording_driver.h"
 
 #include <cstdarg>
@@ -105,7 +106,7 @@ int open(const char *path, int flags, ...)
     const unsigned int mode = flags & O_CREAT ? va_arg(arguments, unsigned int) : 0;
     va_end(arguments);
     const bool board = path == pathOfBoard("/dev/Vexa_", "");
-    const long result = ::syscall(SYS_openat, AT_FDCWD, board ? "/dev/null" : path, flags, mode);
+    const long result = ::syscall(SYS_openat, AT_FDCWD, board ? stress::tracePath : path, flags, mode);
     if (board)
         boardDescriptor = static_cast<int>(result);
     return static_cast<int>(result);

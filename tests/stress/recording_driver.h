@@ -28,6 +28,7 @@ struct Trace {
 static_assert(sizeof(Record) == 28 && std::atomic<std::uint32_t>::is_always_lock_free);
 
 constexpr int boardDevice = 1;
+constexpr const char *tracePath = "/tmp/stress_trace";
 
 /// Maps the trace; makes a new one of zeros where there is none.
 Trace &sharedTrace();

@@ -11,8 +11,6 @@ namespace stress
 namespace
 {
 
-constexpr const char *tracePath = "/tmp/stress_trace";
-
 Trace *map()
 {
     const int file = ::open(tracePath, O_RDWR | O_CREAT | O_CLOEXEC, 0600);

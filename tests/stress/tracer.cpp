@@ -18,12 +18,12 @@ struct Name {
     unsigned int number;
     const char *name;
 };
-constexpr Name wideCalls[] = {{0, "read"},   {1, "write"},   {3, "close"},    {16, "ioctl"}, {29, "shmget"},
-                              {30, "shmat"}, {31, "shmctl"}, {64, "semget"},  {65, "semop"}, {66, "semctl"},
-                              {67, "shmdt"}, {220, "semop"}, {257, "openat"}, {231, "exit"}};
+constexpr Name wideCalls[] = {{0, "read"},   {1, "write"},   {3, "close"},   {16, "ioctl"},   {29, "shmget"},
+                              {30, "shmat"}, {31, "shmctl"}, {64, "semget"}, {65, "semop"},   {66, "semctl"},
+                              {67, "shmdt"}, {220, "semop"}, {73, "flock"},  {257, "openat"}, {231, "exit"}};
 constexpr Name narrowCalls[] = {{3, "read"},     {4, "write"},    {6, "close"},    {54, "ioctl"},   {295, "openat"},
                                 {393, "semget"}, {394, "semctl"}, {395, "shmget"}, {396, "shmctl"}, {397, "shmat"},
-                                {398, "shmdt"},  {420, "semop"},  {252, "exit"}};
+                                {398, "shmdt"},  {420, "semop"},  {143, "flock"},  {252, "exit"}};
 constexpr unsigned int narrowIpc = 117;
 constexpr Name narrowIpcCalls[] = {{1, "semop"},  {2, "semget"}, {3, "semctl"},  {4, "semop"},
                                    {21, "shmat"}, {22, "shmdt"}, {23, "shmget"}, {24, "shmctl"}};

@@ -1,0 +1,29 @@
+// Keeps programs that open one board at the same time apart while it is prepared.
+#ifndef SORVANE_API_PREPARATION_LOCK_H
+#define SORVANE_API_PREPARATION_LOCK_H
+
+#include <cerrno>
+#include <sys/file.h>
+
+/// Holds an exclusive advisory lock on a board's node for a scope; whoever comes second waits, and then finds what the
+/// first one made. Where the lock cannot be had, the preparation goes on without. It belongs to the open file, of which
+/// there is one for each opening: a holder that takes it again gives it back with the inner scope.
+class PreparationLock
+{
+public:
+    explicit PreparationLock(int deviceHandle) : deviceHandle(deviceHandle)
+    {
+        while (::flock(deviceHandle, LOCK_EX) == -1 && errno == EINTR) {
+        }
+    }
+    /// Given back by name: a child that was forked meanwhile has the open file too, and closing would leave it the
+    /// lock.
+    ~PreparationLock() { ::flock(deviceHandle, LOCK_UN); }
+    PreparationLock(const PreparationLock &) = delete;
+    PreparationLock &operator=(const PreparationLock &) = delete;
+
+private:
+    int deviceHandle;
+};
+
+#endif
