@@ -16,8 +16,6 @@ public:
     void fail();
     void replace();
     bool good() const { return good_; }
-    /// What ReadAndResetBatteryFailFlag reports next: 1 after a failure.
-    bool failFlag() const { return failFlag_; }
 
     /// The board has no other power from now on, or has it back.
     void carryBoard(bool alone);

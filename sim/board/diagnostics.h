@@ -11,9 +11,6 @@ namespace sim
 class Diagnostics : public Part
 {
 public:
-    const Bytes &data() const { return data_; }
-    void setData(Bytes data) { data_ = std::move(data); }
-
     std::optional<Reply> answer(Request request, Payload payload) override;
     void powerLost() override { data_.clear(); }
 

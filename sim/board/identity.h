@@ -24,10 +24,6 @@ class Identity : public Part
 public:
     explicit Identity(Model model);
 
-    void setVersion8051(std::string version) { version8051_ = std::move(version); }
-    void setVersionPIC(std::string version) { versionPIC_ = std::move(version); }
-    void setSerialPIC(const SerialNumber &serial) { serialPIC_ = serial; }
-    const SerialNumber &serialPIC() const { return serialPIC_; }
     /// The 48-bit number of the 1-Wire chip, family code 01; its check byte follows from it.
     void setSerialDallas(std::uint64_t number);
     /// With a wrong check byte, say.

@@ -24,7 +24,6 @@ public:
     }
 
     State state() const { return state_; }
-    unsigned int samples() const { return taken_; }
 
     std::optional<Reply> answer(Request request, Payload payload) override;
     void powerLost() override;

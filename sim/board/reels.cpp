@@ -101,7 +101,7 @@ std::optional<Reply> Reels::answer(Request request, Payload payload)
     case Request::SpinRampDown:
         return ramp(request == Request::SpinRampUp, payload);
     case Request::SetDutyCycle:
-        return perform([this, payload] { std::copy(payload.begin(), payload.end(), dutyCycle_.begin()); });
+        return perform([] {});  // nothing that can be seen follows from it
     case Request::ReelSynchroniseEnable:
         return perform([this, mask = payload[0]] {
             for (unsigned int i = 0; i < reels_.size(); ++i)
@@ -122,7 +122,6 @@ void Reels::powerLost()
         reel = Reel(reel.place());
     configured_ = 0;
     option_ = 0;
-    dutyCycle_ = {};
 }
 
 }  // namespace sim

@@ -29,7 +29,6 @@ public:
     const Reel &at(unsigned int reel);
     unsigned int configured() const { return configured_; }
     unsigned char option() const { return option_; }
-    const std::array<unsigned char, 3> &dutyCycle() const { return dutyCycle_; }
     Bytes status();
 
     std::optional<Reply> answer(Request request, Payload payload) override;
@@ -45,7 +44,6 @@ private:
     std::array<Reel, 3> reels_{Reel(37), Reel(91), Reel(140)};
     unsigned char configured_ = 0;
     unsigned char option_ = 0;
-    std::array<unsigned char, 3> dutyCycle_{};
 };
 
 }  // namespace sim

@@ -20,8 +20,6 @@ public:
     {
     }
 
-    unsigned char machineAddress() const { return machineAddress_; }
-    bool autoReply() const { return autoReply_; }
     unsigned char status() const;
 
     /// A word from the line: true when the board has answered it by itself.

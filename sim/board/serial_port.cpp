@@ -88,8 +88,6 @@ void SerialPort::arrived(std::uint16_t word)
         return;
     if (received_.size() < serialBufferCapacity)
         received_.push_back({word, timestampAt(timeline_.now())});
-    else
-        ++overruns_;
 }
 
 void SerialPort::drop(std::size_t count)

@@ -49,7 +49,6 @@ public:
 
     unsigned int parityErrors() const { return parityErrors_; }
     std::size_t waiting() const { return received_.size(); }
-    std::size_t overruns() const { return overruns_; }
     /// Every word that has left the port, polls and messages of the board itself included; the last 1024.
     const std::deque<std::uint16_t> &sent() const { return sent_; }
     std::size_t sentCount() const { return sentCount_; }
@@ -93,7 +92,6 @@ private:
     std::deque<Received> received_;
     std::deque<std::uint16_t> sent_;
     std::size_t sentCount_ = 0;
-    std::size_t overruns_ = 0;
     unsigned int parityErrors_ = 0;
     unsigned int wordsToSpoil_ = 0;
     Nanoseconds sendLineFree_{};

@@ -11,7 +11,6 @@ namespace sim
 class SPI : public Part
 {
 public:
-    SPISlave &slave() { return slave_; }
     /// The slave's next answer, whatever it is asked.
     void reply(Bytes bytes) { slave_.answerNext(std::move(bytes)); }
     bool enabled() const { return enabled_; }

@@ -51,12 +51,6 @@ VirtualBoard &VirtualBoard::highSpeed()
     return *this;
 }
 
-VirtualBoard &VirtualBoard::fullSpeed()
-{
-    highSpeed_ = false;
-    return *this;
-}
-
 VirtualBoard &VirtualBoard::boardNumber(unsigned int number)
 {
     inputs_.setBoardNumber(number);

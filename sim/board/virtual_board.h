@@ -56,7 +56,6 @@ public:
 
     // What is set before the first exchange; each returns the board.
     VirtualBoard &highSpeed();
-    VirtualBoard &fullSpeed();
     VirtualBoard &boardNumber(unsigned int number);
     VirtualBoard &eeprom(const R20EEPROM &chip);
     VirtualBoard &firmwareRunning();
@@ -68,8 +67,6 @@ public:
 
     Inputs &inputs() { return settled(inputs_); }
     Outputs &outputs() { return settled(outputs_); }
-    PulsedOutputs &pulsedOutputs() { return settled(pulsedOutputs_); }
-    PulsedInputs &pulsedInputs() { return settled(pulsedInputs_); }
     Hoppers &hoppers() { return settled(hoppers_); }
     Reels &reels() { return settled(reels_); }
     SerialPort &serialPort(unsigned int port) { return settled(*serialPorts_.at(port)); }
@@ -77,7 +74,6 @@ public:
     SRAM &sram() { return settled(sram_); }
     Firmware &firmware() { return firmware_; }
     Recorder &recorder() { return settled(recorder_); }
-    Diagnostics &diagnostics() { return diagnostics_; }
     SPI &spi() { return spi_; }
     RealTimeClock &clock() { return settled(clock_); }
     Battery &battery() { return settled(battery_); }

@@ -130,10 +130,6 @@ int openAttribute(const BoardPath &path, int flags)
         return -ENOENT;
     if ((flags & O_ACCMODE) != O_RDONLY)
         return -EACCES;
-    {
-        const std::lock_guard guard(descriptors().mutex);
-        ++descriptors().calls.attributeReads;
-    }
     return namelessFile(product ? "product" : "speed", *text, flags);
 }
 

@@ -22,7 +22,6 @@ std::vector<int> openDescriptors(int deviceNo);
 struct InProcessCalls {
     unsigned long opens = 0;
     unsigned long ioctls = 0;
-    unsigned long attributeReads = 0;
     int lastOpenFlags = 0;
 };
 InProcessCalls inProcessCalls();

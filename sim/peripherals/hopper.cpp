@@ -1,10 +1,16 @@
 #include "sim/peripherals/hopper.h"
 
-#include <algorithm>
 #include <stdexcept>
 
 namespace sim
 {
+
+namespace
+{
+
+constexpr Nanoseconds perCoin = std::chrono::milliseconds(200);
+
+}  // namespace
 
 Hopper::Hopper(Timeline &timeline, Inputs &inputs, const Outputs &outputs, unsigned int sensorInput)
     : timeline_(timeline), inputs_(inputs), outputs_(outputs), sensorInput_(sensorInput)
@@ -22,12 +28,6 @@ unsigned int Hopper::stock() const
 {
     timeline_.settle();
     return stock_;
-}
-
-Hopper &Hopper::rate(Nanoseconds perCoin)
-{
-    perCoin_ = std::max(perCoin, 2 * pulseLength);
-    return *this;
 }
 
 Hopper &Hopper::jam(bool jammed)
@@ -71,7 +71,7 @@ void Hopper::look()
 
 void Hopper::dropNext()
 {
-    timeline_.after(perCoin_, this, [this] {
+    timeline_.after(perCoin, this, [this] {
         // The next drop comes first: a coin that ends the release calls it off.
         dropNext();
         if (!outputs_.lit(*motor()))

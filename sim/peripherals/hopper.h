@@ -20,8 +20,6 @@ public:
     /// Fills it with this many coins.
     Hopper &stock(unsigned int coins);
     unsigned int stock() const;
-    /// The time from one coin to the next, 200 ms unless told otherwise; at least the 40 ms of a sensor's pulse.
-    Hopper &rate(Nanoseconds perCoin);
     /// A jammed hopper runs but drops nothing.
     Hopper &jam(bool jammed = true);
     bool jammed() const { return jammed_; }
@@ -46,7 +44,6 @@ private:
     std::optional<unsigned int> motor_;
     std::optional<unsigned int> released_;
     unsigned int stock_ = 0;
-    Nanoseconds perCoin_ = std::chrono::milliseconds(200);
     bool jammed_ = false;
     bool dropping_ = false;
 };

@@ -47,7 +47,6 @@ void SASHost::poll(Payload bytes)
     const std::uint16_t address = bytes.empty() ? generalPoll | machineAddress_ : machineAddress_;
     Words words{static_cast<std::uint16_t>(sasWakeUp | address)};
     words.insert(words.end(), bytes.begin(), bytes.end());
-    ++polls_;
     line_->transmit(words);
 }
 

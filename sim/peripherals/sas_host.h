@@ -23,7 +23,6 @@ public:
     void setPolling(bool polling);
     /// One poll of the machine beside the regular ones: the address with the wake-up bit, then these bytes.
     void poll(Payload bytes = {});
-    unsigned int polls() const { return polls_; }
     const Words &answers() const { return answers_; }
 
 private:
@@ -31,7 +30,6 @@ private:
 
     unsigned char machineAddress_;
     bool polling_ = true;
-    unsigned int polls_ = 0;
     Words answers_;
 };
 
