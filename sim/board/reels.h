@@ -2,7 +2,7 @@
 //
 // What the settings mean is the firmware's. Here the drive turns the first 0 to 3 reels, as many as it was configured
 // for, and one that it is configured for no more is stopped; the reel setting is the number of steps of a turn (0:
-// 200), the option and the duty cycle are only kept, a ramp entry is the time of one step in milliseconds (0 counts as
+// 200), the option and the duty cycle change nothing, a ramp entry is the time of one step in milliseconds (0 counts as
 // 1), and the last entry of the ramp up is the time of a running step (4 ms without a ramp). A ramp that comes while
 // the reel turns is that of its next spin. Spin mode 1 turns forward by the steps given and 255 backward; 2 and 254
 // turn until they are stopped; 0 ramps down. Bit r of the synchronisation byte lets reel r set its count to 0 whenever
