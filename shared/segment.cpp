@@ -95,7 +95,8 @@ bool LinuxSharedMemory::Delete()
 
 void LinuxSharedMemory::Abandon()
 {
-    ::shmdt(address);
+    if (address)
+        ::shmdt(address);
     address = nullptr;
     segmentID = -1;
 }

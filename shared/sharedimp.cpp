@@ -107,6 +107,7 @@ SharedMemoryArenaHeader *arenaIn(LinuxSharedMemory &memory)
     case ArenaState::unfinished:
         if (memory.MeFirst() || memory.Alone())
             return new (memory.address) SharedMemoryArenaHeader(memory.arenaID, memory.GetSize());
+        memory.Abandon();  // or the next one would not be alone either
         return nullptr;
     case ArenaState::foreign:
         memory.Abandon();

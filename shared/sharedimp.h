@@ -115,7 +115,7 @@ public:
     bool UnLock() override;
     bool MeFirst() override;
 
-    /// Detaches a segment that is not an arena of ours and leaves it to its owner.
+    /// Detaches the segment and leaves it to its owner or to those that use it.
     void Abandon();
     /// Whether no other attachment exists.
     bool Alone() const;

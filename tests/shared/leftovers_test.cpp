@@ -1,5 +1,6 @@
 // What processes find that others left behind: half made, damaged, or not theirs.
 #include <fstream>
+#include <memory>
 
 #include "tests/shared/outside.h"
 
@@ -25,6 +26,20 @@ TEST_F(Processes, AMakerThatDiedIsFollowedByWhoeverComesNext)
         EXPECT_TRUE(peer.quit());
         expectNothingLeft();
     }
+}
+
+TEST_F(Processes, WhoIsNotAloneOnAnUnfinishedArenaDoesNotKeepTheNextFromBuildingIt)
+{
+    auto looking = std::make_unique<Attached>(makeSegment());
+    Peer first;
+    EXPECT_EQ(first.ask("attached"), "no");
+    looking.reset();
+    Peer next;
+    EXPECT_EQ(next.ask("attached"), "yes");
+    EXPECT_TRUE(first.quit());
+    EXPECT_EQ(next.ask("attached"), "yes");
+    EXPECT_TRUE(next.quit());
+    expectNothingLeft();
 }
 
 TEST_F(Processes, ARunThatWasAllocatedButNeverNamedIsUsedAgain)
