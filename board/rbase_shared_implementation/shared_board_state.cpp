@@ -136,6 +136,15 @@ void forgetInChild()
     LinuxMutexSet::inForkedChild = true;
 }
 
+/// Gives back what fork made: the child's own attachment. Everything else is its parent's.
+void detachInChild()
+{
+    if (SharedOutOnCopy.element)
+        static_cast<LinuxSharedMemory *>(SharedOutOnCopy.element->sharedMemory)->Abandon();
+    for (const ObjectPlan &plan : plans)
+        *plan.handle = {};
+}
+
 // 101 is the first priority open to programs: before static objects, in a shared library and in a program alike.
 
 [[gnu::constructor(101)]] void setUpAll()
@@ -148,6 +157,8 @@ void forgetInChild()
 
 [[gnu::destructor(101)]] void tearDownAll()
 {
+    if (LinuxMutexSet::inForkedChild)
+        return detachInChild();
     if (joinedProcess != ::getpid())
         return;
     for (auto plan = std::rbegin(plans); plan != std::rend(plans); ++plan)

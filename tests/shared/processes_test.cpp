@@ -1,7 +1,9 @@
 // How processes come, share and go. This program does not use the library: it looks at segment and semaphores from
 // outside and sends other processes in and out.
 #include <dlfcn.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 
 #include "tests/shared/outside.h"
 
@@ -198,6 +200,31 @@ TEST_F(Processes, LoadingUnloadingAndLoadingAgainStartsAfresh)
         EXPECT_EQ(::dlclose(library), 0);
         expectNothingLeft();
     }
+}
+
+TEST_F(Processes, AForkedChildThatLoadsTheLibraryAgainLeavesNothing)
+{
+    void *library = ::dlopen(SHARED_LIBRARY, RTLD_NOW);
+    int ends[2];
+    ASSERT_TRUE(library && ::socketpair(AF_UNIX, SOCK_STREAM, 0, ends) == 0);
+    char token = 0;
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::close(ends[0]);
+        const bool detached = ::dlclose(library) == 0 && reportArena().attachments == 1;
+        library = ::dlopen(SHARED_LIBRARY, RTLD_NOW);
+        const bool toldAndParentLeft = ::write(ends[1], &token, 1) == 1 && ::read(ends[1], &token, 1) == 0;
+        ::_exit(detached && library && toldAndParentLeft && ::dlclose(library) == 0 ? 0 : 1);
+    }
+    ::close(ends[1]);
+    EXPECT_EQ(::read(ends[0], &token, 1), 1);
+    expectShared(2);
+    EXPECT_EQ(::dlclose(library), 0);
+    ::close(ends[0]);
+    int status = -1;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    expectNothingLeft();
 }
 
 }  // namespace tests::processes
