@@ -878,9 +878,8 @@ public:
     /// - Arguments: `port` 0 or 1; `slot` 0 to 3.
     /// - Result: `message` receives bytes 2 onward of every answer, whatever comes; `length`: their number; `status`:
     ///   byte 0 of the last answer, 0 to 255, the firmware's.
-    /// - Errors: 30 `message`, `length` or `status` null; 8 `slot` above 3; 8 `port` above 1; 6 for a board that
-    /// announces
-    ///   one more part after 257 without a byte; the exchange's own.
+    /// - Errors: 30 `message`, `length` or `status` null; 8 `slot` above 3; 8 `port` above 1; 6 after 32,768 answers in
+    ///   a row (about half a minute) that have no byte and announce one more; the exchange's own.
     /// - On failure: with 30 or a wrong `slot` nothing is written. Otherwise the parts received before stay in
     ///   `message`, counted at `length` (0 with a wrong `port`), and `status` is that of the last of them.
     int ReceivePolledMessage(_usbSerialPort port, unsigned char slot, unsigned char *message, unsigned long *length,
@@ -894,7 +893,8 @@ public:
     /// - Result: `message` receives at most `capacity` bytes; `length`: their number; `status`: byte 0 of the last
     ///   answer. If a whole part's room is left, the message is complete; otherwise more of it may follow.
     /// - Errors: 30 `message`, `length` or `status` null; 8 `slot` above 3; 7 `capacity` below one part; 8 `port` above
-    ///   1; 6 for a board that announces one more part after 257 without a byte; the exchange's own.
+    ///   1; 6 after 32,768 answers in a row (about half a minute) that have no byte and announce one more; the
+    ///   exchange's own.
     /// - On failure: with 30, a wrong `slot` or 7 nothing is written. Otherwise the parts received before stay in
     ///   `message`, counted at `length` (0 with a wrong `port`), and `status` is that of the last of them.
     int ReceivePolledMessage(_usbSerialPort port, unsigned char slot, unsigned char *message, unsigned long *length,

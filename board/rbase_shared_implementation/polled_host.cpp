@@ -20,8 +20,9 @@ constexpr unsigned char longestMessage = sizeof CCTalkConfig().message1;
 constexpr unsigned long slotHeader = 13;
 constexpr double longestHostTimeout = 25.5;
 constexpr unsigned long messageHeader = 2;
-/// A board that goes on saying "more follows" without ever sending any would hold its caller for ever.
-constexpr unsigned int mostEmptyParts = 256;
+/// Parts in a row without a byte, about half a minute of a real board: one that goes on saying "more follows" without
+/// ever sending any would hold its caller for ever.
+constexpr unsigned int mostEmptyParts = 32768;
 
 struct Framing {
     unsigned char framing;
@@ -121,7 +122,7 @@ int RBaseImplementation::ReceivePolledParts(_usbSerialPort port, unsigned char s
         const bool more = response.u8(1) != 0;
         if (!more)
             break;
-        if (emptyParts > mostEmptyParts)
+        if (emptyParts == mostEmptyParts)
             return Fail(usbErrorTransfer);
     }
     return 1;

@@ -258,14 +258,12 @@ TEST_P(CapacityScenario, ABoardThatPromisesMoreForEverIsGivenUp)
     unsigned int status = guard;
     board.answerNext({5, 1, 0x41, 0x42});
     board.faults().add(sim::Fault::answer({5, 1}).forever());
+    const std::uint64_t before = board.exchangeCount();
     EXPECT_EQ(errorOf(usb, usb.ReceivePolledMessage(usbSerialPort0, 0, buffer.data(), &length, &status)),
               usbErrorTransfer);
+    EXPECT_EQ(board.exchangeCount() - before, 1 + 32768U) << "a slow device is waited for";
     EXPECT_EQ(length, 2U) << "what came before stays";
     EXPECT_EQ(status, 5U);
-    EXPECT_EQ(errorOf(usb, usb.ReceivePolledMessage(usbSerialPort0, 0, buffer.data(), &length, &status, 1000)),
-              usbErrorTransfer);
-    EXPECT_EQ(length, 0U);
-    EXPECT_LT(board.exchanges().size(), 1000U);
     EXPECT_TRUE(buffer.holdsOnly({0x41, 0x42}));
 
     board.faults().clear();
