@@ -988,13 +988,14 @@ public:
     ///   all the same, so no later opening mends it: call again. `eeprom` is only read.
     int ConfigureEEPROM(R20EEPROM *eeprom);
 
-    /// The same for a constant record.
+    /// The same for a constant record. A template, so that a null literal finds the form above.
     /// - Sent: request 3 on pipe 2, 5 bytes: `pageSize`, `addressBytes`, high and low byte of `maxAddress`,
     ///   `busAddress`.
     /// - Arguments: `eeprom` as above.
     /// - Errors: 30 `eeprom` null; the exchange's own.
     /// - On failure: as above.
-    int ConfigureEEPROM(const R20EEPROM *eeprom);
+    template <class Record>
+    int ConfigureEEPROM(const Record *eeprom);
 
     /// Finds out which EEPROM type is fitted, by the address at which its first 100 bytes appear again. **Follow it
     /// with `ConfigureEEPROM`**: it leaves the board, and the record of this device number, configured for `E24LC256`
@@ -1287,6 +1288,13 @@ private:
     // Shared with the copies, counted; null without a board.
     RBaseImplementation *implementation;
 };
+
+template <class Record>
+int SorvaneUSB::ConfigureEEPROM(const Record *eeprom)
+{
+    const R20EEPROM *record = eeprom;
+    return ConfigureEEPROM(const_cast<R20EEPROM *>(record));  // which only reads it
+}
 
 /// Tells the model behind a device number without opening it, from `/sys/class/Vexa/Vexa_<n>/device/product`.
 /// - Sent: nothing.

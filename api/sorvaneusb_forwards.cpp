@@ -464,14 +464,6 @@ int SorvaneUSB::ConfigureEEPROM(R20EEPROM *eeprom)
     return implementation ? implementation->ConfigureEEPROM(eeprom) : 0;
 }
 
-int SorvaneUSB::ConfigureEEPROM(const R20EEPROM *eeprom)
-{
-    if (!eeprom)
-        return ConfigureEEPROM(static_cast<R20EEPROM *>(nullptr));
-    R20EEPROM copy = *eeprom;
-    return ConfigureEEPROM(&copy);
-}
-
 int SorvaneUSB::CheckEEPROM(R20EEPROM *eeprom)
 {
     return implementation ? implementation->CheckEEPROM(eeprom) : 0;

@@ -43,6 +43,7 @@ class Operation:
 def operations(header):
     """Every public declaration with parentheses, with the /// lines that stand directly above it."""
     comment, declaration, public = [], "", True
+    header = re.sub(r"^template .*\n.*\n\{\n(?:.*\n)*?\}", lambda body: "\n" * body[0].count("\n"), header, flags=re.M)
     for number, line in enumerate(header.splitlines(), 1):
         code = line.strip()
         if code in ("public:", "private:", "};"):

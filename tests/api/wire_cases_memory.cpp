@@ -88,10 +88,12 @@ WireCases memoryCases()
 {
     WireCases cases = recorderCases();
     const WireCases others = {
-        call<const R20EEPROM *>("ConfigureEEPROM sends the highest address high byte first", "3/2 40 02 7F FF 51",
-                                &U::ConfigureEEPROM, &E24LC256),
-        call<R20EEPROM *>("ConfigureEEPROM(null)", "error 30", &U::ConfigureEEPROM, nullptr),
-        call<const R20EEPROM *>("ConfigureEEPROM(null constant)", "error 30", &U::ConfigureEEPROM, nullptr),
+        row("ConfigureEEPROM sends the highest address high byte first", "3/2 40 02 7F FF 51",
+            [](U &usb) { return usb.ConfigureEEPROM(&E24LC256); }),
+        row("ConfigureEEPROM(null)", "error 30", [](U &usb) { return usb.ConfigureEEPROM(nullptr); }),
+        row("ConfigureEEPROM(NULL)", "error 30", [](U &usb) { return usb.ConfigureEEPROM(NULL); }),
+        row("ConfigureEEPROM(null constant)", "error 30",
+            [](U &usb) { return usb.ConfigureEEPROM(static_cast<const R20EEPROM *>(nullptr)); }),
         call("CheckEEPROM(null)", "error 30", &U::CheckEEPROM, nullptr),
         call("EnableSPI", "94/7", &U::EnableSPI),
         call("DisableSPI", "95/7", &U::DisableSPI),

@@ -339,7 +339,6 @@ const std::vector<Operation> operations = {
     inForm<sec, false>,
     inForm<sec, true>,
     call(form<R20EEPROM *>(&U::ConfigureEEPROM)),
-    call(form<const R20EEPROM *>(&U::ConfigureEEPROM)),
     call(&U::CheckEEPROM),
     transfer(&U::ReadEEPROM),
     transfer(&U::WriteEEPROM),

@@ -43,6 +43,44 @@ int main(int arguments, char **)
 }
 PROGRAM
 
+# Null literals find the form that the board's interface lists, in every form that was added beside one.
+cat >"$work/nulls.cpp" <<'PROGRAM'
+#include <cstddef>
+#include <sorvaneusb.h>
+int main()
+{
+    SorvaneUSB b;
+    const _usbSerialPort port = usbSerialPort0;
+    int done = b.ConfigureEEPROM(&E24LC256) + b.ConfigureEEPROM(nullptr) + b.ConfigureEEPROM(NULL);
+    done += b.ConfigureEEPROM(0);
+#define FOR_EACH(NOTHING, NUMBER) \
+    done += b.Get8051Version(NOTHING) + b.Get8051Version(NOTHING, NUMBER) + b.GetPICVersion(NOTHING) + \
+        b.GetPICVersion(NOTHING, NUMBER) + b.GetPICSerialNumber(NOTHING) + b.GetPICSerialNumber(NOTHING, NUMBER) + \
+        b.GetDallasSerialNumber(NOTHING, NOTHING) + b.GetDallasSerialNumber(NOTHING, NOTHING, NUMBER) + \
+        b.ReadDiagnosticData(NOTHING, NUMBER, NOTHING, NOTHING) + \
+        b.ReadDiagnosticData(NOTHING, NUMBER, NOTHING, NOTHING, NUMBER) + b.Receive(port, NOTHING, NOTHING) + \
+        b.Receive(port, NOTHING, NOTHING, NUMBER) + b.Receive9BitData(port, NOTHING, NOTHING) + \
+        b.Receive9BitData(port, NOTHING, NOTHING, NUMBER) + \
+        b.ReceivePolledMessage(port, NUMBER, NOTHING, NOTHING, NOTHING) + \
+        b.ReceivePolledMessage(port, NUMBER, NOTHING, NOTHING, NOTHING, NUMBER) + \
+        b.SendSPI(NUMBER, NOTHING, NUMBER, NUMBER, NOTHING) + \
+        b.SendSPI(NUMBER, NOTHING, NUMBER, NUMBER, NOTHING, NUMBER) + \
+        b.SendSEC(NUMBER, NUMBER, NUMBER, NOTHING, NUMBER, NUMBER, NOTHING) + \
+        b.SendSEC(NUMBER, NUMBER, NUMBER, NOTHING, NUMBER, NUMBER, NOTHING, NUMBER)
+    FOR_EACH(nullptr, 0);
+    FOR_EACH(NULL, 0);
+    FOR_EACH(0, 0);
+    b = SorvaneUSB();
+    return done;
+}
+PROGRAM
+for standard in c++11 c++20; do
+    # shellcheck disable=SC2086 # the flags are several words
+    "$compiler" $flags -std=$standard -Wall -Wextra -pedantic -Werror "$work/nulls.cpp" -o "$work/nulls" \
+        -I"$prefix/include" "$prefix/lib/libsorvaneusb.a" || fail "null literals do not compile as $standard"
+    "$work/nulls" || fail "an operation without a board did not fail"
+done
+
 # shellcheck disable=SC2086 # the flags are several words
 build_with() {
     local name=$1
