@@ -5,7 +5,8 @@
 
 /// Which mutex: the set's name and the number in it. It lies in shared memory, so its layout is fixed.
 struct MutexID {
-    constexpr MutexID(const char *setName, int number, int count) : count(count), number(number)
+    MutexID() = default;
+    constexpr MutexID(const char *setName, int number, int count) : name(), padding(), count(count), number(number)
     {
         for (int k = 0; k < nameBytes - 1 && setName[k]; ++k)
             name[k] = setName[k];
@@ -15,8 +16,8 @@ struct MutexID {
     bool sameSet(const MutexID &other) const;
 
     static constexpr int nameBytes = 50;
-    char name[nameBytes] = {};
-    char padding[2] = {};
+    char name[nameBytes];
+    char padding[2];
     int count;   // mutexes in the set; used only when the set is made
     int number;  // index in the set, from 0
 };

@@ -7,11 +7,13 @@
 
 #include <cstddef>
 #include <new>
+#include <type_traits>
 
 #include "shared/mutex.h"
 
 struct SharedMemoryObjectID {
-    constexpr SharedMemoryObjectID(const char *objectName, int id) : id(id)
+    SharedMemoryObjectID() = default;
+    constexpr SharedMemoryObjectID(const char *objectName, int id) : name(), padding(), id(id)
     {
         for (int k = 0; k < nameBytes - 1 && objectName[k]; ++k)
             name[k] = objectName[k];
@@ -20,8 +22,8 @@ struct SharedMemoryObjectID {
     bool operator==(const SharedMemoryObjectID &other) const;
 
     static constexpr int nameBytes = 50;
-    char name[nameBytes] = {};
-    char padding[2] = {};
+    char name[nameBytes];
+    char padding[2];
     int id;
 };
 static_assert(sizeof(SharedMemoryObjectID) == 56);
@@ -40,13 +42,11 @@ struct SharedMemoryArenaHeader;
 
 /// Stands at the start of every run of blocks; the object's data begin behind it.
 struct SharedMemoryBlockHeader {
-    /// Never constructed: a run is laid out by the arena and lives in it.
-    SharedMemoryBlockHeader() = delete;
-
     /// Makes an allocated run an object. The first byte of the name is stored last: until then the run has none.
     void Name(const SharedMemoryObjectID &id);
 
-    /// Room for size bytes, header included, in an arena, as AllocateBlock gives it.
+    /// A run of the arena for this header and what a derived class puts behind it, as AllocateBlock gives it; null when
+    /// none is long enough. The construction that follows leaves it as the arena laid it out.
     static void *operator new(std::size_t size, SharedMemoryArenaHeader *arena) noexcept;
 
     void *data() { return this + 1; }
@@ -56,7 +56,7 @@ struct SharedMemoryBlockHeader {
     unsigned int useCount;    // 0: the run is free
     unsigned int blockCount;  // length of the run, the header's block included
 };
-static_assert(sizeof(SharedMemoryBlockHeader) == 124);
+static_assert(sizeof(SharedMemoryBlockHeader) == 124 && std::is_trivial_v<SharedMemoryBlockHeader>);
 
 /// Stands at the start of the segment; the blocks follow it.
 struct SharedMemoryArenaHeader {

@@ -52,18 +52,39 @@ Table &tableOf(const SharedMemoryObject &handle, Table &privateTable)
     return handle.object ? *static_cast<Table *>(handle.object->data()) : privateTable;
 }
 
+/// An object as it lies in the arena.
+template <class Table>
+struct Shared : SharedMemoryBlockHeader {
+    Table table;
+};
+static_assert(sizeof(Shared<OutputPatterns>) == 204 && sizeof(Shared<EEPROMTable>) == 252);
+static_assert(sizeof(Shared<ReceiveBuffers>) == 4284);
+
+template <class Table>
+SharedMemoryBlockHeader *allocate(SharedMemoryArenaHeader *arena)
+{
+    return new (arena) Shared<Table>;
+}
+
 struct ObjectPlan {
     SharedMemoryObject *handle;
     SharedMemoryObjectID id;
     int mutexNumber;
-    std::size_t tableBytes;
+    unsigned int bytes;  // header and table
+    SharedMemoryBlockHeader *(*allocate)(SharedMemoryArenaHeader *arena);
 };
 
+template <class Table>
+constexpr ObjectPlan planOf(SharedMemoryObject &handle, const char *name, int mutexNumber)
+{
+    return {&handle, {name, 0}, mutexNumber, sizeof(Shared<Table>), allocate<Table>};
+}
+
 constexpr ObjectPlan plans[] = {
-    {&SharedOutOnCopy, {"OutOnCopies", 0}, 1, sizeof(OutputPatterns)},
-    {&SharedOutOffCopy, {"OutOffCopies", 0}, 2, sizeof(OutputPatterns)},
-    {&SharedcurrentEEPROM, {"R20EEPROMS", 0}, 3, sizeof(EEPROMTable)},
-    {&SharedserialRxBuffer, {"R20BUFFERS", 0}, 4, sizeof(ReceiveBuffers)},
+    planOf<OutputPatterns>(SharedOutOnCopy, "OutOnCopies", 1),
+    planOf<OutputPatterns>(SharedOutOffCopy, "OutOffCopies", 2),
+    planOf<EEPROMTable>(SharedcurrentEEPROM, "R20EEPROMS", 3),
+    planOf<ReceiveBuffers>(SharedserialRxBuffer, "R20BUFFERS", 4),
 };
 
 /// Whether a run that was found has room for the table, whatever its header says by now.
@@ -77,20 +98,19 @@ bool holds(SharedMemoryArenaHeader *arena, const SharedMemoryBlockHeader *run, u
 /// Hold the arena's mutex. A run that carries the name but is too short for the table is not used.
 SharedMemoryBlockHeader *findOrAllocate(SharedMemoryArenaHeader *arena, const ObjectPlan &plan)
 {
-    const unsigned int bytes = static_cast<unsigned int>(sizeof(SharedMemoryBlockHeader) + plan.tableBytes);
     if (!arena)
         return nullptr;
     if (SharedMemoryBlockHeader *found = SharedMemoryLocalListElement::FindSharedMemoryObject(arena, plan.id)) {
-        if (!holds(arena, found, bytes))
+        if (!holds(arena, found, plan.bytes))
             return nullptr;
         ++found->useCount;
         return found;
     }
-    SharedMemoryBlockHeader *made = arena->AllocateBlock(bytes);
+    SharedMemoryBlockHeader *made = plan.allocate(arena);
     if (!made)
         return nullptr;
     // A run that was used before holds what its last use left; no object starts with that.
-    std::memset(made->data(), 0, plan.tableBytes);
+    std::memset(made->data(), 0, plan.bytes - sizeof *made);
     made->Name(plan.id);
     return made;
 }

@@ -51,6 +51,7 @@ TEST(Arena, GivesTheFirstRunThatIsLongEnoughAndSplitsIt)
     for (unsigned int tooMuch : {rest + 1, 0xFFFFFFFFu, 0u})
         EXPECT_EQ(arena.header->AllocateBlock(tooMuch), nullptr) << tooMuch;
     EXPECT_TRUE(arena.header->AllocateBlock(rest));
+    EXPECT_EQ(new (arena.header) SharedMemoryBlockHeader, nullptr);
     EXPECT_EQ(examineArena(arena.header, arena.id, 65536), ArenaState::whole);
 }
 
