@@ -111,6 +111,10 @@
 
 #include "sorvaneusb_types.h"
 
+/// The version of this header as one number, major * 10000 + minor * 100 + patch, and as text.
+#define SORVANEUSB_VERSION 130000
+#define SORVANEUSB_VERSION_TEXT "13.0.0"
+
 #define SORVANE_API __attribute__((visibility("default")))
 
 class RBaseImplementation;
@@ -1265,7 +1269,7 @@ public:
 
     /// \}
     /// \name Versions of the library
-    /// No board is needed.
+    /// No board is needed. SORVANEUSB_VERSION, above, is the version that a program was compiled with.
     /// \{
 
     /// Tells the version of the product.
