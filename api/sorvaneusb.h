@@ -3,7 +3,7 @@
 ///
 /// \code
 /// SorvaneUSB board;
-/// if (!board.init(0)) {  // the first board that opens; code 0 says that there is none
+/// if (!board.init(0)) {  // the first board that opens
 ///     std::puts(usbErrorText(board.GetLastError()));
 ///     return 1;
 /// }
@@ -66,7 +66,9 @@
 /// assigning and closing included), and of what the process has once for all boards: the error store, which every
 /// failure writes, on an R20s or R35 every success too, and the counter of `Receive`. One lock of your own around every
 /// operation and the `GetLastError` behind it does. Call nothing from a signal handler: one that interrupts a locked
-/// operation would wait for itself for ever. Boards may be static objects: the library is ready before they are made.
+/// operation would wait for itself for ever. So would a program that the handler execs: exec keeps a held lock, which
+/// the system gives back only when the process ends. Boards may be static objects: the library is ready before they are
+/// made.
 ///
 /// ### Processes
 /// Several processes, 32- and 64-bit, may drive the same boards. Three things are shared by all of them, per device
@@ -81,10 +83,10 @@
 /// else is unlocked: transfers of several exchanges (SRAM, serial data) interleave with those of other processes, and
 /// two readers of one serial port or switch log take each other's data. The shared state is SysV shared memory and
 /// semaphores under the key files /tmp/R20SharedMemory and /tmp/Sem_R20Mutex. A process that is killed, or ends by
-/// `_exit`, `abort` or `exec`, leaves its registration, and so the semaphores stay in the system, where the next
-/// process uses them. Who deletes these files or removes the objects splits the processes into strangers. Where the
-/// memory cannot be had, or is damaged, one process still drives its boards fully, on tables of its own and without
-/// locks.
+/// `_exit`, `quick_exit`, `abort` or `exec`, leaves its registration, and so the semaphores stay in the system, where
+/// the next process uses them; if nobody else was attached, the memory stays as well, with its patterns, marks and
+/// batches. Who deletes these files or removes the objects splits the processes into strangers. Where the memory cannot
+/// be had, or is damaged, one process still drives its boards fully, on tables of its own and without locks.
 ///
 /// A child made by fork that did not load the library itself may drive the boards while its parent lives; to outlive
 /// it, it must exec. Open nodes are closed by exec.
@@ -95,12 +97,13 @@
 /// - After a failed request that moves coins or reels, read status and counters before asking again.
 /// - A board that was replugged or power-cycled has lost its settings. `close` it and its copies and open it again:
 ///   that loads its firmware, but does **not** configure its EEPROM while any process (this one too) keeps the shared
-///   memory. Call `CheckEEPROM`, then `ConfigureEEPROM`. Configure inputs, reels and ports again as well, and switch
-///   the outputs: the kept flash patterns still hold what was asked before.
+///   memory, or one that was killed left it behind. Call `CheckEEPROM`, then `ConfigureEEPROM`. Configure inputs, reels
+///   and ports again as well, and switch the outputs: the kept flash patterns still hold what was asked before.
 /// - An opening killed between the EEPROM's detection and its configuration leaves a wrong upper bound marked as
 ///   configured, so that no later opening mends it; the same two calls do.
 /// - A process stopped (SIGSTOP, a debugger) inside a locked operation, or a board that hangs in its driver during one,
-///   holds up the same operations of all others, for all boards. A killed process gives its locks back.
+///   holds up the same operations of all others, for all boards. One that is stopped while it loads or unloads the
+///   library may hold up every program that starts or ends. A killed process gives its locks back.
 /// - One that is stopped, or hangs, while it makes a board ready holds up all others that open the same board, without
 ///   a limit; `init` and `InitUSBBoard`, which search from device 0, wait there too. A child forked meanwhile (by
 ///   another thread) holds this lock, too: if its parent is killed, until it ends or execs. Never `flock` a node
@@ -153,10 +156,11 @@ public:
     /// - Sent: as `InitPort`, for each board that is there.
     /// - Arguments: `unused` is not looked at.
     /// - Result: that of the last `InitPort`: 1 with a board open and ready, 0 if none is.
-    /// - Errors: those of `InitPort` for device 15 alone, since the code is cleared before each attempt: to learn why a
-    ///   certain board does not open, use `InitPort`; the exchange's own.
-    /// - On failure: a board whose preparation failed may still be open: `close` it. A board that was open before stays
-    ///   open if no other was found.
+    /// - Errors: those of `InitPort` for device 15 alone, since the code is cleared before each attempt: after a result
+    ///   of 0 with code 0 there may be a board, and it may be open. To learn why a certain board does not open, use
+    ///   `InitPort`; the exchange's own.
+    /// - On failure: the last board whose preparation failed is still open: `close` it. A board that was open before
+    ///   stays open if no other was found.
     int init(int unused);
 
     /// Opens the board that shows a board number on its inputs 24 to 26: opens devices 0 to 7 in turn, reads the inputs
@@ -721,7 +725,8 @@ public:
     /// processes and handed out item by item. Locked across processes.
     ///
     /// There is one batch a device, for both ports and for the 9-bit form too: while it holds items, a call is answered
-    /// from it whatever `port` and form it names. Use one port and one form at a time.
+    /// from it whatever `port` and form it names. Use one port and one form at a time. Neither a replug nor a reopening
+    /// nor `SetConfig` empties it: the first items after one may be old, also another program's.
     /// - Sent: request 102 on pipe 3 or 4, no payload, if the kept batch is used up; otherwise nothing.
     /// - Arguments: `port` 0 or 1, looked at only when something is sent.
     /// - Result: `received` 1: `data` (1 byte) and `timestamp` (1 byte, its unit is the firmware's) hold an item; of a
@@ -864,8 +869,7 @@ public:
     /// Sets the host timeout of a slot.
     /// - Sent: request 121 on pipe 3 or 4, 2 bytes: `slot`, the time in tenths of a second, rounded down (0 to 255).
     /// - Arguments: `port` 0 or 1; `slot` 0 to 3; `seconds` 0 to 25.5. The exact product is cut, and 0.3 is a little
-    ///   less than three tenths: it is sent as 2. Add half a tenth (0.35 is sent as 3), but
-    ///   not to 25.5.
+    ///   less than three tenths: it is sent as 2. Add half a tenth (0.35 is sent as 3), but not to 25.5.
     /// - Errors: 8 `seconds` below 0, above 25.5 or not a number, or `slot` above 3; 8 `port` above 1; the exchange's
     ///   own.
     int SetPolledHostTimeout(_usbSerialPort port, unsigned char slot, double seconds);
@@ -1262,7 +1266,8 @@ public:
     /// - Errors: 3 `pipe` above 7, not on an R20, with the line "pipeNum = " and the number on the standard error
     ///   stream; 30 `inLength` null; 7 `outLength` above 511, on an R20; the exchange's own.
     /// - On failure: with 3, 30 or 7 before sending, and on an R20 always, `inData` and `inLength` are untouched. On an
-    ///   R20s or R35 `inLength` is 0 after 6, and both hold what the driver wrote after any other status.
+    ///   R20s or R35 `inLength` is 0 after a failed driver call, code 6; after a status, which may be 6 too, both hold
+    ///   what the driver wrote.
     /// - Models: as said.
     int PerformUSBIO(unsigned char request, int pipe, unsigned char *outData, unsigned long outLength,
                      unsigned char *inData, unsigned long *inLength);
@@ -1313,9 +1318,11 @@ SORVANE_API int GetBoardType(int deviceNo);
 ///   No code is stored.
 SORVANE_API int LocalGetBoardSpeed(int deviceNo);
 
-/// Says in a sentence what a code means and what to try.
+/// Says in a sentence what a code means and what to try; for code 0, what to try after an opening that failed without
+/// one.
 /// - Sent: nothing.
-/// - Arguments: `code` as `GetLastError` returns it; any other number is described as a status of board or driver.
+/// - Arguments: `code` as `GetLastError` returns it; any other number is described as a status of board or driver. A
+///   board may send a status that equals a code of the library: the sentence of such a code says so.
 /// - Result: a static text, never null, not to be freed.
 SORVANE_API const char *usbErrorText(int code);
 

@@ -31,8 +31,9 @@ const unsigned long usbLargestAnswer = 256;
 /// The same for an R20, whose answers travel in one 64-byte packet.
 const unsigned long usbLargestAnswerR20 = 62;
 
-/// Inputs 0 to 32. Input n is bit n % 8 of byte n / 8 of the input bytes. Counters, hopper states and the recorder take
-/// 0 to 23 only.
+/// Inputs 0 to 32. Input n is bit n % 8 of byte n / 8 of the input bytes. Beginning and ending a pulsed-input check,
+/// resetting, decrementing and reading a counter, reading the state of a pulsed input or of a hopper, and the recorder
+/// take 0 to 23 only.
 enum _usbInputBitId : unsigned int {
     usbInput0,
     usbInput1,
