@@ -1,6 +1,6 @@
 #include "sim/board/diagnostics.h"
 
-#include "sim/board/model.h"
+#include "sim/core/model.h"
 
 #include <algorithm>
 

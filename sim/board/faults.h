@@ -4,8 +4,8 @@
 #ifndef SORVANE_SIM_BOARD_FAULTS_H
 #define SORVANE_SIM_BOARD_FAULTS_H
 
-#include "sim/board/bytes.h"
-#include "sim/board/clock.h"
+#include "sim/core/bytes.h"
+#include "sim/core/clock.h"
 
 #include <deque>
 #include <optional>

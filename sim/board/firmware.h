@@ -3,8 +3,8 @@
 #ifndef SORVANE_SIM_BOARD_FIRMWARE_H
 #define SORVANE_SIM_BOARD_FIRMWARE_H
 
-#include "sim/board/model.h"
 #include "sim/board/part.h"
+#include "sim/core/model.h"
 
 namespace sim
 {

@@ -5,8 +5,8 @@
 #ifndef SORVANE_SIM_BOARD_IDENTITY_H
 #define SORVANE_SIM_BOARD_IDENTITY_H
 
-#include "sim/board/model.h"
 #include "sim/board/part.h"
+#include "sim/core/model.h"
 
 #include <array>
 #include <string>

@@ -7,8 +7,8 @@
 #define SORVANE_SIM_BOARD_INPUTS_H
 
 #include "sim/board/part.h"
-#include "sim/board/pattern.h"
-#include "sim/board/timeline.h"
+#include "sim/core/pattern.h"
+#include "sim/core/timeline.h"
 
 namespace sim
 {

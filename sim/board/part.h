@@ -4,7 +4,7 @@
 
 #include "board/requests.h"
 #include "sim/board/board_status.h"
-#include "sim/board/bytes.h"
+#include "sim/core/bytes.h"
 
 #include <functional>
 #include <optional>

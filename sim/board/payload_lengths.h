@@ -3,7 +3,7 @@
 #define SORVANE_SIM_BOARD_PAYLOAD_LENGTHS_H
 
 #include "board/requests.h"
-#include "sim/board/model.h"
+#include "sim/core/model.h"
 
 namespace sim
 {

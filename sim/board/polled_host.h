@@ -10,7 +10,7 @@
 #define SORVANE_SIM_BOARD_POLLED_HOST_H
 
 #include "sim/board/part.h"
-#include "sim/board/timeline.h"
+#include "sim/core/timeline.h"
 
 #include <array>
 #include <deque>

@@ -4,7 +4,7 @@
 #define SORVANE_SIM_BOARD_REAL_TIME_CLOCK_H
 
 #include "sim/board/battery.h"
-#include "sim/board/timeline.h"
+#include "sim/core/timeline.h"
 
 namespace sim
 {

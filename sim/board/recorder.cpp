@@ -9,7 +9,7 @@ namespace
 {
 
 constexpr unsigned char emptyEntry = 255;
-constexpr Nanoseconds periodUnit = std::chrono::microseconds(100);
+constexpr Nanoseconds samplePeriodUnit = std::chrono::microseconds(100);
 
 }  // namespace
 
@@ -68,7 +68,7 @@ std::optional<Reply> Recorder::answer(Request request, Payload payload)
     case Request::ConfigureRecordingInputs:
         return configure(payload);
     case Request::StartRecordingInputs:
-        return u16be(payload, 0) == 0 ? refuse(statusWrongValue) : start(u16be(payload, 0) * periodUnit);
+        return u16be(payload, 0) == 0 ? refuse(statusWrongValue) : start(u16be(payload, 0) * samplePeriodUnit);
     case Request::GetRecordingStatus: {
         const unsigned int left = length_ - taken_;
         return tell(

@@ -12,7 +12,7 @@
 #define SORVANE_SIM_BOARD_REELS_H
 
 #include "sim/board/part.h"
-#include "sim/board/timeline.h"
+#include "sim/core/timeline.h"
 #include "sim/peripherals/reel.h"
 
 #include <array>

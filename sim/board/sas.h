@@ -8,7 +8,7 @@
 #define SORVANE_SIM_BOARD_SAS_H
 
 #include "sim/board/part.h"
-#include "sim/board/timeline.h"
+#include "sim/core/timeline.h"
 
 namespace sim
 {

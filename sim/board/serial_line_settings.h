@@ -2,8 +2,8 @@
 #ifndef SORVANE_SIM_BOARD_SERIAL_LINE_SETTINGS_H
 #define SORVANE_SIM_BOARD_SERIAL_LINE_SETTINGS_H
 
-#include "sim/board/bytes.h"
-#include "sim/board/clock.h"
+#include "sim/core/bytes.h"
+#include "sim/core/clock.h"
 
 #include <optional>
 

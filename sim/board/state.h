@@ -2,9 +2,9 @@
 #ifndef SORVANE_SIM_BOARD_STATE_H
 #define SORVANE_SIM_BOARD_STATE_H
 
-#include "sim/board/bytes.h"
-#include "sim/board/model.h"
-#include "sim/board/pattern.h"
+#include "sim/core/bytes.h"
+#include "sim/core/model.h"
+#include "sim/core/pattern.h"
 
 #include <string>
 

@@ -2,8 +2,8 @@
 #ifndef SORVANE_SIM_COMMAND_WORDS_H
 #define SORVANE_SIM_COMMAND_WORDS_H
 
-#include "sim/board/bytes.h"
-#include "sim/board/clock.h"
+#include "sim/core/bytes.h"
+#include "sim/core/clock.h"
 
 #include <stdexcept>
 #include <string>

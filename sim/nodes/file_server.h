@@ -10,7 +10,7 @@
 
 #define FUSE_USE_VERSION 35
 
-#include "sim/board/clock.h"
+#include "sim/core/clock.h"
 #include "sim/nodes/owned_fd.h"
 
 #include <deque>

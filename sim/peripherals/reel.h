@@ -2,8 +2,8 @@
 #ifndef SORVANE_SIM_PERIPHERALS_REEL_H
 #define SORVANE_SIM_PERIPHERALS_REEL_H
 
-#include "sim/board/bytes.h"
-#include "sim/board/clock.h"
+#include "sim/core/bytes.h"
+#include "sim/core/clock.h"
 
 namespace sim
 {

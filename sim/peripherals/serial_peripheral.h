@@ -2,8 +2,8 @@
 #ifndef SORVANE_SIM_PERIPHERALS_SERIAL_PERIPHERAL_H
 #define SORVANE_SIM_PERIPHERALS_SERIAL_PERIPHERAL_H
 
-#include "sim/board/bytes.h"
-#include "sim/board/timeline.h"
+#include "sim/core/bytes.h"
+#include "sim/core/timeline.h"
 
 #include <memory>
 #include <string>

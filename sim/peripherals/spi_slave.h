@@ -3,7 +3,7 @@
 #ifndef SORVANE_SIM_PERIPHERALS_SPI_SLAVE_H
 #define SORVANE_SIM_PERIPHERALS_SPI_SLAVE_H
 
-#include "sim/board/bytes.h"
+#include "sim/core/bytes.h"
 
 #include <deque>
 

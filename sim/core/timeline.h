@@ -1,9 +1,9 @@
 // What is going to happen on a board, in order. A part schedules an action; settle() carries out everything that has
 // become due, each at its own time, so that it does not matter how seldom somebody looks.
-#ifndef SORVANE_SIM_BOARD_TIMELINE_H
-#define SORVANE_SIM_BOARD_TIMELINE_H
+#ifndef SORVANE_SIM_CORE_TIMELINE_H
+#define SORVANE_SIM_CORE_TIMELINE_H
 
-#include "sim/board/clock.h"
+#include "sim/core/clock.h"
 
 #include <functional>
 #include <map>

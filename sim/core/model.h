@@ -1,6 +1,6 @@
 // What distinguishes the three board models.
-#ifndef SORVANE_SIM_BOARD_MODEL_H
-#define SORVANE_SIM_BOARD_MODEL_H
+#ifndef SORVANE_SIM_CORE_MODEL_H
+#define SORVANE_SIM_CORE_MODEL_H
 
 #include <cstddef>
 

@@ -1,4 +1,4 @@
-#include "sim/board/timeline.h"
+#include "sim/core/timeline.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,6 +1,6 @@
 // A set of outputs or inputs: number n is bit n % 8 of byte n / 8.
-#ifndef SORVANE_SIM_BOARD_PATTERN_H
-#define SORVANE_SIM_BOARD_PATTERN_H
+#ifndef SORVANE_SIM_CORE_PATTERN_H
+#define SORVANE_SIM_CORE_PATTERN_H
 
 #include <array>
 #include <cstddef>

@@ -1,7 +1,7 @@
 // The time in which a virtual board lives. Nothing in a board sleeps: what has happened in the meantime is worked out
 // from now() whenever somebody looks or an exchange arrives.
-#ifndef SORVANE_SIM_BOARD_CLOCK_H
-#define SORVANE_SIM_BOARD_CLOCK_H
+#ifndef SORVANE_SIM_CORE_CLOCK_H
+#define SORVANE_SIM_CORE_CLOCK_H
 
 #include <atomic>
 #include <chrono>

@@ -1,6 +1,6 @@
 // Bytes as they travel between a caller and the board.
-#ifndef SORVANE_SIM_BOARD_BYTES_H
-#define SORVANE_SIM_BOARD_BYTES_H
+#ifndef SORVANE_SIM_CORE_BYTES_H
+#define SORVANE_SIM_CORE_BYTES_H
 
 #include <algorithm>
 #include <cstddef>
