@@ -14,8 +14,12 @@ Hoppers::Hoppers(Timeline &timeline, Inputs &inputs, Outputs &outputs)
 
 Hopper &Hoppers::at(unsigned int input)
 {
-    const auto [found, hungNow] = hoppers_.try_emplace(input, timeline_, inputs_, outputs_, input);
-    if (const auto release = releases_.find(input); hungNow && release != releases_.end())
+    const auto [found, isNew] =
+        hoppers_.try_emplace(input, timeline_,
+                             HopperWiring{[this](unsigned int output) { return outputs_.lit(output); },
+                                          [this](unsigned int output) { return outputs_.litOrFlashing(output); },
+                                          [this, input] { inputs_.pulse(input); }});
+    if (const auto release = releases_.find(input); isNew && release != releases_.end())
         found->second.releasedBy(release->second.output);
     return found->second;
 }
@@ -54,7 +58,7 @@ void Hoppers::outputsChanged(const Pattern &switchedOff)
             end(input, hopperStopped);
     }
     for (auto &[input, hopper] : hoppers_)
-        hopper.look();
+        hopper.update();
 }
 
 bool Hoppers::drives(unsigned int output) const

@@ -13,7 +13,6 @@
 namespace sim
 {
 
-constexpr unsigned int inputCount = 33;
 constexpr unsigned int firstBoardNumberInput = 24;
 
 /// How long a pulse of a coin mechanism or a sensor is on, and the shortest pause behind it.

@@ -13,7 +13,6 @@
 namespace sim
 {
 
-constexpr unsigned int outputCount = 38;
 constexpr Nanoseconds flashPeriod = std::chrono::milliseconds(500);
 constexpr unsigned char fullBrightness = 10;
 

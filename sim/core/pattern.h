@@ -1,4 +1,4 @@
-// A set of outputs or inputs: number n is bit n % 8 of byte n / 8.
+// Inputs and outputs by number, and sets of them: number n is bit n % 8 of byte n / 8.
 #ifndef SORVANE_SIM_CORE_PATTERN_H
 #define SORVANE_SIM_CORE_PATTERN_H
 
@@ -7,6 +7,9 @@
 
 namespace sim
 {
+
+constexpr unsigned int inputCount = 33;
+constexpr unsigned int outputCount = 38;
 
 using Pattern = std::array<unsigned char, 5>;
 

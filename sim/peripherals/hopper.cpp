@@ -1,5 +1,7 @@
 #include "sim/peripherals/hopper.h"
 
+#include "sim/core/pattern.h"
+
 #include <stdexcept>
 
 namespace sim
@@ -12,15 +14,10 @@ constexpr Nanoseconds perCoin = std::chrono::milliseconds(200);
 
 }  // namespace
 
-Hopper::Hopper(Timeline &timeline, Inputs &inputs, const Outputs &outputs, unsigned int sensorInput)
-    : timeline_(timeline), inputs_(inputs), outputs_(outputs), sensorInput_(sensorInput)
-{
-}
-
 Hopper &Hopper::stock(unsigned int coins)
 {
     stock_ = coins;
-    look();
+    update();
     return *this;
 }
 
@@ -33,7 +30,7 @@ unsigned int Hopper::stock() const
 Hopper &Hopper::jam(bool jammed)
 {
     jammed_ = jammed;
-    look();
+    update();
     return *this;
 }
 
@@ -42,23 +39,23 @@ Hopper &Hopper::motor(unsigned int output)
     if (output >= outputCount)
         throw std::out_of_range("hopper's motor");
     motor_ = output;
-    look();
+    update();
     return *this;
 }
 
 void Hopper::releasedBy(unsigned int output)
 {
     released_ = output;
-    look();
+    update();
 }
 
 // A motor that flashes is looked at whenever a coin is due.
 bool Hopper::drops() const
 {
-    return !jammed_ && stock_ > 0 && motor() && outputs_.litOrFlashing(*motor());
+    return !jammed_ && stock_ > 0 && motor() && wiring_.isOnOrFlashing(*motor());
 }
 
-void Hopper::look()
+void Hopper::update()
 {
     if (drops() == dropping_)
         return;
@@ -74,11 +71,11 @@ void Hopper::dropNext()
     timeline_.after(perCoin, this, [this] {
         // The next drop comes first: a coin that ends the release calls it off.
         dropNext();
-        if (!outputs_.lit(*motor()))
+        if (!wiring_.isOn(*motor()))
             return;
         --stock_;
-        look();
-        inputs_.pulse(sensorInput_);
+        update();
+        wiring_.coinPassed();
     });
 }
 

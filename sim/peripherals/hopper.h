@@ -3,16 +3,24 @@
 #ifndef SORVANE_SIM_PERIPHERALS_HOPPER_H
 #define SORVANE_SIM_PERIPHERALS_HOPPER_H
 
-#include "sim/board/inputs.h"
-#include "sim/board/outputs.h"
+#include "sim/core/timeline.h"
+
+#include <optional>
 
 namespace sim
 {
 
+/// How a hopper is connected to its board.
+struct HopperWiring {
+    std::function<bool(unsigned int output)> isOn;            ///< at this moment
+    std::function<bool(unsigned int output)> isOnOrFlashing;  ///< or goes on in the other flash period
+    std::function<void()> coinPassed;                         ///< a coin is at the sensor
+};
+
 class Hopper
 {
 public:
-    Hopper(Timeline &timeline, Inputs &inputs, const Outputs &outputs, unsigned int sensorInput);
+    Hopper(Timeline &timeline, HopperWiring wiring) : timeline_(timeline), wiring_(std::move(wiring)) {}
     Hopper(const Hopper &) = delete;
     Hopper &operator=(const Hopper &) = delete;
     ~Hopper() { timeline_.cancel(this); }
@@ -31,16 +39,14 @@ public:
     /// A release asks for this output.
     void releasedBy(unsigned int output);
     /// An output may have been switched.
-    void look();
+    void update();
 
 private:
     bool drops() const;
     void dropNext();
 
     Timeline &timeline_;
-    Inputs &inputs_;
-    const Outputs &outputs_;
-    unsigned int sensorInput_;
+    HopperWiring wiring_;
     std::optional<unsigned int> motor_;
     std::optional<unsigned int> released_;
     unsigned int stock_ = 0;
