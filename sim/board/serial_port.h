@@ -17,6 +17,7 @@
 #include "sim/peripherals/serial_peripheral.h"
 
 #include <deque>
+#include <memory>
 
 namespace sim
 {

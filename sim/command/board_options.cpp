@@ -1,5 +1,7 @@
 #include "sim/command/board_options.h"
 
+#include "sim/peripherals/make_peripheral.h"
+
 #include <algorithm>
 #include <cctype>
 

@@ -5,10 +5,6 @@
 #include "sim/core/bytes.h"
 #include "sim/core/timeline.h"
 
-#include <memory>
-#include <string>
-#include <vector>
-
 namespace sim
 {
 
@@ -42,10 +38,6 @@ public:
 protected:
     SerialLine *line_ = nullptr;
 };
-
-/// A peripheral by name: loopback, cctalk, polled, sas; null for any other.
-std::unique_ptr<SerialPeripheral> makePeripheral(const std::string &name);
-const std::vector<std::string> &peripheralNames();
 
 /// Sends everything back.
 class Loopback : public SerialPeripheral

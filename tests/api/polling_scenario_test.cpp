@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "sim/peripherals/cctalk_acceptor.h"
+#include "sim/peripherals/make_peripheral.h"
 #include "sim/peripherals/polled_device.h"
 #include "sim/peripherals/sas_host.h"
 #include "tests/support/open_board.h"

@@ -2,6 +2,7 @@
 #include <cerrno>
 #include <numeric>
 
+#include "sim/peripherals/make_peripheral.h"
 #include "tests/support/open_board.h"
 
 namespace tests::serial

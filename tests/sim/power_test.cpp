@@ -1,5 +1,6 @@
 // What a board keeps and what it loses when it is pulled off, and the 16 places where boards are plugged.
 #include "sim/board/virtual_boards.h"
+#include "sim/peripherals/make_peripheral.h"
 #include "tests/sim/sim_test.h"
 
 namespace sim::power_test

@@ -1,5 +1,6 @@
 // What the library does not show of the serial ports: line speed, times, and peripherals.
 #include "sim/peripherals/cctalk_acceptor.h"
+#include "sim/peripherals/make_peripheral.h"
 #include "sim/peripherals/polled_device.h"
 #include "sim/peripherals/sas_host.h"
 #include "tests/sim/sim_test.h"

@@ -1,4 +1,4 @@
-#include "sim/peripherals/serial_peripheral.h"
+#include "sim/peripherals/make_peripheral.h"
 
 #include "sim/peripherals/cctalk_acceptor.h"
 #include "sim/peripherals/polled_device.h"
