@@ -1,5 +1,4 @@
-#include "sim/board/state.h"
-
+// How a board gathers its state.
 #include "sim/board/virtual_board.h"
 
 #include <algorithm>
