@@ -1,7 +1,7 @@
 #include "sim/command/control_socket.h"
 
 #include "sim/command/commands.h"
-#include "sim/nodes/failure.h"
+#include "sim/system/failure.h"
 
 #include <array>
 #include <sys/socket.h>

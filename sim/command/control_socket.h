@@ -6,7 +6,7 @@
 #include "sim/board/virtual_boards.h"
 #include "sim/command/run_names.h"
 #include "sim/command/words.h"
-#include "sim/nodes/owned_fd.h"
+#include "sim/system/descriptors.h"
 
 namespace sim
 {

@@ -1,7 +1,7 @@
 #include "sim/command/follow.h"
 
 #include "sim/command/control_socket.h"
-#include "sim/nodes/signals.h"
+#include "sim/system/signals.h"
 
 #include <cstdio>
 #include <sys/ioctl.h>

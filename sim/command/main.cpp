@@ -1,7 +1,7 @@
 // sorvane-sim: virtual boards behind real device nodes.
 #include "sim/command/ctl_command.h"
 #include "sim/command/run_command.h"
-#include "sim/nodes/failure.h"
+#include "sim/system/failure.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>

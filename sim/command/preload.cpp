@@ -1,7 +1,7 @@
 #include "sim/command/preload.h"
 
-#include "sim/nodes/failure.h"
 #include "sim/nodes/program.h"
+#include "sim/system/failure.h"
 
 #include <array>
 #include <climits>

@@ -4,7 +4,7 @@
 #include "sim/command/preload.h"
 #include "sim/command/scenario.h"
 #include "sim/inprocess/inprocess.h"
-#include "sim/nodes/signals.h"
+#include "sim/system/signals.h"
 
 #include <cerrno>
 #include <cstdio>

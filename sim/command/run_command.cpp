@@ -3,11 +3,11 @@
 #include "sim/command/control_socket.h"
 #include "sim/command/preload.h"
 #include "sim/nodes/attributes.h"
-#include "sim/nodes/failure.h"
 #include "sim/nodes/key_files.h"
 #include "sim/nodes/node.h"
 #include "sim/nodes/program.h"
 #include "sim/nodes/run_link.h"
+#include "sim/system/failure.h"
 
 #include <cstdio>
 #include <sched.h>

@@ -2,8 +2,8 @@
 
 #include "sim/command/preload.h"
 #include "sim/command/words.h"
-#include "sim/nodes/failure.h"
 #include "sim/nodes/run_link.h"
+#include "sim/system/failure.h"
 
 #include <algorithm>
 #include <cctype>

@@ -3,7 +3,7 @@
 #ifndef SORVANE_SIM_COMMAND_RUN_NAMES_H
 #define SORVANE_SIM_COMMAND_RUN_NAMES_H
 
-#include "sim/nodes/owned_fd.h"
+#include "sim/system/descriptors.h"
 
 #include <optional>
 #include <string>

@@ -1,6 +1,6 @@
 #include "sim/nodes/board_process.h"
 
-#include "sim/nodes/failure.h"
+#include "sim/system/failure.h"
 
 #include <stdexcept>
 #include <sys/wait.h>
@@ -15,8 +15,8 @@ namespace
 {
     closeAllBut({channel.fd()});
     ::setsid();
-    letGoOf(0);
-    letGoOf(1);
+    redirectToNull(0);
+    redirectToNull(1);
     BoardService service(std::move(channel));
     try {
         serve(service);

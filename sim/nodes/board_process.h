@@ -3,8 +3,8 @@
 #ifndef SORVANE_SIM_NODES_BOARD_PROCESS_H
 #define SORVANE_SIM_NODES_BOARD_PROCESS_H
 
-#include "sim/nodes/channel.h"
 #include "sim/nodes/namespaces.h"
+#include "sim/system/channel.h"
 
 #include <functional>
 

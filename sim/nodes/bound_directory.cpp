@@ -1,7 +1,7 @@
 #include "sim/nodes/bound_directory.h"
 
-#include "sim/nodes/failure.h"
-#include "sim/nodes/owned_fd.h"
+#include "sim/system/descriptors.h"
+#include "sim/system/failure.h"
 
 #include <array>
 #include <climits>

@@ -1,7 +1,7 @@
 #include "sim/nodes/file_server.h"
 
 #include "sim/nodes/caller.h"
-#include "sim/nodes/failure.h"
+#include "sim/system/failure.h"
 
 #include <cerrno>
 #include <cstdlib>

@@ -11,7 +11,7 @@
 #define FUSE_USE_VERSION 35
 
 #include "sim/core/clock.h"
-#include "sim/nodes/owned_fd.h"
+#include "sim/system/descriptors.h"
 
 #include <deque>
 #include <fuse_lowlevel.h>

@@ -1,9 +1,9 @@
 #include "sim/nodes/namespaces.h"
 
 #include "sim/nodes/bound_directory.h"
-#include "sim/nodes/channel.h"
-#include "sim/nodes/failure.h"
 #include "sim/nodes/run_link.h"
+#include "sim/system/channel.h"
+#include "sim/system/failure.h"
 
 #include <array>
 #include <climits>

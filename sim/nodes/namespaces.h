@@ -2,7 +2,7 @@
 #ifndef SORVANE_SIM_NODES_NAMESPACES_H
 #define SORVANE_SIM_NODES_NAMESPACES_H
 
-#include "sim/nodes/owned_fd.h"
+#include "sim/system/descriptors.h"
 
 #include <map>
 #include <optional>

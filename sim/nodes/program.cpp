@@ -1,7 +1,7 @@
 #include "sim/nodes/program.h"
 
-#include "sim/nodes/failure.h"
-#include "sim/nodes/process_namespace.h"
+#include "sim/system/failure.h"
+#include "sim/system/process_namespace.h"
 
 #include <cstdio>
 #include <cstring>
@@ -111,8 +111,8 @@ int runProgram(const std::vector<std::string> &words, Supervision supervision)
     program.start.send("start");
     program.start.close();
     // A pipe of the caller ends when the program lets go of it.
-    letGoOf(0);
-    letGoOf(1);
+    redirectToNull(0);
+    redirectToNull(1);
     return waitForProgram(program.process, supervision);
 }
 

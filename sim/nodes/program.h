@@ -4,7 +4,7 @@
 #define SORVANE_SIM_NODES_PROGRAM_H
 
 #include "sim/nodes/board_process.h"
-#include "sim/nodes/signals.h"
+#include "sim/system/signals.h"
 
 #include <string>
 #include <vector>

@@ -1,8 +1,8 @@
 // Signals of a process that stands between a program and whoever signals it.
-#ifndef SORVANE_SIM_NODES_SIGNALS_H
-#define SORVANE_SIM_NODES_SIGNALS_H
+#ifndef SORVANE_SIM_SYSTEM_SIGNALS_H
+#define SORVANE_SIM_SYSTEM_SIGNALS_H
 
-#include "sim/nodes/channel.h"
+#include "sim/system/channel.h"
 
 #include <csignal>
 #include <set>

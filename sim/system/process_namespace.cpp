@@ -1,6 +1,6 @@
-#include "sim/nodes/process_namespace.h"
+#include "sim/system/process_namespace.h"
 
-#include "sim/nodes/failure.h"
+#include "sim/system/failure.h"
 
 #include <csignal>
 #include <sched.h>
@@ -19,7 +19,7 @@ namespace
 {
     closeAllBut({channel.fd()});
     for (const int standard : {0, 1, 2})
-        letGoOf(standard);
+        redirectToNull(standard);
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     // The parent's id cannot be seen from here. If it died before the line above, the channel has ended.
     if (!channel.send("?") || !channel.receive())

@@ -1,6 +1,6 @@
-#include "sim/nodes/signals.h"
+#include "sim/system/signals.h"
 
-#include "sim/nodes/failure.h"
+#include "sim/system/failure.h"
 
 #include <sys/wait.h>
 
@@ -31,7 +31,7 @@ void waitUntilAllGotIt()
 {
     closeAllBut({channel.fd()});
     for (const int standard : {0, 1, 2})
-        letGoOf(standard);
+        redirectToNull(standard);
     // A message has at least one byte: 0 stands for the end.
     while (channel.receive() && channel.send(takePending() + '\0')) {
     }

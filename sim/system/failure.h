@@ -1,7 +1,7 @@
 // How the start of a run fails: with what was tried, on what, the system's reason and, where there is one, the next
 // step of whoever started it.
-#ifndef SORVANE_SIM_NODES_FAILURE_H
-#define SORVANE_SIM_NODES_FAILURE_H
+#ifndef SORVANE_SIM_SYSTEM_FAILURE_H
+#define SORVANE_SIM_SYSTEM_FAILURE_H
 
 #include <cerrno>
 #include <cstring>

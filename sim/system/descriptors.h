@@ -1,13 +1,15 @@
-// A descriptor with one owner.
-#ifndef SORVANE_SIM_NODES_OWNED_FD_H
-#define SORVANE_SIM_NODES_OWNED_FD_H
+// Descriptors: their owner, and what a process does about those that it was started with.
+#ifndef SORVANE_SIM_SYSTEM_DESCRIPTORS_H
+#define SORVANE_SIM_SYSTEM_DESCRIPTORS_H
 
+#include <initializer_list>
 #include <unistd.h>
 #include <utility>
 
 namespace sim
 {
 
+/// A descriptor with one owner.
 class OwnedFd
 {
 public:
@@ -33,6 +35,12 @@ public:
 private:
     int fd_ = -1;
 };
+
+/// Closes every descriptor from 3 on but these.
+void closeAllBut(std::initializer_list<int> kept);
+
+/// Puts /dev/null in the place of a standard descriptor, so that a pipe of the caller ends when the program ends.
+void redirectToNull(int standardDescriptor);
 
 }  // namespace sim
 

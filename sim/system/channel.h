@@ -1,9 +1,9 @@
 // A pair of connected ends between two processes of a run. Each message is one text, with or without a descriptor; the
 // end of one process is the end of file of the other, however it ended.
-#ifndef SORVANE_SIM_NODES_CHANNEL_H
-#define SORVANE_SIM_NODES_CHANNEL_H
+#ifndef SORVANE_SIM_SYSTEM_CHANNEL_H
+#define SORVANE_SIM_SYSTEM_CHANNEL_H
 
-#include "sim/nodes/owned_fd.h"
+#include "sim/system/descriptors.h"
 
 #include <optional>
 #include <string>
@@ -35,12 +35,6 @@ private:
 
     OwnedFd fd_;
 };
-
-/// Closes every descriptor from 3 on but these.
-void closeAllBut(std::initializer_list<int> kept);
-
-/// Puts /dev/null in the place of a standard descriptor, so that a pipe of the caller ends when the program ends.
-void letGoOf(int standardDescriptor);
 
 }  // namespace sim
 

@@ -1,8 +1,8 @@
 // A process namespace with its first process. When that one goes, the kernel ends every other, whatever became of it.
-#ifndef SORVANE_SIM_NODES_PROCESS_NAMESPACE_H
-#define SORVANE_SIM_NODES_PROCESS_NAMESPACE_H
+#ifndef SORVANE_SIM_SYSTEM_PROCESS_NAMESPACE_H
+#define SORVANE_SIM_SYSTEM_PROCESS_NAMESPACE_H
 
-#include "sim/nodes/channel.h"
+#include "sim/system/channel.h"
 
 #include <sys/types.h>
 
