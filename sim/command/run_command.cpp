@@ -87,9 +87,9 @@ private:
 int runOnNodes(const RunRequest &request, const TextWords &program)
 {
     const BlockedSignals blocked;
-    GroupWitness witness;
+    ProcessGroupMember groupMember;
     Surroundings surroundings(request);
-    return runProgram(program, {blocked, witness, &surroundings.boards()});
+    return runProgram(program, {blocked, groupMember, &surroundings.boards()});
 }
 
 }  // namespace
@@ -131,7 +131,7 @@ void enterRun(const std::optional<std::string> &id, const TextWords &program)
 {
     const auto enter = [&] {
         const BlockedSignals blocked;
-        GroupWitness witness;
+        ProcessGroupMember groupMember;
         const RunName name = chooseRun(id);
         joinNamespacesOf(name.process());
         if (findRunFromInside() != name.text())
@@ -139,7 +139,7 @@ void enterRun(const std::optional<std::string> &id, const TextWords &program)
                                      ": its boards are inside its program, or another process namespace counts "
                                      "its id; start one to enter with: " +
                                      howToServe);
-        return runProgram(program, {blocked, witness, nullptr});
+        return runProgram(program, {blocked, groupMember, nullptr});
     };
     endLike(enter());
 }

@@ -50,13 +50,13 @@ Prepared prepare(const std::vector<std::string> &words, const BlockedSignals &bl
 
 // What came during the start is the program's as well. It waits with every signal blocked, where one that it got by
 // itself and the same one from here become one.
-void passOnEarlySignals(pid_t program, GroupWitness &witness)
+void passOnEarlySignals(pid_t program, ProcessGroupMember &groupMember)
 {
     const timespec atOnce{};
     for (int signal; (signal = takeSignal(&atOnce)) > 0;) {
         if (signal == SIGCHLD)
             continue;
-        witness.alsoGot(signal);
+        groupMember.alsoReceived(signal);
         ::kill(program, signal);
     }
 }
@@ -91,7 +91,7 @@ int waitForProgram(pid_t program, const Supervision &supervision)
         if (signal == SIGCHLD) {
             if (const std::optional<int> status = lookAfterChildren(program, supervision))
                 return *status;
-        } else if (!supervision.witness.alsoGot(signal)) {
+        } else if (!supervision.groupMember.alsoReceived(signal)) {
             ::kill(program, signal);
         }
     }
@@ -103,9 +103,9 @@ int runProgram(const std::vector<std::string> &words, Supervision supervision)
 {
     ProcessNamespace processes;
     Prepared program = prepare(words, supervision.blocked);
-    closeAllBut({program.start.fd(), supervision.witness.channel(), processes.channel(),
+    closeAllBut({program.start.fd(), supervision.groupMember.channel(), processes.channel(),
                  supervision.boards ? supervision.boards->channel() : -1});
-    passOnEarlySignals(program.process, supervision.witness);
+    passOnEarlySignals(program.process, supervision.groupMember);
     if (supervision.boards)
         supervision.boards->programStarts();
     program.start.send("start");

@@ -14,7 +14,7 @@ namespace sim
 
 struct Supervision {
     const BlockedSignals &blocked;
-    GroupWitness &witness;
+    ProcessGroupMember &groupMember;
     BoardProcess *boards;  ///< of this run; null when the boards belong to somebody else
 };
 

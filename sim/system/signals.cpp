@@ -22,12 +22,12 @@ std::string takePending()
 }
 
 // The kernel may not have come round the whole group yet. A change of groups, even into the own one, waits for it.
-void waitUntilAllGotIt()
+void waitUntilGroupHasIt()
 {
     ::setpgid(0, ::getpgrp());
 }
 
-[[noreturn]] void witness(Channel channel)
+[[noreturn]] void recordSignals(Channel channel)
 {
     closeAllBut({channel.fd()});
     for (const int standard : {0, 1, 2})
@@ -47,26 +47,26 @@ BlockedSignals::BlockedSignals()
     ::sigprocmask(SIG_SETMASK, &all, &original_);
 }
 
-GroupWitness::GroupWitness()
+ProcessGroupMember::ProcessGroupMember()
 {
     auto [here, there] = Channel::pair();
     process_ = checked(::fork(), "starting a process");
     if (process_ == 0) {
         here.close();
-        witness(std::move(there));
+        recordSignals(std::move(there));
     }
     channel_ = std::move(here);
 }
 
-GroupWitness::~GroupWitness()
+ProcessGroupMember::~ProcessGroupMember()
 {
     channel_.close();
     ::waitpid(process_, nullptr, 0);
 }
 
-bool GroupWitness::alsoGot(int signal)
+bool ProcessGroupMember::alsoReceived(int signal)
 {
-    waitUntilAllGotIt();
+    waitUntilGroupHasIt();
     if (channel_.send("?")) {
         if (const std::optional<Channel::Message> answer = channel_.receive())
             seen_.insert(answer->text.begin(), answer->text.end());
@@ -76,7 +76,7 @@ bool GroupWitness::alsoGot(int signal)
         return false;
     seen_.erase(found);
     // Equal ones in quick succession may have become one here. None of them is to stand for one that comes later.
-    waitUntilAllGotIt();
+    waitUntilGroupHasIt();
     sigset_t pending;
     ::sigpending(&pending);
     if (::sigismember(&pending, signal) == 0)

@@ -29,18 +29,18 @@ private:
 
 /// A process that does nothing but sit in this process's group. A signal that came to it, too, was sent to the whole
 /// group (by the terminal, by kill with a negative number, by timeout), so every program in the group has it already.
-class GroupWitness
+class ProcessGroupMember
 {
 public:
-    GroupWitness();
-    GroupWitness(const GroupWitness &) = delete;
-    GroupWitness &operator=(const GroupWitness &) = delete;
-    ~GroupWitness();
+    ProcessGroupMember();
+    ProcessGroupMember(const ProcessGroupMember &) = delete;
+    ProcessGroupMember &operator=(const ProcessGroupMember &) = delete;
+    ~ProcessGroupMember();
 
     pid_t process() const { return process_; }
     int channel() const { return channel_.fd(); }
     /// Whether this signal, which has just been taken, came to the group. Each is answered for once.
-    bool alsoGot(int signal);
+    bool alsoReceived(int signal);
 
 private:
     Channel channel_;
