@@ -1,6 +1,6 @@
 #include "sim/nodes/namespaces.h"
 
-#include "sim/nodes/bound_directory.h"
+#include "sim/nodes/bind_mounts.h"
 #include "sim/nodes/run_link.h"
 #include "sim/system/channel.h"
 #include "sim/system/failure.h"
@@ -131,8 +131,9 @@ MountedDevices mountDevices(const std::vector<int> &deviceNos, const std::string
         devices.nodes[deviceNo] = openFuse();
     takeOwnMountNamespace();
 
-    bindAnew("/dev", [](const std::string &name) { return name.rfind("Vexa_", 0) == 0 || name == "sorvane-sim"; });
-    bindAnew("/sys/class", [](const std::string &name) { return name == "Vexa"; });
+    replaceByBindMounts("/dev",
+                        [](const std::string &name) { return name.rfind("Vexa_", 0) == 0 || name == "sorvane-sim"; });
+    replaceByBindMounts("/sys/class", [](const std::string &name) { return name == "Vexa"; });
     checked(::symlink(runName.c_str(), runLink), "making a link in /dev");
     checked(::mkdir("/sys/class/Vexa", 0755), "making /sys/class/Vexa");
     mountFuse(devices.attributes, "/sys/class/Vexa", S_IFDIR);

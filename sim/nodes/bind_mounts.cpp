@@ -1,4 +1,4 @@
-#include "sim/nodes/bound_directory.h"
+#include "sim/nodes/bind_mounts.h"
 
 #include "sim/system/descriptors.h"
 #include "sim/system/failure.h"
@@ -67,7 +67,7 @@ void bindEntry(int original, const std::string &name, const std::string &place)
 
 }  // namespace
 
-void bindAnew(const std::string &directory, const std::function<bool(const std::string &name)> &leftOut)
+void replaceByBindMounts(const std::string &directory, const std::function<bool(const std::string &name)> &leftOut)
 {
     const OwnedFd original(
         checked(::open(directory.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC), "opening " + directory));
