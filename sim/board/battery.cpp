@@ -10,22 +10,22 @@ void Battery::fail()
     good_ = false;
     failFlag_ = true;
     failedAt_ = now_ ? now_() : 0;
-    if (!boardLives())
+    if (!boardHasPower())
         lost_();
 }
 
 void Battery::replace()
 {
-    if (!boardLives())
+    if (!boardHasPower())
         lost_();
     good_ = true;
 }
 
-void Battery::carryBoard(bool alone)
+void Battery::setMainPower(bool on)
 {
     if (!good_)
         lost_();
-    alone_ = alone;
+    mainPower_ = on;
 }
 
 std::optional<Reply> Battery::answer(Request request, Payload)

@@ -17,10 +17,10 @@ public:
     void replace();
     bool good() const { return good_; }
 
-    /// The board has no other power from now on, or has it back.
-    void carryBoard(bool alone);
+    /// The board's own supply comes or goes; without it there is only the battery.
+    void setMainPower(bool on);
     /// Whether the board has any power.
-    bool boardLives() const { return good_ || !alone_; }
+    bool boardHasPower() const { return good_ || mainPower_; }
 
     /// How the battery learns the time of its failure.
     void readTimeFrom(std::function<std::uint32_t()> now) { now_ = std::move(now); }
@@ -34,7 +34,7 @@ private:
     std::function<void()> lost_ = [] {};
     std::uint32_t failedAt_ = 0;
     bool good_ = true;
-    bool alone_ = false;
+    bool mainPower_ = true;
     bool failFlag_ = false;
 };
 

@@ -60,7 +60,7 @@ Fault &Fault::carriedOut()
     return *this;
 }
 
-std::optional<Fault> Faults::striking(unsigned char request, int pipe) const
+std::optional<Fault> Faults::find(unsigned char request, int pipe) const
 {
     for (const Fault &fault : queue_) {
         if (fault.kind != Fault::Kind::Delay && fault.skips == 0 && concerns(fault, request, pipe))

@@ -76,7 +76,7 @@ public:
     std::size_t size() const { return queue_.size(); }
 
     /// The fault of an exchange, without using it up.
-    std::optional<Fault> striking(unsigned char request, int pipe) const;
+    std::optional<Fault> find(unsigned char request, int pipe) const;
     /// The exchange is over: a fault that struck or was skipped is counted.
     void passed(unsigned char request, int pipe);
     /// How much longer the exchange takes; uses the delay up.

@@ -18,7 +18,7 @@ void SecuritySwitches::change(unsigned int number, bool opened)
         return;
     const auto bit = static_cast<unsigned char>(1U << number);
     levels_ ^= bit;
-    if (!battery_.boardLives())
+    if (!battery_.boardHasPower())
         return;
     for (Flags *flags : {&flags_, &cachedFlags_})
         (opened ? flags->opened : flags->closed) |= bit;

@@ -135,7 +135,7 @@ PendingExchange VirtualBoard::prepare(unsigned char request, int pipe, Payload p
     PendingExchange pending;
     pending.exchange = {request, pipe, toBytes(payload), 0, {}};
     pending.echo = request;
-    const std::optional<Fault> fault = faults_.striking(request, pipe);
+    const std::optional<Fault> fault = faults_.find(request, pipe);
     pending.unplugs = fault && fault->kind == Fault::Kind::Unplug;
     if (!plugged_ || pending.unplugs)
         pending.ioctlResult = -ENODEV;
@@ -190,7 +190,7 @@ void VirtualBoard::plug()
     timeline_.settle();
     plugged_ = true;
     ++generation_;
-    battery_.carryBoard(false);
+    battery_.setMainPower(true);
 }
 
 void VirtualBoard::unplug()
@@ -203,7 +203,7 @@ void VirtualBoard::unplug()
         part->powerLost();
     for (const auto &port : serialPorts_)
         port->powerLost();
-    battery_.carryBoard(true);
+    battery_.setMainPower(false);
 }
 
 void VirtualBoard::powerCycle()

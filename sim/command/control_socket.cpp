@@ -79,8 +79,8 @@ void ControlServer::answerAll()
 void ControlServer::answerOne(const OwnedFd &connection)
 {
     // Whoever asks and does not go on holds up the others no longer than this.
-    ::setsockopt(connection.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
-    ::setsockopt(connection.get(), SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
+    ::setsockopt(connection.get(), SOL_SOCKET, SO_RCVTIMEO, &connectionTimeout, sizeof connectionTimeout);
+    ::setsockopt(connection.get(), SOL_SOCKET, SO_SNDTIMEO, &connectionTimeout, sizeof connectionTimeout);
     const ControlAnswer answer = carryOut(boards_, receiveAll(connection, longestRequest));
     sendAll(connection, static_cast<char>('0' + answer.status) + answer.text);
 }

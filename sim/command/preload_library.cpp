@@ -65,7 +65,7 @@ void begin(const char *boardArguments)
 {
     pid_t self = ::getpid();
     if (program.compare_exchange_strong(self, 0))
-        scenario->sayWhatIsLeft(reached);
+        scenario->reportUnplayed(reached);
 }
 
 }  // namespace

@@ -41,7 +41,7 @@ void serve(BoardService &service, const RunRequest &request, const RunName &name
     if (service.waitForStart()) {
         std::thread([&] { request.scenario.play(boards, reached); }).detach();
         service.waitForEnd();
-        request.scenario.sayWhatIsLeft(reached);
+        request.scenario.reportUnplayed(reached);
     }
     if (keyFiles)
         keyFiles->removeNewOnes(allRuns().size() > 1);
@@ -63,10 +63,10 @@ RunName nameWithTheRightToMount()
 }
 
 // Everything that must be there before a program can meet the boards.
-class Surroundings
+class RunEnvironment
 {
 public:
-    explicit Surroundings(const RunRequest &request)
+    explicit RunEnvironment(const RunRequest &request)
         : name_(nameWithTheRightToMount()),
           boards_([&request, this](BoardService &service) { serve(service, request, name_); })
     {
@@ -88,8 +88,8 @@ int runOnNodes(const RunRequest &request, const TextWords &program)
 {
     const BlockedSignals blocked;
     ProcessGroupMember groupMember;
-    Surroundings surroundings(request);
-    return runProgram(program, {blocked, groupMember, &surroundings.boards()});
+    RunEnvironment environment(request);
+    return runProgram(program, {blocked, groupMember, &environment.boards()});
 }
 
 }  // namespace
@@ -118,10 +118,10 @@ void runWithBoards(const RunRequest &request, const TextWords &program)
 int serveBoards(const RunRequest &request)
 {
     const BlockedSignals blocked;
-    Surroundings surroundings(request);
-    surroundings.boards().programStarts();
+    RunEnvironment environment(request);
+    environment.boards().programStarts();
     std::printf("virtual boards are up; enter with: sorvane-sim enter --run %s -- PROGRAM\n",
-                surroundings.name().id.c_str());
+                environment.name().id.c_str());
     std::fflush(stdout);
     waitForEndingSignal();
     return 0;

@@ -74,7 +74,7 @@ OwnedFd connectTo(const RunName &name)
 {
     OwnedFd connection(checked(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0), "making a socket"));
     // A listener that accepts nobody would keep whoever asks.
-    ::setsockopt(connection.get(), SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
+    ::setsockopt(connection.get(), SOL_SOCKET, SO_SNDTIMEO, &connectionTimeout, sizeof connectionTimeout);
     const RunAddress address(name);
     if (::connect(connection.get(), address.get(), address.length) != 0)
         return OwnedFd();

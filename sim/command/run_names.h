@@ -40,7 +40,7 @@ std::vector<RunName> allRuns();
 RunName chooseRun(const std::optional<std::string> &id);
 
 /// Nobody waits longer for the other side of a connection.
-constexpr timeval patience{2, 0};
+constexpr timeval connectionTimeout{2, 0};
 
 /// A connection with whoever listens under a name; none if nobody does. Anybody can take an abstract name, so the user
 /// behind it has to be the one that it says.

@@ -110,7 +110,7 @@ void Scenario::play(VirtualBoards &boards, std::atomic<std::size_t> &reached) co
     }
 }
 
-void Scenario::sayWhatIsLeft(std::size_t reached) const
+void Scenario::reportUnplayed(std::size_t reached) const
 {
     for (const Line &line : lines_) {
         if (!line.at)

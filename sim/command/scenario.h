@@ -30,7 +30,7 @@ public:
     void play(VirtualBoards &boards, std::atomic<std::size_t> &reached) const;
     /// For the end of the program, when so much was played: names the lines that are left on standard error. May be
     /// called in a signal handler.
-    void sayWhatIsLeft(std::size_t reached) const;
+    void reportUnplayed(std::size_t reached) const;
 
 private:
     struct Line {

@@ -60,9 +60,9 @@ void FileServer::passTime(Nanoseconds duration)
             std::this_thread::sleep_until(end);
             break;
         }
-        takeIn();
+        readRequest();
     }
-    letDyingGo();
+    answerDyingCallers();
 }
 
 void FileServer::serve()
@@ -86,7 +86,7 @@ void FileServer::serve()
 }
 
 // Without blocking: whoever asked may have been killed since, and its request is gone.
-void FileServer::takeIn()
+void FileServer::readRequest()
 {
     const int device = fuse_session_fd(session_);
     const int flags = ::fcntl(device, F_GETFL);
@@ -103,7 +103,7 @@ void FileServer::takeIn()
     std::free(request.mem);
 }
 
-void FileServer::letDyingGo()
+void FileServer::answerDyingCallers()
 {
     std::erase_if(waiting_, [this](const fuse_buf &request) {
         const fuse_in_header &caller = headerOf(request);

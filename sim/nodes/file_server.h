@@ -38,8 +38,8 @@ public:
 
 private:
     void serve();
-    void takeIn();
-    void letDyingGo();
+    void readRequest();
+    void answerDyingCallers();
 
     fuse_session *session_;
     std::deque<fuse_buf> waiting_;  // ioctls

@@ -15,7 +15,7 @@ namespace sim
 namespace
 {
 
-[[noreturn]] void beFirstProcess(Channel channel)
+[[noreturn]] void runInitProcess(Channel channel)
 {
     closeAllBut({channel.fd()});
     for (const int standard : {0, 1, 2})
@@ -45,7 +45,7 @@ ProcessNamespace::ProcessNamespace()
     first_ = checked(::fork(), "starting a process");
     if (first_ == 0) {
         here.close();
-        beFirstProcess(std::move(there));
+        runInitProcess(std::move(there));
     }
     there.close();
     if (!here.receive() || !here.send("go") || !here.receive())
