@@ -1,5 +1,6 @@
 #include "sim/command/preload.h"
 
+#include "sim/command/preload_environment.h"
 #include "sim/nodes/program.h"
 #include "sim/system/failure.h"
 

@@ -2,25 +2,13 @@
 #ifndef SORVANE_SIM_COMMAND_RUN_COMMAND_H
 #define SORVANE_SIM_COMMAND_RUN_COMMAND_H
 
-#include "sim/command/scenario.h"
+#include "sim/command/run_request.h"
 
 namespace sim
 {
 
-/// How the boards reach the program.
-enum class How { Node, Preload, Auto };
-
 /// node, preload or auto; throws UsageError for anything else.
 How howFrom(const std::string &word);
-
-struct RunRequest {
-    std::vector<BoardOptions> boards;
-    Scenario scenario;
-    bool privateIpc = true;
-    How how = How::Auto;
-    TextWords boardArguments;  ///< as they came, for who plugs the boards elsewhere
-    std::string scenarioFile;
-};
 
 /// Each ends the process as its program ends.
 [[noreturn]] void runWithBoards(const RunRequest &request, const TextWords &program);

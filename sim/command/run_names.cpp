@@ -1,6 +1,6 @@
 #include "sim/command/run_names.h"
 
-#include "sim/command/preload.h"
+#include "sim/command/preload_environment.h"
 #include "sim/command/words.h"
 #include "sim/nodes/run_link.h"
 #include "sim/system/failure.h"

@@ -1,0 +1,24 @@
+// What a run is to be like.
+#ifndef SORVANE_SIM_COMMAND_RUN_REQUEST_H
+#define SORVANE_SIM_COMMAND_RUN_REQUEST_H
+
+#include "sim/command/scenario.h"
+
+namespace sim
+{
+
+/// How the boards reach the program.
+enum class How { Node, Preload, Auto };
+
+struct RunRequest {
+    std::vector<BoardOptions> boards;
+    Scenario scenario;
+    bool privateIpc = true;
+    How how = How::Auto;
+    TextWords boardArguments;  ///< as they came, for who plugs the boards elsewhere
+    std::string scenarioFile;
+};
+
+}  // namespace sim
+
+#endif
