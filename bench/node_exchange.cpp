@@ -1,8 +1,8 @@
 // What an exchange through a device node costs, beside an ioctl of the same size on a file system that does nothing
 // else: both protocols, medians of one run in which they take turns, so many exchanges in a row each.
 #include "sim/nodes/attributes.h"
+#include "sim/nodes/board_process.h"
 #include "sim/nodes/node.h"
-#include "sim/nodes/program.h"
 #include "sim/system/failure.h"
 #include "tests/nodes/driver_call.h"
 

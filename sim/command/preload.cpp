@@ -1,8 +1,8 @@
 #include "sim/command/preload.h"
 
 #include "sim/command/preload_environment.h"
-#include "sim/nodes/program.h"
 #include "sim/system/failure.h"
+#include "sim/system/program.h"
 
 #include <array>
 #include <climits>

@@ -3,11 +3,12 @@
 #include "sim/command/control_socket.h"
 #include "sim/command/preload.h"
 #include "sim/nodes/attributes.h"
+#include "sim/nodes/board_process.h"
 #include "sim/nodes/key_files.h"
 #include "sim/nodes/node.h"
-#include "sim/nodes/program.h"
 #include "sim/nodes/run_link.h"
 #include "sim/system/failure.h"
+#include "sim/system/program.h"
 
 #include <cstdio>
 #include <sched.h>
@@ -89,7 +90,7 @@ int runOnNodes(const RunRequest &request, const TextWords &program)
     const BlockedSignals blocked;
     ProcessGroupMember groupMember;
     RunEnvironment environment(request);
-    return runProgram(program, {blocked, groupMember, &environment.boards()});
+    return runProgram(program, {blocked, groupMember, &environment.boards().process()});
 }
 
 }  // namespace

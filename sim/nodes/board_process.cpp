@@ -1,9 +1,7 @@
 #include "sim/nodes/board_process.h"
 
-#include "sim/system/failure.h"
-
 #include <stdexcept>
-#include <sys/wait.h>
+#include <unistd.h>
 
 namespace sim
 {
@@ -56,36 +54,24 @@ void BoardService::leave()
 }
 
 BoardProcess::BoardProcess(const std::function<void(BoardService &)> &serve)
+    : process_([&serve](Channel channel) { runBoards(std::move(channel), serve); })
 {
-    auto [here, there] = Channel::pair();
-    process_ = checked(::fork(), "starting a process");
-    if (process_ == 0) {
-        here.close();
-        runBoards(std::move(there), serve);
-    }
-    channel_ = std::move(here);
 }
 
 void BoardProcess::serve(MountedDevices devices)
 {
-    channel_.send("attributes", devices.attributes.get());
+    Channel &channel = process_.channel();
+    channel.send("attributes", devices.attributes.get());
     for (const auto &[deviceNo, device] : devices.nodes)
-        channel_.send(std::to_string(deviceNo), device.get());
+        channel.send(std::to_string(deviceNo), device.get());
     // Nobody else holds the devices from here on: when the serving process ends, every call into them ends.
     devices = {};
-    channel_.send("all");
-    const std::optional<Channel::Message> answer = channel_.receive();
+    channel.send("all");
+    const std::optional<Channel::Message> answer = channel.receive();
     if (!answer)
         throw std::runtime_error("the process that serves the boards has ended");
     if (answer->text != "ready")
         throw std::runtime_error(answer->text);
-}
-
-void BoardProcess::end()
-{
-    channel_.close();
-    if (process_ > 0)
-        ::waitpid(std::exchange(process_, -1), nullptr, 0);
 }
 
 }  // namespace sim

@@ -4,9 +4,7 @@
 #define SORVANE_SIM_NODES_BOARD_PROCESS_H
 
 #include "sim/nodes/namespaces.h"
-#include "sim/system/channel.h"
-
-#include <functional>
+#include "sim/system/child_process.h"
 
 namespace sim
 {
@@ -39,22 +37,16 @@ public:
     /// Started without a thread and before any namespace but a user namespace is made; `serve` ends with
     /// leave() when the run has ended.
     explicit BoardProcess(const std::function<void(BoardService &)> &serve);
-    BoardProcess(const BoardProcess &) = delete;
-    BoardProcess &operator=(const BoardProcess &) = delete;
-    ~BoardProcess() { end(); }
 
-    pid_t process() const { return process_; }
-    int channel() const { return channel_.fd(); }
+    /// When it goes, the serving process cleans up and is waited for.
+    ChildProcess &process() { return process_; }
 
     /// Hands the devices over and waits until they answer.
     void serve(MountedDevices devices);
-    void programStarts() { channel_.send("start"); }
-    /// Lets it clean up, and waits for it.
-    void end();
+    void programStarts() { process_.channel().send("start"); }
 
 private:
-    Channel channel_;
-    pid_t process_ = -1;
+    ChildProcess process_;
 };
 
 }  // namespace sim

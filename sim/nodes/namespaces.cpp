@@ -2,7 +2,7 @@
 
 #include "sim/nodes/bind_mounts.h"
 #include "sim/nodes/run_link.h"
-#include "sim/system/channel.h"
+#include "sim/system/child_process.h"
 #include "sim/system/failure.h"
 
 #include <array>
@@ -14,7 +14,6 @@
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/sysmacros.h>
-#include <sys/wait.h>
 
 namespace sim
 {
@@ -185,19 +184,14 @@ void joinNamespacesOf(pid_t process)
 
 std::optional<std::string> whatNodesLack()
 {
-    auto [here, there] = Channel::pair();
-    const pid_t child = checked(::fork(), "starting a process");
-    if (child == 0) {
+    ChildProcess child([](Channel parent) {
         try {
             tryEverything();
         } catch (const std::exception &error) {
-            there.send(error.what());
+            parent.send(error.what());
         }
-        ::_exit(0);
-    }
-    there.close();
-    const std::optional<Channel::Message> reason = here.receive();
-    ::waitpid(child, nullptr, 0);
+    });
+    const std::optional<Channel::Message> reason = child.channel().receive();
     if (!reason)
         return std::nullopt;
     return reason->text;

@@ -40,24 +40,18 @@ namespace
 
 ProcessNamespace::ProcessNamespace()
 {
-    auto [here, there] = Channel::pair();
     permitted(::unshare(CLONE_NEWPID), "making a process namespace");
-    first_ = checked(::fork(), "starting a process");
-    if (first_ == 0) {
-        here.close();
-        runInitProcess(std::move(there));
-    }
-    there.close();
-    if (!here.receive() || !here.send("go") || !here.receive())
+    first_.emplace(runInitProcess);
+    Channel &channel = first_->channel();
+    if (!channel.receive() || !channel.send("go") || !channel.receive())
         throw std::runtime_error("the first process of the namespace has ended");
-    channel_ = std::move(here);
 }
 
 ProcessNamespace::~ProcessNamespace()
 {
-    ::kill(first_, SIGKILL);
+    ::kill(first_->id(), SIGKILL);
     // The namespace lasts until its last process is reaped, and the program may be a child of this one.
-    for (pid_t child = 0; child != first_;) {
+    for (pid_t child = 0; child != first_->id();) {
         child = ::waitpid(-1, nullptr, 0);
         if (child < 0 && errno == ECHILD)
             return;

@@ -2,9 +2,9 @@
 #ifndef SORVANE_SIM_SYSTEM_PROCESS_NAMESPACE_H
 #define SORVANE_SIM_SYSTEM_PROCESS_NAMESPACE_H
 
-#include "sim/system/channel.h"
+#include "sim/system/child_process.h"
 
-#include <sys/types.h>
+#include <optional>
 
 namespace sim
 {
@@ -20,11 +20,10 @@ public:
     /// Ends every process in it and waits until they are gone; children of this process are reaped.
     ~ProcessNamespace();
 
-    int channel() const { return channel_.fd(); }
+    int channel() const { return first_->channel().fd(); }
 
 private:
-    Channel channel_;
-    pid_t first_ = -1;
+    std::optional<ChildProcess> first_;
 };
 
 }  // namespace sim

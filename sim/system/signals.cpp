@@ -1,8 +1,7 @@
 #include "sim/system/signals.h"
 
-#include "sim/system/failure.h"
-
-#include <sys/wait.h>
+#include <sys/types.h>
+#include <unistd.h>
 
 namespace sim
 {
@@ -27,7 +26,7 @@ void waitUntilGroupHasIt()
     ::setpgid(0, ::getpgrp());
 }
 
-[[noreturn]] void recordSignals(Channel channel)
+void recordSignals(Channel channel)
 {
     closeAllBut({channel.fd()});
     for (const int standard : {0, 1, 2})
@@ -35,7 +34,6 @@ void waitUntilGroupHasIt()
     // A message has at least one byte: 0 stands for the end.
     while (channel.receive() && channel.send(takePending() + '\0')) {
     }
-    ::_exit(0);
 }
 
 }  // namespace
@@ -47,28 +45,13 @@ BlockedSignals::BlockedSignals()
     ::sigprocmask(SIG_SETMASK, &all, &original_);
 }
 
-ProcessGroupMember::ProcessGroupMember()
-{
-    auto [here, there] = Channel::pair();
-    process_ = checked(::fork(), "starting a process");
-    if (process_ == 0) {
-        here.close();
-        recordSignals(std::move(there));
-    }
-    channel_ = std::move(here);
-}
-
-ProcessGroupMember::~ProcessGroupMember()
-{
-    channel_.close();
-    ::waitpid(process_, nullptr, 0);
-}
+ProcessGroupMember::ProcessGroupMember() : process_(recordSignals) {}
 
 bool ProcessGroupMember::alsoReceived(int signal)
 {
     waitUntilGroupHasIt();
-    if (channel_.send("?")) {
-        if (const std::optional<Channel::Message> answer = channel_.receive())
+    if (process_.channel().send("?")) {
+        if (const std::optional<Channel::Message> answer = process_.channel().receive())
             seen_.insert(answer->text.begin(), answer->text.end());
     }
     const auto found = seen_.find(signal);

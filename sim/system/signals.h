@@ -2,11 +2,10 @@
 #ifndef SORVANE_SIM_SYSTEM_SIGNALS_H
 #define SORVANE_SIM_SYSTEM_SIGNALS_H
 
-#include "sim/system/channel.h"
+#include "sim/system/child_process.h"
 
 #include <csignal>
 #include <set>
-#include <sys/types.h>
 
 namespace sim
 {
@@ -35,16 +34,13 @@ public:
     ProcessGroupMember();
     ProcessGroupMember(const ProcessGroupMember &) = delete;
     ProcessGroupMember &operator=(const ProcessGroupMember &) = delete;
-    ~ProcessGroupMember();
 
-    pid_t process() const { return process_; }
-    int channel() const { return channel_.fd(); }
+    int channel() const { return process_.channel().fd(); }
     /// Whether this signal, which has just been taken, came to the group. Each is answered for once.
     bool alsoReceived(int signal);
 
 private:
-    Channel channel_;
-    pid_t process_ = -1;
+    ChildProcess process_;
     std::multiset<int> seen_;
 };
 

@@ -1,9 +1,9 @@
 // A program under supervision: in a process namespace of its own, so that whatever it leaves running ends with it, and
 // in the process group and at the terminal of whoever started the run.
-#ifndef SORVANE_SIM_NODES_PROGRAM_H
-#define SORVANE_SIM_NODES_PROGRAM_H
+#ifndef SORVANE_SIM_SYSTEM_PROGRAM_H
+#define SORVANE_SIM_SYSTEM_PROGRAM_H
 
-#include "sim/nodes/board_process.h"
+#include "sim/system/child_process.h"
 #include "sim/system/signals.h"
 
 #include <string>
@@ -15,7 +15,9 @@ namespace sim
 struct Supervision {
     const BlockedSignals &blocked;
     ProcessGroupMember &groupMember;
-    BoardProcess *boards;  ///< of this run; null when the boards belong to somebody else
+    /// The process that serves the boards of this run, told by a message when the program starts; null when the boards
+    /// belong to somebody else.
+    ChildProcess *boards;
 };
 
 /// Runs the program to its end and passes every signal on that it has not got by itself. The result is its wait status

@@ -1,4 +1,4 @@
-#include "sim/nodes/program.h"
+#include "sim/system/program.h"
 
 #include "sim/system/failure.h"
 #include "sim/system/process_namespace.h"
@@ -26,26 +26,6 @@ int takeSignal(const timespec *atMost = nullptr)
         signal = atMost ? ::sigtimedwait(&all, nullptr, atMost) : ::sigwaitinfo(&all, nullptr);
     while (signal < 0 && errno == EINTR);
     return signal;
-}
-
-// The program's process, still waiting for the word to start.
-struct Prepared {
-    pid_t process;
-    Channel start;
-};
-
-Prepared prepare(const std::vector<std::string> &words, const BlockedSignals &blocked)
-{
-    auto [here, there] = Channel::pair();
-    const pid_t process = checked(::fork(), "starting a process");
-    if (process == 0) {
-        here.close();
-        if (!there.receive())
-            ::_exit(statusOfFailure);
-        blocked.restore();
-        execute(words);
-    }
-    return {process, std::move(here)};
 }
 
 // What came during the start is the program's as well. It waits with every signal blocked, where one that it got by
@@ -77,7 +57,7 @@ std::optional<int> lookAfterChildren(pid_t program, const Supervision &supervisi
                 ::kill(::getpid(), SIGSTOP);
         } else if (child == program) {
             return status;
-        } else if (supervision.boards && child == supervision.boards->process()) {
+        } else if (supervision.boards && child == supervision.boards->id()) {
             std::fprintf(stderr, "sorvane-sim: the process that serves the boards has ended\n");
         }
     }
@@ -102,18 +82,23 @@ int waitForProgram(pid_t program, const Supervision &supervision)
 int runProgram(const std::vector<std::string> &words, Supervision supervision)
 {
     ProcessNamespace processes;
-    Prepared program = prepare(words, supervision.blocked);
-    closeAllBut({program.start.fd(), supervision.groupMember.channel(), processes.channel(),
-                 supervision.boards ? supervision.boards->channel() : -1});
-    passOnEarlySignals(program.process, supervision.groupMember);
+    ChildProcess program([&](Channel start) {
+        if (!start.receive())
+            ::_exit(statusOfFailure);
+        supervision.blocked.restore();
+        execute(words);
+    });
+    closeAllBut({program.channel().fd(), supervision.groupMember.channel(), processes.channel(),
+                 supervision.boards ? supervision.boards->channel().fd() : -1});
+    passOnEarlySignals(program.id(), supervision.groupMember);
     if (supervision.boards)
-        supervision.boards->programStarts();
-    program.start.send("start");
-    program.start.close();
+        supervision.boards->channel().send("start");
+    program.channel().send("start");
+    program.channel().close();
     // A pipe of the caller ends when the program lets go of it.
     redirectToNull(0);
     redirectToNull(1);
-    return waitForProgram(program.process, supervision);
+    return waitForProgram(program.id(), supervision);
 }
 
 int waitForEndingSignal()
