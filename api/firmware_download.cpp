@@ -6,7 +6,7 @@
 
 int makeFirmwareRun(RBaseImplementation &implementation)
 {
-    Response response;
+    Response response(1);
     if (!implementation.Ask(Request::FirmwareRuns, response))
         return 0;
     const bool runs = response.u8(0) == 1;  // an answer without a byte reads as 0: it does not run

@@ -8,11 +8,15 @@
 #include "board/rbase_implementation.h"
 #include "board/transfer_range.h"
 
-/// What a board answered. The bytes are not cleared before the exchange; those that a decoder may read behind a short
+/// What a board answered. The bytes are not cleared before the exchange; those that a decoder reads behind a short
 /// answer are cleared after it.
 class Response
 {
 public:
+    /// For an answer of which the first bytes, so many, are read by their place, however many have come; 0 for one that
+    /// is only copied by its count.
+    explicit Response(unsigned long decoded) : decoded(decoded) {}
+
     unsigned char u8(unsigned int place) const { return bytes[place]; }
     unsigned short u16be(unsigned int place) const
     {
@@ -35,20 +39,20 @@ public:
         return size;
     }
 
-    /// Cuts the count to the buffer, whatever the driver said, and clears what a record may still cover.
+    /// Cuts the count to the buffer, whatever the driver said, and clears what is decoded but has not come.
     void settle()
     {
         if (count > sizeof bytes)
             count = sizeof bytes;
-        if (count < longestRecord)
-            std::memset(bytes + count, 0, longestRecord - count);
+        if (count < decoded)
+            std::memset(bytes + count, 0, decoded - count);
     }
 
     unsigned char bytes[usbLargestAnswer];
     unsigned long count = 0;
 
 private:
-    static constexpr unsigned long longestRecord = 18;  // the status of three reels
+    const unsigned long decoded;
 };
 
 inline int RBaseImplementation::AskWith(Request request, Response &response, unsigned char *payload,
@@ -63,7 +67,7 @@ inline int RBaseImplementation::AskWith(Request request, Response &response, uns
 
 inline int RBaseImplementation::TellWith(Request request, unsigned char *payload, unsigned long length)
 {
-    Response ignored;
+    Response ignored(0);
     return PerformUSBIO(codeOf(request), pipeOf(request), payload, length, ignored.bytes, &ignored.count);
 }
 

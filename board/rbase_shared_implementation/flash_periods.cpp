@@ -6,7 +6,7 @@
 
 int RBaseImplementation::SetPeriodOutputs(usbOutput &outputs, unsigned char request)
 {
-    Response ignored;
+    Response ignored(0);
     return PerformUSBIO(request, pipeOf(Request::SetOnPeriodOutputs), outputs.bits, sizeof outputs.bits, ignored.bytes,
                         &ignored.count);
 }

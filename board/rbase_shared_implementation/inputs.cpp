@@ -5,7 +5,7 @@ int RBaseImplementation::GetFiveInputBytes(Request request, unsigned char *bytes
 {
     if (!bytes)
         return Fail(usbErrorNullPointer);
-    Response response;
+    Response response(sizeof(usbInput));
     if (!Ask(request, response))
         return 0;
     std::memcpy(bytes, response.bytes, sizeof(usbInput));
@@ -56,7 +56,7 @@ int RBaseImplementation::GetMultiplexedInputs(usbMultiplexedInput *inputs)
 {
     if (!inputs)
         return Fail(usbErrorNullPointer);
-    Response response;
+    Response response(sizeof *inputs);
     if (!Ask(Request::GetMultiplexedInputs, response))
         return 0;
     inputs->leadByte = response.u8(0);
