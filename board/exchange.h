@@ -67,8 +67,9 @@ inline int RBaseImplementation::AskWith(Request request, Response &response, uns
 
 inline int RBaseImplementation::TellWith(Request request, unsigned char *payload, unsigned long length)
 {
-    Response ignored(0);
-    return PerformUSBIO(codeOf(request), pipeOf(request), payload, length, ignored.bytes, &ignored.count);
+    unsigned char ignored[usbLargestAnswer];
+    unsigned long count = 0;
+    return PerformUSBIO(codeOf(request), pipeOf(request), payload, length, ignored, &count);
 }
 
 template <class... Byte>

@@ -135,9 +135,13 @@ public:
     int GetDeviceNo() const { return deviceNo; }
 
     /// One code for the whole process, whichever board it came from.
-    static void SetLastError(_usbErrorCode error);
-    static _usbErrorCode GetLastError();
-    static int ClearErrors();
+    static void SetLastError(_usbErrorCode error) { error_no = error; }
+    static _usbErrorCode GetLastError() { return error_no; }
+    static int ClearErrors()
+    {
+        error_no = usbErrorNone;
+        return 1;
+    }
     static int SetupErrorHandling();
     static void ReleaseErrorHandling();
     static _usbErrorCode error_no;
