@@ -14,6 +14,9 @@
 
 enum { on_lock = 2, off_lock = 3, eeprom_lock = 4 };
 
+/* What callers pass is known when the program runs and not before. */
+static volatile const unsigned int some_input = 12, some_output = 12, some_state = 1;
+
 static int ask(const struct hand_board *board, unsigned int pipe, unsigned char request, unsigned char *in)
 {
     unsigned long count;
@@ -46,7 +49,7 @@ static int get_inputs(struct hand_board *board, union result *result)
 static int get_input_bit(struct hand_board *board, union result *result)
 {
     unsigned char in[256];
-    const unsigned int input = 12;
+    const unsigned int input = some_input;
     if (!ask(board, 1, 75, in))
         return 0;
     result->number = in[input / 8] >> input % 8 & 1;
@@ -92,10 +95,9 @@ static int send_outputs(struct hand_board *board, const unsigned char *on, const
 static int set_output_bit(struct hand_board *board, union result *result)
 {
     (void)result;
-    const unsigned int output = 12;
-    unsigned char on[5] = {0};
-    const unsigned char off[5] = {0};
-    on[output / 8] = (unsigned char)(1 << output % 8);
+    const unsigned int output = some_output;
+    unsigned char on[5] = {0}, off[5] = {0};
+    (some_state ? on : off)[output / 8] = (unsigned char)(1 << output % 8);
     lock(board->locks, on_lock);
     lock(board->locks, off_lock);
     for (int k = 0; k < 5; ++k) {
