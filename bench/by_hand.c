@@ -48,11 +48,11 @@ static int get_inputs(struct hand_board *board, union result *result)
 
 static int get_input_bit(struct hand_board *board, union result *result)
 {
-    unsigned char in[256];
+    union result inputs;
     const unsigned int input = some_input;
-    if (!ask(board, 1, 75, in))
+    if (!get_inputs(board, &inputs))
         return 0;
-    result->number = in[input / 8] >> input % 8 & 1;
+    result->number = inputs.bytes[input / 8] >> input % 8 & 1;
     return 1;
 }
 
@@ -80,8 +80,8 @@ static int get_parallel_hopper_status(struct hand_board *board, union result *re
 static int set_config(struct hand_board *board, union result *result)
 {
     (void)result;
-    const unsigned char out[] = {1, 0, 0, 0, 0x64, 0xFF}; /* 9600 baud */
-    return tell(board, 4, 97, out, sizeof out);
+    const unsigned char out[] = {1, 0, 0, 0, 0xD9, 1}; /* 9600 baud */
+    return tell(board, 3, 97, out, sizeof out);
 }
 
 static int send_outputs(struct hand_board *board, const unsigned char *on, const unsigned char *off)

@@ -46,7 +46,7 @@ const std::vector<Operation> &operations()
          {},
          [](SorvaneUSB &board, result &) {
              _DCB settings = {9600, 0, 0};
-             return board.SetConfig(usbSerialPort1, &settings, usbPortType1);
+             return board.SetConfig(usbSerialPort0, &settings, usbPortType1);
          }},
         {"SetOutputBit", {}, [](SorvaneUSB &board, result &) { return board.SetOutputBit(usbOutput12, 1); }},
         {"Send, 60 bytes",
