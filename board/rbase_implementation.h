@@ -197,7 +197,6 @@ protected:
 
 private:
     int SpinRamp(Request request, unsigned char reel, const usbRampTable &table);
-    int GetFiveInputBytes(Request request, unsigned char *bytes);
     int NextTimestampedItem(_usbSerialPort port, unsigned int size, TimestampedItem &item);
     int AskForSerialData(_usbSerialPort port, unsigned char *data, unsigned long *count);
     int ReceivePolledParts(_usbSerialPort port, unsigned char slot, unsigned char *message, unsigned long *length,
