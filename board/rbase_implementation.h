@@ -11,7 +11,8 @@ class SorvaneUSB;
 class Response;
 struct TimestampedItem;
 
-class RBaseImplementation
+/// Hidden: no call of it within the library takes the detour by which another library could replace it.
+class [[gnu::visibility("hidden")]] RBaseImplementation
 {
 public:
     RBaseImplementation(SorvaneUSB *owner, int deviceHandle, int speed, int deviceNo);
