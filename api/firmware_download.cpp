@@ -6,7 +6,7 @@
 
 int makeFirmwareRun(RBaseImplementation &implementation)
 {
-    Response response(1);
+    Response<1> response;
     if (!implementation.Ask(Request::FirmwareRuns, response))
         return 0;
     const bool runs = response.u8(0) == 1;  // an answer without a byte reads as 0: it does not run

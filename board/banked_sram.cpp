@@ -72,7 +72,7 @@ int readBankedSRAM(RBaseImplementation &board, unsigned long limit, unsigned lon
     for (unsigned long done = 0; done < length;) {
         const Place place = placeOf(address + callerBase + done, true);
         const unsigned long n = std::min({largestChunk, length - done, place.leftInPage()});
-        Response response(0);
+        Response<0> response;
         if (!board.Ask(Request::ReadBankedSRAM, response, low(n), high(n), place.page, low(place.offset),
                        high(place.offset)))
             return 0;

@@ -8,15 +8,13 @@
 #include "board/rbase_implementation.h"
 #include "board/transfer_range.h"
 
-/// What a board answered. The bytes are not cleared before the exchange; those that a decoder reads behind a short
-/// answer are cleared after it.
+/// What a board answered. Its first bytes, so many as are decoded, may be read by their place: where the answer was
+/// shorter they are 0. For an answer that is only copied by its count these are none. Nothing is cleared before the
+/// exchange.
+template <unsigned long Decoded>
 class Response
 {
 public:
-    /// For an answer of which the first bytes, so many, are read by their place, however many have come; 0 for one that
-    /// is only copied by its count.
-    explicit Response(unsigned long decoded) : decoded(decoded) {}
-
     unsigned char u8(unsigned int place) const { return bytes[place]; }
     unsigned short u16be(unsigned int place) const
     {
@@ -28,7 +26,8 @@ public:
     }
     unsigned long u32le(unsigned int place) const
     {
-        return u16le(place) | static_cast<unsigned long>(u16le(place + 2)) << 16;
+        return u8(place) | static_cast<unsigned long>(u8(place + 1)) << 8 |
+               static_cast<unsigned long>(u8(place + 2)) << 16 | static_cast<unsigned long>(u8(place + 3)) << 24;
     }
 
     /// Copies what fits in room bytes, and returns how many these are.
@@ -44,19 +43,17 @@ public:
     {
         if (count > sizeof bytes)
             count = sizeof bytes;
-        if (count < decoded)
-            std::memset(bytes + count, 0, decoded - count);
+        if (count < Decoded)
+            std::memset(bytes + count, 0, Decoded - count);
     }
 
     unsigned char bytes[usbLargestAnswer];
     unsigned long count = 0;
-
-private:
-    const unsigned long decoded;
 };
 
-inline int RBaseImplementation::AskWith(Request request, Response &response, unsigned char *payload,
-                                        unsigned long length)
+template <unsigned long Decoded>
+int RBaseImplementation::AskWith(Request request, Response<Decoded> &response, unsigned char *payload,
+                                 unsigned long length)
 {
     response.count = 0;
     if (!PerformUSBIO(codeOf(request), pipeOf(request), payload, length, response.bytes, &response.count))
@@ -72,8 +69,8 @@ inline int RBaseImplementation::TellWith(Request request, unsigned char *payload
     return PerformUSBIO(codeOf(request), pipeOf(request), payload, length, ignored, &count);
 }
 
-template <class... Byte>
-int RBaseImplementation::Ask(Request request, Response &response, Byte... bytes)
+template <unsigned long Decoded, class... Byte>
+int RBaseImplementation::Ask(Request request, Response<Decoded> &response, Byte... bytes)
 {
     if constexpr (sizeof...(bytes) == 0) {
         return AskWith(request, response, nullptr, 0);

@@ -8,6 +8,7 @@
 #include "board/requests.h"
 
 class SorvaneUSB;
+template <unsigned long Decoded>
 class Response;
 struct TimestampedItem;
 
@@ -174,10 +175,11 @@ public:
     // The words of board/exchange.h.
     template <class... Byte>
     int Tell(Request request, Byte... bytes);
-    template <class... Byte>
-    int Ask(Request request, Response &response, Byte... bytes);
+    template <unsigned long Decoded, class... Byte>
+    int Ask(Request request, Response<Decoded> &response, Byte... bytes);
     int TellWith(Request request, unsigned char *payload, unsigned long length);
-    int AskWith(Request request, Response &response, unsigned char *payload, unsigned long length);
+    template <unsigned long Decoded>
+    int AskWith(Request request, Response<Decoded> &response, unsigned char *payload, unsigned long length);
     int AskInto(Request request, unsigned char *buffer);
 
     /// 1 once the board's firmware is known to run; the banked SRAM maps its writes by it.

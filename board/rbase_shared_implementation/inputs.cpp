@@ -8,7 +8,7 @@ int getFiveInputBytes(RBaseImplementation &board, Request request, unsigned char
 {
     if (!bytes)
         return RBaseImplementation::Fail(usbErrorNullPointer);
-    Response response(sizeof(usbInput));
+    Response<sizeof(usbInput)> response;
     if (!board.Ask(request, response))
         return 0;
     std::memcpy(bytes, response.bytes, sizeof(usbInput));
@@ -61,7 +61,7 @@ int RBaseImplementation::GetMultiplexedInputs(usbMultiplexedInput *inputs)
 {
     if (!inputs)
         return Fail(usbErrorNullPointer);
-    Response response(sizeof *inputs);
+    Response<sizeof(usbMultiplexedInput)> response;
     if (!Ask(Request::GetMultiplexedInputs, response))
         return 0;
     inputs->leadByte = response.u8(0);

@@ -126,7 +126,7 @@ int RBaseImplementation::Receive(_usbSerialPort port, unsigned char *data, unsig
         return Fail(usbErrorLength);
     *length = 0;
     while (capacity - *length >= largest) {
-        Response response(0);
+        Response<0> response;
         if (!AskForSerialData(port, response.bytes, &response.count))
             return 0;
         response.settle();
@@ -158,7 +158,7 @@ int RBaseImplementation::NextTimestampedItem(_usbSerialPort port, unsigned int s
     if (buffer.empty()) {
         if (!isSerialPort(port))
             return Fail(usbErrorParameter);
-        Response response(0);
+        Response<0> response;
         if (!Ask(onPort(Request::ReceiveWithTimestamps, port), response))
             return 0;
         buffer.fill(response.bytes, response.count);
@@ -216,7 +216,7 @@ int RBaseImplementation::GetParityErrors(_usbSerialPort port, unsigned short *co
         return Fail(usbErrorNullPointer);
     if (!isSerialPort(port))
         return Fail(usbErrorParameter);
-    Response response(2);
+    Response<2> response;
     if (!Ask(onPort(Request::GetParityErrors, port), response))
         return 0;
     *count = response.u16be(0);
