@@ -53,7 +53,7 @@ int writeBankedSRAM(RBaseImplementation &board, unsigned long limit, unsigned lo
     const unsigned long largestChunk = highSpeed(board) ? 247 : 55;
     for (unsigned long done = 0; done < length;) {
         const Place place = placeOf(base + done, board.firmwareLoaded != 0);
-        const unsigned long n = std::min({largestChunk, length - done, place.leftInPage()});
+        const unsigned long n = std::min(std::min(largestChunk, length - done), place.leftInPage());
         Payload<5 + 247> payload(low(n), high(n), place.page, low(place.offset), high(place.offset));
         payload.append(data + done, n);
         if (!board.TellWith(Request::WriteBankedSRAM, payload.bytes, payload.length))
@@ -71,7 +71,7 @@ int readBankedSRAM(RBaseImplementation &board, unsigned long limit, unsigned lon
     const unsigned long largestChunk = highSpeed(board) ? 252 : 60;
     for (unsigned long done = 0; done < length;) {
         const Place place = placeOf(address + callerBase + done, true);
-        const unsigned long n = std::min({largestChunk, length - done, place.leftInPage()});
+        const unsigned long n = std::min(std::min(largestChunk, length - done), place.leftInPage());
         Response<0> response;
         if (!board.Ask(Request::ReadBankedSRAM, response, low(n), high(n), place.page, low(place.offset),
                        high(place.offset)))
