@@ -12,8 +12,7 @@ template <unsigned long Decoded>
 class Response;
 struct TimestampedItem;
 
-/// Hidden: no call of it within the library takes the detour by which another library could replace it.
-class [[gnu::visibility("hidden")]] RBaseImplementation
+class RBaseImplementation
 {
 public:
     RBaseImplementation(SorvaneUSB *owner, int deviceHandle, int speed, int deviceNo);
