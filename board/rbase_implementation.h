@@ -5,6 +5,7 @@
 #define SORVANE_BOARD_RBASE_IMPLEMENTATION_H
 
 #include "api/sorvaneusb_types.h"
+#include "board/models.h"
 #include "board/requests.h"
 
 class SorvaneUSB;
@@ -132,6 +133,10 @@ public:
                                      unsigned long *length, unsigned int *status);
     virtual int DeletePolledMessage(_usbSerialPort port, unsigned char slot);
 
+    // Behind the slots above, whose order is fixed.
+    /// The most bytes that this board hands over in one answer.
+    virtual unsigned long LargestAnswer() const;
+
     int GetDeviceHandle(int unused) const { return (void)unused, deviceHandle; }
     int GetDeviceNo() const { return deviceNo; }
 
@@ -181,9 +186,11 @@ public:
     int AskWith(Request request, Response<Decoded> &response, unsigned char *payload, unsigned long length);
     int AskInto(Request request, unsigned char *buffer);
 
+    bool isHighSpeed() const { return speed == highSpeed; }
+
     /// 1 once the board's firmware is known to run; the banked SRAM maps its writes by it.
     unsigned char firmwareLoaded;
-    /// 1 full speed, 2 high speed; sizes the chunks of long transfers.
+    /// A BusSpeed; sizes the chunks of long transfers.
     int speed;
     /// The object whose InitPort made this one; tested for null, never followed.
     SorvaneUSB *owner;
@@ -192,8 +199,8 @@ public:
     int deviceHandle;
 
 protected:
-    /// The most bytes that this board hands over in one answer.
-    unsigned long LargestAnswer();
+    /// Reports the number of a model through what may be null.
+    static int ReportType(unsigned char *result, BoardType type);
     /// Fetches a clock value, which every request delivers in the same form.
     int ReadClockValue(Request request, unsigned long *time);
 

@@ -14,11 +14,9 @@ constinit unsigned char message_id = 0;
 
 constexpr unsigned int largestChunk = 252;
 
-unsigned int chunkFor(RBaseImplementation &board)
+unsigned int chunkFor(const RBaseImplementation &board)
 {
-    unsigned char speed = 0;
-    board.GetBoardSpeed(&speed);
-    return speed == 2 ? largestChunk : 60;
+    return board.isHighSpeed() ? largestChunk : 60;
 }
 
 }  // namespace
