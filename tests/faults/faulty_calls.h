@@ -3,8 +3,8 @@
 //
 //     SORVANE_FAULTS="semop 3 once 4;semctl 1 ever 13"    the third semop with errno 4, every semctl with errno 13
 //
-// Calls: ftok semget semop semctl shmget shmat shmctl open flock fopen ioctl new (the nothrow operator). A fault that struck
-// writes the line "! struck" to the standard output, an exchange that is sent again after it failed "! repeated".
+// Calls: ftok semget semop semctl shmget shmat shmctl open flock fopen ioctl new (the nothrow operator). A fault that
+// struck writes "! struck" to the standard output, an exchange that is sent again after it failed "! repeated".
 //
 // A failure is one that the system can bring about:
 //   - semop with EIDRM, shmat with EIDRM or EINVAL: the set, the segment, is really removed first;
