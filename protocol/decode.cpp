@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "protocol/families.h"
+
 namespace protocol
 {
 

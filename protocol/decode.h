@@ -11,6 +11,7 @@
 #ifndef SORVANE_PROTOCOL_DECODE_H
 #define SORVANE_PROTOCOL_DECODE_H
 
+#include <span>
 #include <string>
 #include <vector>
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "protocol/operation.h"
+#include "protocol/families.h"
 
 namespace protocol
 {

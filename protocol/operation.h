@@ -7,7 +7,6 @@
 
 #include <initializer_list>
 #include <optional>
-#include <span>
 #include <string_view>
 
 #include "protocol/field.h"
@@ -69,18 +68,6 @@ struct Operation {
     /// Whether a call of that operation of the public class sends this exchange.
     bool isSentBy(std::string_view operation) const;
 };
-
-/// The operations of one kind of device, for whoever shows them all.
-struct Family {
-    const char *title;
-    std::span<const Operation> operations;
-};
-
-/// Every family; every row of it has static storage.
-std::span<const Family> families();
-
-/// The row for this request, or null when the boards of the model know none, with this payload, on this pipe.
-const Operation *findOperation(Model model, int pipe, unsigned char request, std::span<const unsigned char> payload);
 
 }  // namespace protocol
 

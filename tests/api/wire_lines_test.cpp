@@ -5,6 +5,7 @@
 
 #include "protocol/decode.h"
 #include "protocol/document.h"
+#include "protocol/families.h"
 #include "tests/api/wire_table.h"
 
 namespace tests

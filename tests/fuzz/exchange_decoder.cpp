@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "protocol/decode.h"
+#include "protocol/families.h"
 #include "tests/fuzz/fuzz_input.h"
 
 namespace
