@@ -77,7 +77,7 @@ PROGRAM
 for standard in c++11 c++20; do
     # shellcheck disable=SC2086 # the flags are several words
     "$compiler" $flags -std=$standard -Wall -Wextra -pedantic -Werror "$work/nulls.cpp" -o "$work/nulls" \
-        -I"$prefix/include" "$prefix/lib/libsorvaneusb.a" || fail "null literals do not compile as $standard"
+        -I"$prefix/include" "$libraries/libsorvaneusb.a" || fail "null literals do not compile as $standard"
     "$work/nulls" || fail "an operation without a board did not fail"
 done
 
