@@ -1,4 +1,4 @@
-#include "tests/stress/tracer.h"
+#include "tests/processes/tracer.h"
 
 #include <cerrno>
 #include <csignal>
@@ -8,7 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace stress
+namespace tests
 {
 
 namespace
@@ -44,7 +44,7 @@ constexpr auto requestOf(int request)
 
 }  // namespace
 
-Traced::Traced(const std::string &program) : peer(program, tests::Peer::Start::held)
+Traced::Traced(const std::string &program) : peer(program, Peer::Start::held)
 {
     const auto options = reinterpret_cast<void *>(PTRACE_O_TRACESYSGOOD | PTRACE_O_TRACEEXEC | PTRACE_O_EXITKILL);
     if (::ptrace(PTRACE_SEIZE, peer.id(), nullptr, options) != 0)
@@ -57,7 +57,7 @@ Traced::Traced(const std::string &program) : peer(program, tests::Peer::Start::h
 
 bool Traced::possible()
 {
-    tests::Peer victim("/bin/true", tests::Peer::Start::held);
+    Peer victim("/bin/true", Peer::Start::held);
     return ::ptrace(PTRACE_SEIZE, victim.id(), nullptr, nullptr) == 0;
 }
 
@@ -178,4 +178,4 @@ void Traced::release()
         ::ptrace(PTRACE_DETACH, peer.id(), nullptr, nullptr);
 }
 
-}  // namespace stress
+}  // namespace tests

@@ -1,16 +1,17 @@
-// A process killed before and after each of its system calls, and between its instructions: alone, and beside one that
-// lives on.
+// A process killed before and after each of its system calls, and between its instructions: alone, beside one that
+// lives on, and after another has joined or waits for it to go on.
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <random>
 #include <sstream>
 #include <vector>
 
-#include "tests/stress/outside.h"
-#include "tests/stress/recording_driver.h"
-#include "tests/stress/tracer.h"
+#include "tests/processes/outside.h"
+#include "tests/processes/trace.h"
+#include "tests/processes/tracer.h"
 
-namespace stress
+namespace tests::kills
 {
 
 namespace
@@ -21,7 +22,16 @@ constexpr int wholeBatch = 50;  // items of the stream that the other takes befo
 
 const Part loading = {""};
 const Part leaving = {"quit"};
-const Part opening = {"open"};
+const Part opening = {"do open"};
+
+enum class Company { none, survivor, joiner };
+
+/// What the victim is killed in, and beside whom.
+struct Setting {
+    Part part;
+    Company company;
+    int drained = wholeBatch;
+};
 
 const char *const operations[] = {"SetOutputBit",
                                   "ModifyOutputs",
@@ -41,16 +51,17 @@ const char *const operations[] = {"SetOutputBit",
 class Scene
 {
 public:
-    Scene(const Part &part, bool beside, int drained = wholeBatch) : part(part), nextItem(firstItem + drained)
+    explicit Scene(const Setting &setting)
+        : part(setting.part), company(setting.company), nextItem(firstItem + setting.drained)
     {
         startNewTrace();
         sharedTrace().nextItem = firstItem;
-        if (beside) {
-            survivor = std::make_unique<Peer>(workerAround());
-            EXPECT_EQ(askInTime(*survivor, "bit 0 1"), "1");
-            askInTime(*survivor, "drain " + std::to_string(drained));
+        if (company == Company::survivor) {
+            survivor = std::make_unique<Peer>(eitherWidth());
+            EXPECT_EQ(survivor->ask("bit 0 1"), "1");
+            survivor->ask("drain " + std::to_string(setting.drained));
         }
-        victim = std::make_unique<Traced>(STRESS_WORKER);
+        victim = std::make_unique<Traced>(ownWidth());
         if (!part.loading() && part.line != opening.line) {
             victim->beginWith(opening);
             while (victim->next()) {
@@ -64,18 +75,21 @@ public:
 
     Traced &process() { return *victim; }
 
-    /// Kills it and looks at who lives on, at who starts now, and at what is left at last.
+    /// Kills it and looks at who lives on, at who starts now or started before, and at what is left at last.
     void kill(const std::string &where)
     {
-        SCOPED_TRACE("\"" + part.line + "\" killed " + where + (survivor ? ", beside another" : ", alone"));
+        const char *const companies[] = {", alone", ", beside another", ", while another joins"};
+        SCOPED_TRACE("\"" + part.line + "\" killed " + where + companies[static_cast<int>(company)]);
+        Peer newcomer(eitherWidth(), Peer::Start::held);
+        if (company == Company::joiner)
+            join(newcomer);
         victim->peer.kill();
         if (survivor) {
-            EXPECT_EQ(askInTime(*survivor, "bit 2 1", patience), "1");
+            EXPECT_EQ(survivor->ask("bit 2 1", patience), "1");
             expectPattern(*survivor, 0x05);
             if (part.line.find("9Bit") == std::string::npos)  // mixing both forms shifts the items by right
                 expectStream(*survivor);
         }
-        Peer newcomer(workerAround(), Peer::Start::held);
         newcomer.release();
         expectAtWork(newcomer, 3, patience);
         expectPattern(newcomer, survivor ? 0x0D : 0x08);
@@ -93,13 +107,25 @@ private:
     // The stream comes in batches: 150 to 199, 200 to 299, 300 to 398.
     static constexpr int firstItem = 150;
 
+    /// Only a holder of the arena's mutex makes it wait.
+    void join(Peer &newcomer) const
+    {
+        const bool waits = arenaMutexHolder() == victim->peer.id();
+        newcomer.release();
+        if (waits) {
+            EXPECT_FALSE(newcomer.answers(30)) << "it joined although the arena's mutex is held";
+        } else {
+            newcomer.awaitReady(patience);
+        }
+    }
+
     /// The outputs of those that live are as they wanted them; the victim's own change has happened or not.
     void expectPattern(Peer &peer, unsigned int own) const
     {
         const bool whole =
             part.line.find("Outputs") != std::string::npos && part.line.find("Modify") == std::string::npos;
         for (const char *pattern : {"on", "off"}) {
-            const std::string hex = askInTime(peer, pattern);
+            const std::string hex = peer.ask(pattern);
             const auto first = static_cast<unsigned int>(std::stoi(hex.substr(0, 2), nullptr, 16));
             EXPECT_TRUE(first == own || (whole && first == (own | 1))) << pattern << " " << hex;
             const std::string rest = hex.substr(2);
@@ -111,10 +137,8 @@ private:
     /// next batch if it died with one in its hands; never an old one, and never one that is put together wrongly.
     void expectStream(Peer &peer) const
     {
-        std::istringstream numbers(askInTime(peer, "drain 60"));
-        std::vector<int> items;
-        for (int number; numbers >> number;)
-            items.push_back(number);
+        std::istringstream numbers(peer.ask("drain 60"));
+        const std::vector<int> items(std::istream_iterator<int>(numbers), {});
         ASSERT_EQ(items.size(), 60u);
         const bool batchDied = nextItem == 200 && items[0] == 300;
         EXPECT_TRUE(items[0] == nextItem || items[0] == nextItem + 1 || batchDied) << items[0];
@@ -123,14 +147,15 @@ private:
     }
 
     Part part;
+    Company company;
     int nextItem;
     std::unique_ptr<Peer> survivor;
     std::unique_ptr<Traced> victim;
 };
 
-std::vector<std::string> callsOf(const Part &part, bool beside)
+std::vector<std::string> callsOf(const Setting &setting)
 {
-    Scene scene(part, beside);
+    Scene scene(setting);
     std::vector<std::string> calls;
     do
         calls.push_back(scene.process().where());
@@ -149,15 +174,15 @@ void expectCalls(const std::vector<std::string> &calls, std::initializer_list<co
             EXPECT_NE(all.find(call + side), std::string::npos) << call << side << " in " << all;
 }
 
-std::size_t killAtEachCall(const Part &part, bool beside, std::initializer_list<const char *> expected)
+std::size_t killAtEachCall(const Setting &setting, std::initializer_list<const char *> expected)
 {
-    const std::vector<std::string> calls = callsOf(part, beside);
+    const std::vector<std::string> calls = callsOf(setting);
     expectCalls(calls, expected);
     // A short run takes some of them, other ones each time.
     const std::size_t step = longRun() ? 1 : 5;
     const std::size_t first = std::random_device()() % step;
     for (std::size_t point = first; point < calls.size() && !testing::Test::HasFailure(); point += step) {
-        Scene scene(part, beside);
+        Scene scene(setting);
         bool reached = true;
         for (std::size_t k = 0; k < point; ++k)
             reached = reached && scene.process().next();
@@ -174,9 +199,9 @@ std::size_t furthest()
 }
 
 /// The number of instructions from each stop to the next system call.
-std::vector<std::size_t> instructionsOf(const Part &part, bool beside, int drained)
+std::vector<std::size_t> instructionsOf(const Setting &setting)
 {
-    Scene scene(part, beside, drained);
+    Scene scene(setting);
     std::vector<std::size_t> counts;
     do {
         std::size_t count = 0;
@@ -206,15 +231,15 @@ std::vector<std::size_t> pointsIn(std::size_t stretch, std::size_t most)
     return points;
 }
 
-std::size_t killBetweenInstructions(const Part &part, bool beside, std::size_t mostPerStretch, int drained = wholeBatch)
+std::size_t killBetweenInstructions(const Setting &setting, std::size_t mostPerStretch)
 {
-    const std::vector<std::size_t> counts = instructionsOf(part, beside, drained);
+    const std::vector<std::size_t> counts = instructionsOf(setting);
     std::size_t kills = 0;
     for (std::size_t stop = 0; stop < counts.size(); ++stop) {
         for (std::size_t instruction : pointsIn(counts[stop], mostPerStretch)) {
             if (testing::Test::HasFailure())
                 return kills;
-            Scene scene(part, beside, drained);
+            Scene scene(setting);
             const std::string where = "instruction " + std::to_string(instruction) + " of " +
                                       std::to_string(counts[stop]) + " behind stop " + std::to_string(stop);
             bool reached = true;
@@ -228,67 +253,69 @@ std::size_t killBetweenInstructions(const Part &part, bool beside, std::size_t m
     return kills;
 }
 
-class Killed : public Stress
-{
-};
+constexpr Company aloneOrNot[] = {Company::none, Company::survivor};
 
-TEST_F(Killed, AtEachSystemCallOfLoadingOpeningAndLeaving)
+TEST_F(Processes, AreKilledAtEachSystemCallOfLoadingOpeningAndLeaving)
 {
     for (Rounds rounds("killed at each call of load, open and unload", 1); rounds.another();) {
         std::size_t points = 0;
-        for (bool beside : {false, true}) {
-            points += killAtEachCall(loading, beside, {"openat", "semget", "semop", "shmget", "shmat", "shmctl"});
-            points += killAtEachCall(opening, beside, {"flock", "semop", "ioctl"});
-            points += killAtEachCall(leaving, beside, {"semop", "shmdt", "shmctl"});
+        for (Company company : {Company::none, Company::survivor, Company::joiner}) {
+            points += killAtEachCall({loading, company}, {"openat", "semget", "semop", "shmget", "shmat", "shmctl"});
+            points += killAtEachCall({leaving, company}, {"semop", "shmdt", "shmctl"});
         }
+        for (Company company : aloneOrNot)
+            points += killAtEachCall({opening, company}, {"flock", "semop", "ioctl"});
         rounds.note("points", points);
     }
 }
 
-TEST_F(Killed, AtEachSystemCallOfEachLockedOperation)
+TEST_F(Processes, AreKilledAtEachSystemCallOfEachLockedOperation)
 {
     for (Rounds rounds("killed at each call of the locked operations", 1); rounds.another();) {
         std::size_t points = 0;
         for (const char *operation : operations)
-            for (bool beside : {false, true})
-                points += killAtEachCall({std::string("do ") + operation}, beside, {"semop", "ioctl"});
+            for (Company company : aloneOrNot)
+                points += killAtEachCall({{std::string("do ") + operation}, company}, {"semop", "ioctl"});
         rounds.note("points", points);
     }
 }
 
-TEST_F(Killed, BetweenInstructionsOfLoading)
-{
-    const std::size_t most = longRun() ? 3 : 1;
-    for (Rounds rounds("killed between instructions of load", 1); rounds.another();) {
-        std::size_t kills = 0;
-        for (bool beside : {false, true})
-            kills += killBetweenInstructions(loading, beside, most);
-        rounds.note("kills", kills);
-    }
-}
+struct Stretches {
+    const char *what;
+    std::vector<Setting> settings;
+    std::size_t most, mostOfLongRun;  // kills in each stretch between two calls
+};
 
-TEST_F(Killed, BetweenInstructionsOfTheOperationsThatChangeTables)
+class KilledBetweenInstructions : public Processes, public testing::WithParamInterface<Stretches>
 {
-    const std::size_t most = longRun() ? 10 : 5;
-    for (Rounds rounds("killed between instructions of operations", 1); rounds.another();) {
-        std::size_t kills = 0;
-        for (const char *operation : {"SetOutputBit", "SetOnPeriodOutputs", "ConfigureEEPROM"})
-            kills += killBetweenInstructions({std::string("do ") + operation}, true, most);
-        rounds.note("kills", kills);
-    }
-}
+};
 
-TEST_F(Killed, BetweenInstructionsOfTakingAnItem)
+INSTANTIATE_TEST_SUITE_P(
+    Of, KilledBetweenInstructions,
+    testing::Values(Stretches{"Loading", {{loading, Company::none}, {loading, Company::survivor}}, 1, 3},
+                    Stretches{"OperationsThatChangeTables",
+                              {{{"do SetOutputBit"}, Company::survivor},
+                               {{"do SetOnPeriodOutputs"}, Company::survivor},
+                               {{"do ConfigureEEPROM"}, Company::survivor}},
+                              5,
+                              10},
+                    Stretches{"TakingAnItem",
+                              {{{"do ReceiveByteWithTimestamp"}, Company::survivor, 1},
+                               {{"do ReceiveByteWithTimestamp"}, Company::survivor}},
+                              20,
+                              40}),
+    [](const auto &info) { return info.param.what; });
+
+TEST_P(KilledBetweenInstructions, TheyLoseNothingOfTheOthers)
 {
-    const std::size_t most = longRun() ? 40 : 20;
-    for (Rounds rounds("killed between instructions of taking an item", 1); rounds.another();) {
+    for (Rounds rounds(std::string("killed between instructions: ") + GetParam().what, 1); rounds.another();) {
         std::size_t kills = 0;
-        for (int drained : {1, wholeBatch})
-            kills += killBetweenInstructions({"do ReceiveByteWithTimestamp"}, true, most, drained);
+        for (const Setting &setting : GetParam().settings)
+            kills += killBetweenInstructions(setting, longRun() ? GetParam().mostOfLongRun : GetParam().most);
         rounds.note("kills", kills);
     }
 }
 
 }  // namespace
 
-}  // namespace stress
+}  // namespace tests::kills

@@ -1,11 +1,11 @@
 #include <cstdio>
 #include <gtest/gtest.h>
 
-#include "tests/stress/tracer.h"
+#include "tests/processes/tracer.h"
 
 int main(int argc, char **argv)
 {
-    if (!stress::Traced::possible()) {
+    if (!tests::Traced::possible()) {
         std::puts("SKIPPED: no process can be traced here (an emulator runs this program, or the machine forbids it)");
         return 77;
     }

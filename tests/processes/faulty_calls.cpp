@@ -1,11 +1,10 @@
-#include "tests/faults/faulty_calls.h"
+#include "tests/processes/faulty_calls.h"
 
+#include <algorithm>
 #include <cerrno>
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
 #include <new>
 #include <sys/ipc.h>
 #include <sys/sem.h>
@@ -20,10 +19,7 @@ int __real_semctl(int id, int semaphore, int command, ...);
 int __real_shmget(key_t key, std::size_t size, int flags);
 void *__real_shmat(int id, const void *address, int flags);
 int __real_shmctl(int id, int command, shmid_ds *status);
-int __real_open(const char *path, int flags, ...);
 int __real_flock(int descriptor, int operation);
-FILE *__real_fopen(const char *path, const char *mode);
-int __real_ioctl(int descriptor, unsigned long request, ...);
 }
 
 namespace tests
@@ -42,7 +38,8 @@ struct Fault {
 
 constexpr int mostFaults = 2;
 constinit Fault faults[mostFaults] = {};
-constinit int faultCount = -1;  // the environment has not been read yet
+constinit int faultCount = -1;     // the environment has not been read yet
+constinit bool observing = false;  // it is there, if empty
 
 void say(const char *line)
 {
@@ -54,6 +51,7 @@ void readEnvironment()
 {
     faultCount = 0;
     const char *text = std::getenv("SORVANE_FAULTS");
+    observing = text != nullptr;
     while (text && *text && faultCount < mostFaults) {
         Fault &fault = faults[faultCount];
         if (std::sscanf(text, "%7s %u %7s %d", fault.call, &fault.number, fault.often, &fault.error) != 4)
@@ -114,21 +112,34 @@ void observe()
         observation.held[k] = observation.held[k] || __real_semctl(id, k, GETVAL) == 0;
 }
 
-// The request that failed last, in this operation.
-constinit unsigned char failedRequest[56] = {};
-constinit bool requestFailed = false;
+// The call that failed last, in this operation: request, addresses and lengths.
+constinit unsigned char failedCall[56] = {};
+constinit std::size_t failedSize = 0;
 
-/// Compares the caller's record as it is before the call: request, addresses and lengths.
-void lookForRepetition(const void *record, bool failing)
+bool isRepeated(const Exchange &exchange)
 {
-    constexpr std::size_t bytes = sizeof(void *) == 8 ? sizeof failedRequest : 28;
-    if (requestFailed && std::memcmp(failedRequest, record, bytes) == 0)
-        say("! repeated\n");
-    std::memcpy(failedRequest, record, bytes);
-    requestFailed = failing;
+    return failedSize != 0 && std::memcmp(failedCall, exchange.call, failedSize) == 0;
 }
 
 }  // namespace
+
+bool exchangeArrives(const Exchange &exchange)
+{
+    if (!observing)
+        return true;
+    observe();
+    if (isRepeated(exchange))
+        say("! repeated\n");
+    const bool arrives = !fails("ioctl");
+    failedSize = arrives ? 0 : std::min(exchange.callSize, sizeof failedCall);
+    std::memcpy(failedCall, exchange.call, failedSize);
+    return arrives;
+}
+
+bool callFails(const char *call)
+{
+    return fails(call);
+}
 
 std::string takeObservation()
 {
@@ -137,7 +148,7 @@ std::string takeObservation()
         text += observation.held[k] ? " " + std::to_string(k - 1) : "";
     text += " registrations " + std::to_string(observation.registrations);
     observation = {};
-    requestFailed = false;
+    failedSize = 0;
     return text;
 }
 
@@ -195,35 +206,9 @@ int __wrap_shmctl(int id, int command, shmid_ds *status)
     return fails("shmctl") ? -1 : __real_shmctl(id, command, status);
 }
 
-int __wrap_open(const char *path, int flags, ...)
-{
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = flags & O_CREAT ? va_arg(arguments, mode_t) : 0;
-    va_end(arguments);
-    return fails("open") ? -1 : __real_open(path, flags, mode);
-}
-
 int __wrap_flock(int descriptor, int operation)
 {
     return fails("flock") ? -1 : __real_flock(descriptor, operation);
-}
-
-FILE *__wrap_fopen(const char *path, const char *mode)
-{
-    return fails("fopen") ? nullptr : __real_fopen(path, mode);
-}
-
-int __wrap_ioctl(int descriptor, unsigned long request, ...)
-{
-    va_list arguments;
-    va_start(arguments, request);
-    void *record = va_arg(arguments, void *);
-    va_end(arguments);
-    tests::observe();
-    const bool failing = fails("ioctl");
-    tests::lookForRepetition(record, failing);
-    return failing ? -1 : __real_ioctl(descriptor, request, record);
 }
 }
 

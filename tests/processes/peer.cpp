@@ -1,7 +1,7 @@
-#include "tests/support/peer.h"
+#include "tests/processes/peer.h"
 
 #include <csignal>
-#include <cstring>
+#include <cstdlib>
 #include <fcntl.h>
 #include <poll.h>
 #include <stdexcept>
@@ -30,35 +30,64 @@ struct Pipe {
 
 }  // namespace
 
-Peer::Peer(const std::string &program, Start start)
+const char *ownWidth()
 {
-    Pipe commands, answers, hold;
+    return PEER_PROGRAM;
+}
+
+const char *otherWidth()
+{
+#ifdef OTHER_WIDTH_PEER
+    return OTHER_WIDTH_PEER;
+#else
+    return PEER_PROGRAM;
+#endif
+}
+
+const char *eitherWidth()
+{
+    static unsigned int asked = 0;
+    return ++asked % 4 == 0 ? otherWidth() : ownWidth();
+}
+
+bool hasOtherWidth()
+{
+    return otherWidth() != std::string(ownWidth());
+}
+
+Peer::Peer(const std::string &program, Start start, int gate)
+{
+    Pipe commands, answers, holding;
     process = ::fork();
     if (process == 0) {
         ::dup2(commands.read, 0);
         ::dup2(answers.write, 1);
-        ::close(hold.write);
+        ::close(holding.write);
         char token;
-        while (::read(hold.read, &token, 1) > 0) {  // ends when the gate is closed
+        while (::read(holding.read, &token, 1) > 0) {  // ends when it is released
+        }
+        if (gate != -1) {
+            ::dup2(::dup(gate), 3);  // it stays open where the program starts
+            ::setenv("PEER_GATE", "3", 1);
         }
         ::execl(program.c_str(), program.c_str(), nullptr);
         ::_exit(127);
     }
     ::close(commands.read);
     ::close(answers.write);
-    ::close(hold.read);
+    ::close(holding.read);
     toPeer = commands.write;
     fromPeer = answers.read;
-    gate = hold.write;
-    if (start == Start::now) {
+    hold = holding.write;
+    if (start == Start::now)
         release();
-        waitUntilReady();
-    }
+    if (start == Start::now && gate == -1)
+        awaitReady();
 }
 
 Peer::Peer(Peer &&other) noexcept
     : process(std::exchange(other.process, -1)), toPeer(std::exchange(other.toPeer, -1)),
-      fromPeer(std::exchange(other.fromPeer, -1)), gate(std::exchange(other.gate, -1))
+      fromPeer(std::exchange(other.fromPeer, -1)), hold(std::exchange(other.hold, -1)), ready(other.ready)
 {
 }
 
@@ -66,19 +95,21 @@ Peer::~Peer()
 {
     if (process != -1)
         kill();
-    for (int descriptor : {toPeer, fromPeer, gate})
+    for (int descriptor : {toPeer, fromPeer, hold})
         if (descriptor != -1)
             ::close(descriptor);
 }
 
 void Peer::release()
 {
-    ::close(std::exchange(gate, -1));
+    ::close(std::exchange(hold, -1));
 }
 
-void Peer::waitUntilReady()
+void Peer::awaitReady(int milliseconds)
 {
-    const std::string line = answer();
+    if (std::exchange(ready, true))
+        return;
+    const std::string line = answer(milliseconds);
     if (line != "ready")
         throw std::runtime_error("the peer did not start: " + line);
 }
@@ -90,8 +121,10 @@ void Peer::tell(const std::string &line)
         throw std::runtime_error("the peer is gone");
 }
 
-std::string Peer::answer()
+std::string Peer::answer(int milliseconds)
 {
+    if (!answers(milliseconds))
+        throw std::runtime_error("no answer within " + std::to_string(milliseconds) + " ms");
     std::string line;
     char character;
     while (::read(fromPeer, &character, 1) == 1 && character != '\n')
@@ -105,10 +138,10 @@ bool Peer::answers(int milliseconds) const
     return ::poll(&waiting, 1, milliseconds) == 1;
 }
 
-std::string Peer::ask(const std::string &line)
+std::string Peer::ask(const std::string &line, int milliseconds)
 {
     tell(line);
-    return answer();
+    return answer(milliseconds);
 }
 
 bool Peer::wait()

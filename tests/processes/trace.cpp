@@ -3,9 +3,9 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include "tests/stress/recording_driver.h"
+#include "tests/processes/trace.h"
 
-namespace stress
+namespace tests
 {
 
 namespace
@@ -13,7 +13,7 @@ namespace
 
 Trace *map()
 {
-    const int file = ::open(tracePath, O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    const int file = ::openat(AT_FDCWD, tracePath, O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (file == -1 || ::ftruncate(file, sizeof(Trace)) != 0)
         throw std::runtime_error("no file for the trace");
     void *address = ::mmap(nullptr, sizeof(Trace), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
@@ -42,4 +42,4 @@ void startNewTrace()
     ::unlink(tracePath);
 }
 
-}  // namespace stress
+}  // namespace tests

@@ -1,41 +1,31 @@
 // The report by which all the others judge: it names every damage, and nothing while processes come and go.
 #include <atomic>
-#include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <sys/mman.h>
 #include <sys/sem.h>
-#include <sys/shm.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
 
-#include "tests/stress/outside.h"
-#include "tests/stress/recording_driver.h"
+#include "tests/processes/outside.h"
+#include "tests/processes/trace.h"
 
-namespace stress
+namespace tests::reports
 {
 
 namespace
 {
 
-class Report : public Stress
+TEST_F(Processes, AreReportedWithEveryDamage)
 {
-};
-
-TEST_F(Report, NamesEveryDamage)
-{
-    Peer peer(STRESS_WORKER);
-    EXPECT_EQ(askInTime(peer, "bit 0 1"), "1");
-    const ArenaReport before = reportArena();
-    ASSERT_EQ(before.text(), "");
-    auto *segment = static_cast<unsigned char *>(::shmat(before.segmentID, nullptr, 0));
-    constexpr std::size_t runs = 128, block = 124, chips = runs + 4 * block, batches = chips + 3 * block;
+    Peer peer;
+    EXPECT_EQ(peer.ask("bit 0 1"), "1");
+    ASSERT_EQ(reportArena().text(), "");
     const struct {
         std::size_t place;
-        std::uint32_t value;
+        unsigned int value;
         const char *finding;
-    } bytes[] = {
+    } damages[] = {
         {0, 0x58585858, "header: name"},
         {52, 1, "header: name"},
         {108, 11, "header: mutex"},
@@ -43,33 +33,32 @@ TEST_F(Report, NamesEveryDamage)
         {124, 525, "525 blocks"},
         {124, 0, "0 blocks"},
         {runs, 0x58585858, "unknown object"},
-        {runs + 116, 0, "free run with the name"},
-        {runs + 120, 3, "OutOnCopies has 3 blocks"},
-        {runs + 120, 0, "has a length of 0"},
-        {runs + 120, 600, "has a length of 600"},
-        {runs + 2 * block + 116, 9, "OutOffCopies has 9 uses, OutOnCopies only 1"},
+        {runs + useCount, 0, "free run with the name"},
+        {runs + blockCount, 3, "OutOnCopies has 3 blocks"},
+        {runs + blockCount, 0, "has a length of 0"},
+        {runs + blockCount, 600, "has a length of 600"},
+        {patternsOff + useCount, 9, "OutOffCopies has 9 uses, OutOnCopies only 1"},
         {runs + 112, 5, "its mutex ID is not the empty one"},
-        {chips + block + 4, 0x00020000, "EEPROM of device 0: flag 2"},
-        {chips + block + 8 * boardDevice, 0, "is marked as configured without a record"},
-        {batches + block, 256, "receive buffer of device 0: 0 of 256 bytes"},
-        {batches + block, 0x00040003, "receive buffer of device 0: 4 of 3 bytes"},
+        {chips + blockBytes + 4, 0x00020000, "EEPROM of device 0: flag 2"},
+        {chips + blockBytes + 8 * boardDevice, 0, "is marked as configured without a record"},
+        {batches + blockBytes, 256, "receive buffer of device 0: 0 of 256 bytes"},
+        {batches + blockBytes, 0x00040003, "receive buffer of device 0: 4 of 3 bytes"},
     };
-    for (const auto &row : bytes) {
-        std::uint32_t kept;
-        std::memcpy(&kept, segment + row.place, sizeof kept);
-        std::memcpy(segment + row.place, &row.value, sizeof row.value);
-        EXPECT_NE(reportArena().text().find(row.finding), std::string::npos)
-            << row.finding << " in " << reportArena().text();
-        std::memcpy(segment + row.place, &kept, sizeof kept);
+    for (const auto &damage : damages) {
+        const Attached arena;
+        const unsigned int kept = arena.u32(damage.place);
+        arena.put(damage.place, damage.value);
+        EXPECT_NE(reportArena().text().find(damage.finding), std::string::npos)
+            << damage.finding << " in " << reportArena().text();
+        arena.put(damage.place, kept);
     }
-    ::shmdt(segment);
-    ::semctl(before.setID, 3, SETVAL, 2);
+    ::semctl(semaphores(), 3, SETVAL, 2);
     EXPECT_EQ(reportArena().text(), "mutex 2 is 2: it can be held by several at once\n");
     if (::fork() == 0)
-        ::_exit(::semctl(before.setID, 3, SETVAL, 0));
+        ::_exit(::semctl(semaphores(), 3, SETVAL, 0));
     ::wait(nullptr);
     EXPECT_EQ(reportArena().text(), "mutex 2 is held, but the process that took it is gone\n");
-    ::semctl(before.setID, 3, SETVAL, 1);
+    ::semctl(semaphores(), 3, SETVAL, 1);
     EXPECT_EQ(reportArena().text(), "");
     EXPECT_TRUE(peer.quit());
 }
@@ -87,7 +76,7 @@ struct Onlooker {
     }
 };
 
-TEST_F(Report, FindsNothingWhileProcessesComeAndGo)
+TEST_F(Processes, AreReportedWithoutAFindingWhileTheyComeAndGo)
 {
     void *shared = ::mmap(nullptr, sizeof(Onlooker), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     ASSERT_NE(shared, MAP_FAILED);
@@ -100,10 +89,9 @@ TEST_F(Report, FindsNothingWhileProcessesComeAndGo)
     for (Rounds rounds("lives under the report's eyes", 20); onlooker.findings[0] == '\0' && rounds.another();) {
         std::vector<Peer> peers;
         for (int k = 0; k < 3; ++k)
-            peers.emplace_back(workerAround());
+            peers.emplace_back(eitherWidth());
         for (Peer &peer : peers) {
-            peer.tell("bit 1 1");
-            EXPECT_EQ(answerOf(peer), "1");
+            EXPECT_EQ(peer.ask("bit 1 1"), "1");
             EXPECT_TRUE(peer.quit());
         }
         rounds.note("reports", onlooker.reports.exchange(0));
@@ -112,9 +100,9 @@ TEST_F(Report, FindsNothingWhileProcessesComeAndGo)
     ::waitpid(process, nullptr, 0);
     EXPECT_STREQ(onlooker.findings, "");
     ::munmap(shared, sizeof(Onlooker));
-    expectNothingLeft("all left");
+    expectNothingLeft();
 }
 
 }  // namespace
 
-}  // namespace stress
+}  // namespace tests::reports

@@ -1,16 +1,15 @@
-// A board that all processes of a test share: a driver that answers the calls of the program it is linked into and
-// writes every request down, in the order in which they came, in a file that all of them map.
-#ifndef SORVANE_TESTS_STRESS_RECORDING_DRIVER_H
-#define SORVANE_TESTS_STRESS_RECORDING_DRIVER_H
+// What the board of all peers was asked, in the order in which it came: a file that all of them map.
+#ifndef SORVANE_TESTS_PROCESSES_TRACE_H
+#define SORVANE_TESTS_PROCESSES_TRACE_H
 
 #include <atomic>
 #include <cstdint>
 
-namespace stress
+namespace tests
 {
 
 /// One change of outputs. The same in both widths.
-struct Record {
+struct Change {
     std::atomic<std::uint32_t> complete;
     std::uint8_t request;
     std::uint8_t payload[10];
@@ -23,18 +22,19 @@ struct Trace {
 
     std::atomic<std::uint32_t> count;
     std::atomic<std::uint32_t> nextItem;  // of the timestamped stream: item n is the byte n / 256 with the time n % 256
-    Record records[capacity];
+    Change changes[capacity];
 };
-static_assert(sizeof(Record) == 28 && std::atomic<std::uint32_t>::is_always_lock_free);
+static_assert(sizeof(Change) == 28 && std::atomic<std::uint32_t>::is_always_lock_free);
 
+/// The device that peers drive unless they are told another.
 constexpr int boardDevice = 1;
-constexpr const char *tracePath = "/tmp/stress_trace";
+constexpr const char *tracePath = "/tmp/peers_trace";
 
 /// Maps the trace; makes a new one of zeros where there is none.
 Trace &sharedTrace();
 /// Lets the next sharedTrace() of every process that starts from now on begin with an empty one.
 void startNewTrace();
 
-}  // namespace stress
+}  // namespace tests
 
 #endif

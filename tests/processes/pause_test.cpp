@@ -3,16 +3,15 @@
 #include <random>
 #include <string>
 
-#include "tests/stress/outside.h"
-#include "tests/stress/tracer.h"
+#include "tests/processes/outside.h"
+#include "tests/processes/tracer.h"
 
-namespace stress
+namespace tests::pauses
 {
 
 namespace
 {
 
-enum class Then { goesOn, isKilled };
 enum class Where { beforeCalls, betweenInstructions };
 
 /// Works, and is registered where it works.
@@ -26,9 +25,9 @@ void expectInOrder(Peer &other)
 }
 
 /// The whole life of another process, as far as the stopped one allows; true when it had to wait.
-bool otherLife(Traced &stopped, const Part &part, Then then)
+bool otherLife(Traced &stopped, const Part &part)
 {
-    Peer other(workerAround(), Peer::Start::held);
+    Peer other(eitherWidth(), Peer::Start::held);
     const bool waits = arenaMutexHolder() == stopped.peer.id();
     other.release();
     if (waits) {
@@ -36,16 +35,11 @@ bool otherLife(Traced &stopped, const Part &part, Then then)
     } else {
         expectInOrder(other);
     }
-    if (then == Then::isKilled) {
-        stopped.peer.kill();
-    } else {
-        stopped.release();
-        if (part.loading())
-            expectAtWork(stopped.peer, 2);
-    }
-    if (waits) {
+    stopped.release();
+    if (part.loading())
+        expectAtWork(stopped.peer, 2);
+    if (waits)
         expectInOrder(other);
-    }
     return waits;
 }
 
@@ -76,11 +70,11 @@ bool goTo(Traced &process, std::size_t point, Where where)
     return true;
 }
 
-void pauseAtEachPoint(const Part &part, Where where, Then then, Count &count)
+void pauseAtEachPoint(const Part &part, Where where, Count &count)
 {
     const std::size_t step = longRun() ? 1 : 3;  // a short run takes some of them, other ones each time
     for (std::size_t point = std::random_device()() % step;; point += step) {
-        Traced process(STRESS_WORKER);
+        Traced process(ownWidth());
         process.beginWith(part);
         if (!goTo(process, point, where)) {
             EXPECT_GT(point, 15u) << "the part has too few system calls";
@@ -91,50 +85,28 @@ void pauseAtEachPoint(const Part &part, Where where, Then then, Count &count)
         SCOPED_TRACE("\"" + part.line + "\" stopped at or behind " + process.where() + ", point " +
                      std::to_string(point));
         ++count.points;
-        count.waited += otherLife(process, part, then);
-        EXPECT_TRUE(then == Then::isKilled || (part.leaving() ? process.peer.wait() : process.peer.quit()));
-        if (then == Then::isKilled) {  // the last to leave in order takes away what a killed one left
-            Peer last(workerAround());
-            EXPECT_TRUE(last.quit());
-        }
-        expectOnlyRegistrationsLeft("all left", 0, then == Then::isKilled);
-        removeEverything();
+        count.waited += otherLife(process, part);
+        EXPECT_TRUE(part.leaving() ? process.peer.wait() : process.peer.quit());
+        expectNothingLeft();
         if (testing::Test::HasFailure())
             return;
     }
 }
 
-class Paused : public Stress
+TEST_F(Processes, GoOnThatWerePausedWhereverTheyLoadOrLeave)
 {
-protected:
-    void run(const char *what, Where where, Then then)
-    {
-        for (Rounds rounds(what, 1); rounds.another();) {
+    for (Rounds rounds("paused at calls and between instructions", 1); rounds.another();) {
+        for (Where where : {Where::beforeCalls, Where::betweenInstructions}) {
             Count count;
-            pauseAtEachPoint({""}, where, then, count);
-            pauseAtEachPoint({"quit"}, where, then, count);
+            pauseAtEachPoint({""}, where, count);
+            pauseAtEachPoint({"quit"}, where, count);
             rounds.note("points", count.points);
             rounds.note("points that made the other wait", count.waited);
             EXPECT_GT(count.waited, 0u);
         }
     }
-};
-
-TEST_F(Paused, AtEachSystemCallOfLoadingAndLeavingAndThenGoingOn)
-{
-    run("paused and continued", Where::beforeCalls, Then::goesOn);
-}
-
-TEST_F(Paused, AtEachSystemCallOfLoadingAndLeavingAndThenKilled)
-{
-    run("paused and killed", Where::beforeCalls, Then::isKilled);
-}
-
-TEST_F(Paused, BetweenInstructionsOfLoadingAndLeavingAndThenGoingOn)
-{
-    run("paused between instructions and continued", Where::betweenInstructions, Then::goesOn);
 }
 
 }  // namespace
 
-}  // namespace stress
+}  // namespace tests::pauses
