@@ -37,9 +37,9 @@ void replug(int device, const std::string &slowness = "300us")
 struct Program {
     explicit Program(std::initializer_list<std::string> orders) : peer(width(), Peer::Start::held)
     {
+        peer.release();
         for (const std::string &order : orders)
             peer.tell(order);
-        peer.release();
     }
     static const char *width()
     {

@@ -1,13 +1,11 @@
 // One board driven by many processes at once: no change is lost, none overtakes another, no item comes twice.
 #include <algorithm>
-#include <array>
-#include <cstring>
 #include <iterator>
 #include <sstream>
 #include <vector>
 
 #include "tests/processes/outside.h"
-#include "tests/processes/trace.h"
+#include "tests/processes/shared_board.h"
 
 namespace tests::boards
 {
@@ -15,56 +13,12 @@ namespace tests::boards
 namespace
 {
 
-using Pattern = std::array<std::uint8_t, 5>;
+using Pattern = SharedBoard::Pattern;
 
-Pattern patternOf(const std::string &hex)
-{
-    Pattern pattern = {};
-    for (std::size_t k = 0; k < pattern.size(); ++k)
-        pattern[k] = static_cast<std::uint8_t>(std::stoi(hex.substr(2 * k, 2), nullptr, 16));
-    return pattern;
-}
-
-void unite(Pattern &sum, const Pattern &part)
+void addFrom(const std::string &hex, Pattern &sum)
 {
     for (std::size_t k = 0; k < sum.size(); ++k)
-        sum[k] = sum[k] | part[k];
-}
-
-/// What a board does with each request.
-struct Board {
-    void obey(const Change &change)
-    {
-        if (change.request == 83)
-            std::memcpy(on.data(), change.payload, on.size());
-        if (change.request == 84)
-            std::memcpy(off.data(), change.payload, off.size());
-        for (std::size_t k = 0; change.request == 77 && k < on.size(); ++k) {
-            on[k] = static_cast<std::uint8_t>((on[k] | change.payload[k]) & ~change.payload[5 + k]);
-            off[k] = static_cast<std::uint8_t>((off[k] | change.payload[k]) & ~change.payload[5 + k]);
-        }
-    }
-
-    Pattern on = {};
-    Pattern off = {};
-};
-
-/// Goes through the changes in the order in which the board saw them; after each it must stand where the shared
-/// patterns stood under the locks of that change.
-Board replayed(const Trace &trace)
-{
-    Board board;
-    EXPECT_LE(trace.count.load(), Trace::capacity);
-    for (std::uint32_t k = 0; k < trace.count && !testing::Test::HasFailure(); ++k) {
-        const Change &change = trace.changes[k];
-        EXPECT_EQ(change.complete.load(), 1u);
-        board.obey(change);
-        const bool onAlike = std::memcmp(board.on.data(), change.mirrorOn, board.on.size()) == 0;
-        const bool offAlike = std::memcmp(board.off.data(), change.mirrorOff, board.off.size()) == 0;
-        EXPECT_TRUE(onAlike || change.request == 84) << "change " << k;
-        EXPECT_TRUE(offAlike || change.request == 83) << "change " << k;
-    }
-    return board;
+        sum[k] |= static_cast<std::uint8_t>(std::stoi(hex.substr(2 * k, 2), nullptr, 16));
 }
 
 class OneBoard : public BothWidths
@@ -89,7 +43,7 @@ TEST_P(OneBoard, SixteenProcessesLoseNoChange)
     constexpr std::size_t processes = 16;
     const int changes = mixed() ? 200 : 500;
     for (Rounds rounds(named("no lost change"), mixed() ? 1 : 3); rounds.another();) {
-        startNewTrace();
+        startNewBoard();
         std::vector<Peer> peers = start(processes);
         for (std::size_t k = 0; k < processes; ++k)
             peers[k].tell("own " + std::to_string(2 * k) + " 2 " + std::to_string(changes));
@@ -99,16 +53,20 @@ TEST_P(OneBoard, SixteenProcessesLoseNoChange)
             std::string ownOn, ownOff;
             ends >> ownOn >> ownOff;
             ASSERT_EQ(ownOff.size(), 10u) << ends.str();
-            unite(on, patternOf(ownOn));
-            unite(off, patternOf(ownOff));
+            addFrom(ownOn, on);
+            addFrom(ownOff, off);
         }
-        const Board board = replayed(sharedTrace());
-        rounds.note("changes", sharedTrace().count);
-        EXPECT_EQ(sharedTrace().count, processes * static_cast<std::size_t>(changes));
+        const SharedBoard &board = sharedBoard();
+        rounds.note("changes", board.changes);
+        EXPECT_EQ(board.changes, processes * static_cast<std::size_t>(changes));
+        EXPECT_EQ(board.disagreements, 0u);
         EXPECT_EQ(board.on, on);
         EXPECT_EQ(board.off, off);
-        EXPECT_EQ(patternOf(peers[0].ask("on")), on);
-        EXPECT_EQ(patternOf(peers[0].ask("off")), off);
+        Pattern sharedOn = {}, sharedOff = {};
+        addFrom(peers[0].ask("on"), sharedOn);
+        addFrom(peers[0].ask("off"), sharedOff);
+        EXPECT_EQ(sharedOn, on);
+        EXPECT_EQ(sharedOff, off);
         expectAllQuit(peers);
         expectNothingLeft();
     }
@@ -118,7 +76,7 @@ TEST_P(OneBoard, EightProcessesDrainOneStreamOnceAndInOrder)
 {
     const std::size_t itemsEach = mixed() ? 1000 : 4000;
     for (Rounds rounds(named("one stream"), mixed() ? 1 : 3); rounds.another();) {
-        startNewTrace();
+        startNewBoard();
         std::vector<Peer> peers = start(8);
         for (Peer &peer : peers)
             peer.tell("drain " + std::to_string(itemsEach));

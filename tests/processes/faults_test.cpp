@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "tests/processes/outside.h"
-#include "tests/processes/trace.h"
+#include "tests/processes/shared_board.h"
 
 namespace tests::faults
 {
@@ -62,12 +62,13 @@ void listen(Life &life, const std::string &line)
 
 Life live(const std::string &faults, int model = 3)
 {
-    startNewTrace();
+    startNewBoard();
     ::setenv("SORVANE_FAULTS", faults.c_str(), 1);
     ::setenv("PEER_MODEL", std::to_string(model).c_str(), 1);
     Peer peer(ownWidth(), Peer::Start::held);
     ::unsetenv("SORVANE_FAULTS");
     ::unsetenv("PEER_MODEL");
+    peer.release();
     peer.tell("descriptors");
     for (const char *operation : operations)
         peer.tell(std::string("do ") + operation);
@@ -76,7 +77,6 @@ Life live(const std::string &faults, int model = 3)
         peer.tell(std::string("do ") + operation);
     for (const char *end : {"close", "descriptors", "quit"})
         peer.tell(end);
-    peer.release();
     Life life;
     for (std::string line = peer.answer(30000); !line.empty(); line = peer.answer(30000))
         listen(life, line);

@@ -10,7 +10,7 @@
 #include <sys/shm.h>
 #include <unistd.h>
 
-#include "tests/processes/trace.h"
+#include "tests/processes/shared_board.h"
 
 namespace tests
 {
@@ -163,7 +163,7 @@ void expectNothingLeft(const std::string &when)
 void Processes::SetUp()
 {
     expectNothingLeft("before");
-    startNewTrace();
+    startNewBoard();
 }
 
 void Processes::TearDown()

@@ -2,33 +2,15 @@
 
 #include <csignal>
 #include <cstdlib>
-#include <fcntl.h>
 #include <poll.h>
 #include <stdexcept>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
 
 namespace tests
 {
-
-namespace
-{
-
-struct Pipe {
-    Pipe()
-    {
-        int ends[2];
-        if (::pipe2(ends, O_CLOEXEC) != 0)
-            throw std::runtime_error("pipe2");
-        read = ends[0];
-        write = ends[1];
-    }
-    int read;
-    int write;
-};
-
-}  // namespace
 
 const char *ownWidth()
 {
@@ -57,28 +39,24 @@ bool hasOtherWidth()
 
 Peer::Peer(const std::string &program, Start start, int gate)
 {
-    Pipe commands, answers, holding;
+    int ends[2];
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0)
+        throw std::runtime_error("socketpair");
     process = ::fork();
     if (process == 0) {
-        ::dup2(commands.read, 0);
-        ::dup2(answers.write, 1);
-        ::close(holding.write);
-        char token;
-        while (::read(holding.read, &token, 1) > 0) {  // ends when it is released
-        }
+        char released;
+        ::dup2(ends[1], 0);
+        ::dup2(ends[1], 1);
         if (gate != -1) {
             ::dup2(::dup(gate), 3);  // it stays open where the program starts
             ::setenv("PEER_GATE", "3", 1);
         }
-        ::execl(program.c_str(), program.c_str(), nullptr);
+        if (::read(0, &released, 1) == 1)
+            ::execl(program.c_str(), program.c_str(), nullptr);
         ::_exit(127);
     }
-    ::close(commands.read);
-    ::close(answers.write);
-    ::close(holding.read);
-    toPeer = commands.write;
-    fromPeer = answers.read;
-    hold = holding.write;
+    ::close(ends[1]);
+    wire = ends[0];
     if (start == Start::now)
         release();
     if (start == Start::now && gate == -1)
@@ -86,8 +64,7 @@ Peer::Peer(const std::string &program, Start start, int gate)
 }
 
 Peer::Peer(Peer &&other) noexcept
-    : process(std::exchange(other.process, -1)), toPeer(std::exchange(other.toPeer, -1)),
-      fromPeer(std::exchange(other.fromPeer, -1)), hold(std::exchange(other.hold, -1)), ready(other.ready)
+    : process(std::exchange(other.process, -1)), wire(std::exchange(other.wire, -1)), ready(other.ready)
 {
 }
 
@@ -95,14 +72,8 @@ Peer::~Peer()
 {
     if (process != -1)
         kill();
-    for (int descriptor : {toPeer, fromPeer, hold})
-        if (descriptor != -1)
-            ::close(descriptor);
-}
-
-void Peer::release()
-{
-    ::close(std::exchange(hold, -1));
+    if (wire != -1)
+        ::close(wire);
 }
 
 void Peer::awaitReady(int milliseconds)
@@ -117,7 +88,7 @@ void Peer::awaitReady(int milliseconds)
 void Peer::tell(const std::string &line)
 {
     const std::string text = line + "\n";
-    if (::write(toPeer, text.data(), text.size()) != static_cast<ssize_t>(text.size()))
+    if (::send(wire, text.data(), text.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(text.size()))
         throw std::runtime_error("the peer is gone");
 }
 
@@ -127,14 +98,14 @@ std::string Peer::answer(int milliseconds)
         throw std::runtime_error("no answer within " + std::to_string(milliseconds) + " ms");
     std::string line;
     char character;
-    while (::read(fromPeer, &character, 1) == 1 && character != '\n')
+    while (::read(wire, &character, 1) == 1 && character != '\n')
         line += character;
     return line;
 }
 
 bool Peer::answers(int milliseconds) const
 {
-    pollfd waiting = {fromPeer, POLLIN, 0};
+    pollfd waiting = {wire, POLLIN, 0};
     return ::poll(&waiting, 1, milliseconds) == 1;
 }
 

@@ -30,8 +30,8 @@ public:
     Peer(Peer &&other) noexcept;
     Peer &operator=(Peer &&) = delete;
 
-    /// Lets a held process start.
-    void release();
+    /// Lets a held process start, before it is told anything.
+    void release() { tell(""); }
     /// Waits until the library is loaded.
     void awaitReady(int milliseconds = patience);
     void tell(const std::string &line);
@@ -51,9 +51,7 @@ private:
     static constexpr int patience = 10000;
 
     pid_t process = -1;
-    int toPeer = -1;
-    int fromPeer = -1;
-    int hold = -1;
+    int wire = -1;
     bool ready = false;
 };
 

@@ -7,12 +7,12 @@
 #include "board/rbase_shared_implementation/shared_board_state.h"
 #include "tests/processes/faulty_calls.h"
 #include "tests/processes/peer_driver.h"
-#include "tests/processes/trace.h"
+#include "tests/processes/shared_board.h"
 
 namespace tests
 {
 
-const char *const nodeFile = tracePath;
+const char *const nodeFile = boardPath;
 
 namespace
 {
@@ -30,24 +30,28 @@ const char *modelOfBoards()
     return std::getenv("PEER_MODEL");
 }
 
-void writeDown(const Exchange &exchange)
+/// Changes the board's outputs, and looks whether the shared patterns have changed alike under the locks of the change.
+void obey(const Exchange &exchange)
 {
-    Trace &trace = sharedTrace();
-    const std::uint32_t place = trace.count.fetch_add(1);
-    if (place >= Trace::capacity)
-        return;
-    Change &change = trace.changes[place];
-    change.request = exchange.request;
-    std::memcpy(change.payload, exchange.sent, exchange.sentLength);
-    std::memcpy(change.mirrorOn, onPattern(boardDevice).bits, sizeof change.mirrorOn);
-    std::memcpy(change.mirrorOff, offPattern(boardDevice).bits, sizeof change.mirrorOff);
-    change.complete.store(1);
+    SharedBoard &board = sharedBoard();
+    const unsigned char *sent = exchange.sent;
+    if (exchange.request == onPeriod)
+        std::copy_n(sent, 5, board.on.begin());
+    if (exchange.request == offPeriod)
+        std::copy_n(sent, 5, board.off.begin());
+    for (SharedBoard::Pattern *pattern : {&board.on, &board.off})
+        for (std::size_t k = 0; exchange.request == modifyOutputs && k < pattern->size(); ++k)
+            (*pattern)[k] = static_cast<std::uint8_t>(((*pattern)[k] | sent[k]) & ~sent[5 + k]);
+    const bool onAlike = std::equal(board.on.begin(), board.on.end(), onPattern(boardDevice).bits);
+    const bool offAlike = std::equal(board.off.begin(), board.off.end(), offPattern(boardDevice).bits);
+    board.disagreements += !(onAlike || exchange.request == offPeriod) || !(offAlike || exchange.request == onPeriod);
+    ++board.changes;
 }
 
 /// A batch of two bytes an item; its length depends on where in the stream it begins.
 unsigned int nextBatch(unsigned char *bytes)
 {
-    std::atomic<std::uint32_t> &next = sharedTrace().nextItem;
+    std::atomic<std::uint32_t> &next = sharedBoard().nextItem;
     const std::uint32_t first = next.load();
     const std::uint32_t items = 1 + first % 101;
     for (std::uint32_t k = 0; k < items; ++k) {
@@ -64,7 +68,7 @@ unsigned int answer(const Exchange &exchange, unsigned char *bytes)
     case modifyOutputs:
     case onPeriod:
     case offPeriod:
-        writeDown(exchange);
+        obey(exchange);
         return 0;
     case readEEPROM:
     case readSRAM:

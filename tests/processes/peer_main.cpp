@@ -17,7 +17,7 @@
 #include "board/rbase_shared_implementation/shared_board_state.h"
 #include "tests/processes/faulty_calls.h"
 #include "tests/processes/peer_driver.h"
-#include "tests/processes/trace.h"
+#include "tests/processes/shared_board.h"
 
 namespace tests
 {
@@ -58,7 +58,7 @@ SorvaneUSB &anyBoard()
 int open()
 {
     tried[static_cast<std::size_t>(device)] = true;
-    sharedTrace();  // its node
+    sharedBoard();  // its node
     return anyBoard().InitPort(device);
 }
 

@@ -1,0 +1,357 @@
+// A process stopped before and after each of its system calls, and between its instructions, and then killed or let go
+// on: alone, beside one that lives on, and while another lives its whole life or waits for that.
+#include <algorithm>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <random>
+#include <sstream>
+#include <vector>
+
+#include "tests/processes/outside.h"
+#include "tests/processes/shared_board.h"
+#include "tests/processes/tracer.h"
+
+namespace tests::moments
+{
+
+namespace
+{
+
+constexpr int patience = 5000;  // ms, beside a traced process
+constexpr int wholeBatch = 50;  // items of the stream that the other takes before: the next one fetches a batch
+
+const Part loading = {""}, leaving = {"quit"}, opening = {"do open"};
+
+const char *const lockedOperations[] = {"SetOutputBit",
+                                        "ModifyOutputs",
+                                        "SetOutputs",
+                                        "SetOnPeriodOutputs",
+                                        "SetOffPeriodOutputs",
+                                        "SetOnPeriodOutputBit",
+                                        "SetOffPeriodOutputBit",
+                                        "ConfigureEEPROM",
+                                        "CheckEEPROM",
+                                        "ReadEEPROM",
+                                        "WriteEEPROM",
+                                        "ReceiveByteWithTimestamp",
+                                        "ReceiveByteWithTimestamp9BitData"};
+
+enum class Company { none, survivor, joiner };
+enum class Fate { isKilled, goesOn };
+
+/// What the process is stopped in, beside whom, and what becomes of it.
+struct Setting {
+    Part part;
+    Company company;
+    Fate fate = Fate::isKilled;
+    int drained = wholeBatch;
+};
+const Setting joinings[] = {{loading, Company::joiner},
+                            {leaving, Company::joiner},
+                            {loading, Company::joiner, Fate::goesOn},
+                            {leaving, Company::joiner, Fate::goesOn}};
+
+/// So many instructions behind a stop, which is before or after a system call.
+struct Moment {
+    std::size_t stop;
+    std::size_t instruction = 0;
+};
+
+struct Stop {
+    std::string where;
+    std::size_t instructions = 0;  // to the next system call, as far as they were counted
+};
+
+/// One life of a process up to where it is stopped, and what the others make of it.
+class Scene
+{
+public:
+    explicit Scene(const Setting &setting) : setting(setting), nextItem(firstItem + setting.drained)
+    {
+        startNewBoard();
+        sharedBoard().nextItem = firstItem;
+        if (setting.company == Company::survivor) {
+            survivor = std::make_unique<Peer>(eitherWidth());
+            EXPECT_EQ(survivor->ask("bit 0 1"), "1");
+            survivor->ask("drain " + std::to_string(setting.drained));
+        }
+        victim = std::make_unique<Traced>(ownWidth());
+        if (!setting.part.loading() && setting.part.line != opening.line) {
+            victim->beginWith(opening);
+            while (victim->next()) {
+            }
+        }
+        victim->beginWith(setting.part);
+    }
+    ~Scene() { removeEverything(); }
+    Scene(const Scene &) = delete;
+    Scene &operator=(const Scene &) = delete;
+
+    Traced &process() { return *victim; }
+
+    bool reach(const Moment &moment)
+    {
+        for (std::size_t k = 0; k < moment.stop; ++k)
+            if (!victim->next())
+                return false;
+        return victim->stepInstructions(moment.instruction);
+    }
+
+    /// Lets the fate come, and looks at who lives on, at who starts before or after, and at what is left at last. True
+    /// when somebody had to wait for it: only a holder of the arena's mutex makes others wait.
+    bool end()
+    {
+        const bool waits = setting.company == Company::joiner && arenaMutexHolder() == victim->peer.id();
+        std::optional<Peer> joiner;
+        if (setting.company == Company::joiner) {
+            joiner.emplace(eitherWidth(), Peer::Start::held).release();
+            if (waits) {
+                EXPECT_FALSE(joiner->answers(30)) << "it joined although the arena's mutex is held";
+            } else {
+                expectWholeLife(*joiner);
+            }
+        }
+        if (setting.fate == Fate::goesOn)
+            victim->release();
+        else
+            victim->peer.kill();
+        if (waits)
+            expectWholeLife(*joiner);
+        setting.fate == Fate::goesOn ? expectGoingOn() : expectNothingLost();
+        return waits;
+    }
+
+private:
+    // The stream comes in batches: 150 to 199, 200 to 299, 300 to 398.
+    static constexpr int firstItem = 150;
+
+    /// Works, is registered where it works, and leaves.
+    void expectWholeLife(Peer &peer) const
+    {
+        expectAtWork(peer, 3, patience);
+        expectPattern(peer, survivor ? 0x0D : 0x08);
+        const ArenaReport report = reportArena();
+        EXPECT_EQ(report.text(), "");
+        EXPECT_GE(report.registrations, survivor ? 2 : 1);
+        EXPECT_TRUE(peer.quit());
+    }
+
+    void expectGoingOn() const
+    {
+        if (setting.part.loading())
+            expectAtWork(victim->peer, 2);
+        EXPECT_TRUE(setting.part.leaving() ? victim->peer.wait() : victim->peer.quit());
+        expectNothingLeft();
+    }
+
+    void expectNothingLost() const
+    {
+        if (survivor) {
+            EXPECT_EQ(survivor->ask("bit 2 1", patience), "1");
+            expectPattern(*survivor, 0x05);
+            if (setting.part.line.find("9Bit") == std::string::npos)  // mixing both forms shifts the items by right
+                expectStream(*survivor);
+        }
+        Peer newcomer(eitherWidth());
+        expectWholeLife(newcomer);
+        EXPECT_TRUE(!survivor || survivor->quit());
+        // A process that is killed before it has registered leaves nothing, nor does one that has left already.
+        const bool registered = !setting.part.loading() && !setting.part.leaving();
+        expectOnlyRegistrationsLeft("all left", registered, 1);
+    }
+
+    /// The outputs of those that live are as they wanted them; the victim's own change has happened or not.
+    void expectPattern(Peer &peer, unsigned int own) const
+    {
+        const std::string &line = setting.part.line;
+        const bool whole = line.find("Outputs") != std::string::npos && line.find("Modify") == std::string::npos;
+        for (const char *pattern : {"on", "off"}) {
+            const std::string hex = peer.ask(pattern);
+            const auto first = static_cast<unsigned int>(std::stoi(hex.substr(0, 2), nullptr, 16));
+            EXPECT_TRUE(first == own || (whole && first == (own | 1))) << pattern << " " << hex;
+            const std::string rest = hex.substr(2);
+            EXPECT_TRUE(rest == "00000000" || rest == "02000000") << pattern << " " << hex;
+        }
+    }
+
+    /// Whoever asks next gets the item after the last, or the one after that if the victim took it, or those of the
+    /// next batch if it died with one in its hands; never an old one, and never one that is put together wrongly.
+    void expectStream(Peer &peer) const
+    {
+        std::istringstream numbers(peer.ask("drain 60"));
+        const std::vector<int> items(std::istream_iterator<int>(numbers), {});
+        ASSERT_EQ(items.size(), 60u);
+        const bool batchDied = nextItem == 200 && items[0] == 300;
+        EXPECT_TRUE(items[0] == nextItem || items[0] == nextItem + 1 || batchDied) << items[0];
+        for (std::size_t k = 1; k < items.size(); ++k)
+            ASSERT_EQ(items[k], items[k - 1] + 1) << "item " << k << " after the kill";
+    }
+
+    Setting setting;
+    int nextItem;
+    std::unique_ptr<Peer> survivor;
+    std::unique_ptr<Traced> victim;
+};
+
+/// The stops of a part, with up to so many instructions behind each call.
+std::vector<Stop> stopsOf(const Setting &setting, std::size_t furthest = 0)
+{
+    Peer().quit();  // makes the key files, which stay
+    Scene scene(setting);
+    std::vector<Stop> stops;
+    do {
+        Stop stop{scene.process().where()};
+        while (stop.where.ends_with("after") && stop.instructions < furthest && scene.process().stepInstruction())
+            ++stop.instructions;
+        stops.push_back(stop);
+    } while (scene.process().next());
+    scene.process().peer.kill();
+    return stops;
+}
+
+struct Count {
+    std::size_t points = 0;
+    std::size_t waited = 0;
+};
+
+Count endAtEach(const Setting &setting, const std::vector<Stop> &stops, const std::vector<Moment> &moments)
+{
+    Count count;
+    for (const Moment &moment : moments) {
+        if (testing::Test::HasFailure())
+            break;
+        const Stop &stop = stops[moment.stop];
+        SCOPED_TRACE("\"" + setting.part.line + "\", " + std::to_string(moment.instruction) + " instructions of " +
+                     std::to_string(stop.instructions) + " behind stop " + std::to_string(moment.stop) + ", " +
+                     stop.where + ", company " + std::to_string(static_cast<int>(setting.company)) +
+                     (setting.fate == Fate::isKilled ? ", then killed" : ", then going on"));
+        Scene scene(setting);
+        EXPECT_TRUE(scene.reach(moment) && scene.process().where() == stop.where) << "it was not reached";
+        count.waited += scene.end();
+        ++count.points;
+    }
+    return count;
+}
+
+/// A short run takes some of the calls, other ones each time.
+Count endAtEachCall(const Setting &setting, std::initializer_list<const char *> expected)
+{
+    const std::vector<Stop> stops = stopsOf(setting);
+    std::string all;
+    for (const Stop &stop : stops)
+        all += stop.where + "; ";
+    for (const std::string call : expected)
+        for (const char *side : {" before;", " after;"})
+            EXPECT_NE(all.find(call + side), std::string::npos) << call << side << " in " << all;
+    const std::size_t step = longRun() ? 1 : 5;
+    std::vector<Moment> moments;
+    for (std::size_t stop = std::random_device()() % step; stop < stops.size(); stop += step)
+        moments.push_back({stop});
+    return endAtEach(setting, stops, moments);
+}
+
+/// Up to that many instructions of a stretch, evenly spread; of a long one at its beginning and its end, since the
+/// loops between them do the same all the time.
+void addPointsIn(std::size_t stop, std::size_t stretch, std::size_t most, std::vector<Moment> &moments)
+{
+    static std::minstd_rand random(std::random_device{}());
+    constexpr std::size_t part = 2000;
+    const std::size_t covered = std::min(stretch, 2 * part);
+    const std::size_t count = std::min(covered, most);
+    for (std::size_t k = 0; k < count; ++k) {
+        const std::size_t from = covered * k / count, to = covered * (k + 1) / count;
+        const std::size_t point = from + random() % (to - from);
+        moments.push_back({stop, point < part ? point : point + stretch - covered});
+    }
+}
+
+Count endBetweenInstructions(const Setting &setting, std::size_t mostPerStretch)
+{
+    // A short run goes no further into the long loops over the whole segment, nor behind them.
+    const std::vector<Stop> stops = stopsOf(setting, longRun() ? 1000000 : 4000);
+    std::vector<Moment> moments;
+    for (std::size_t stop = 0; stop < stops.size(); ++stop)
+        addPointsIn(stop, stops[stop].instructions, mostPerStretch, moments);
+    return endAtEach(setting, stops, moments);
+}
+
+TEST_F(Processes, AreKilledAtEachSystemCallOfLoadingOpeningAndLeaving)
+{
+    for (Rounds rounds("killed at each call of load, open and unload", 1); rounds.another();) {
+        for (Company company : {Company::none, Company::survivor}) {
+            const std::size_t points =
+                endAtEachCall({loading, company}, {"openat", "semget", "semop", "shmget", "shmat", "shmctl"}).points +
+                endAtEachCall({opening, company}, {"flock", "semop", "ioctl"}).points +
+                endAtEachCall({leaving, company}, {"semop", "shmdt", "shmctl"}).points;
+            rounds.note("points", points);
+        }
+    }
+}
+
+TEST_F(Processes, AreKilledAtEachSystemCallOfEachLockedOperation)
+{
+    for (Rounds rounds("killed at each call of the locked operations", 1); rounds.another();)
+        for (const char *operation : lockedOperations)
+            for (Company company : {Company::none, Company::survivor})
+                rounds.note("points",
+                            endAtEachCall({{std::string("do ") + operation}, company}, {"semop", "ioctl"}).points);
+}
+
+TEST_F(Processes, AreKilledOrGoOnWhileOthersJoin)
+{
+    for (Rounds rounds("killed or going on while another joins", 1); rounds.another();) {
+        for (const Setting &setting : joinings) {
+            const Count atCalls = endAtEachCall(setting, {"semop", "shmctl"});
+            const Count between = setting.fate == Fate::goesOn ? endBetweenInstructions(setting, 1) : Count();
+            EXPECT_GT(atCalls.waited, 0u);
+            rounds.note("points", atCalls.points + between.points);
+            rounds.note("points that made the other wait", atCalls.waited + between.waited);
+        }
+    }
+}
+
+struct Stretches {
+    const char *what;
+    std::vector<Setting> settings;
+    std::size_t most, mostOfLongRun;  // kills in each stretch between two calls
+};
+
+class KilledBetweenInstructions : public Processes, public testing::WithParamInterface<Stretches>
+{
+};
+
+const Part setBit = {"do SetOutputBit"}, setAll = {"do SetOnPeriodOutputs"}, configure = {"do ConfigureEEPROM"};
+const Part take = {"do ReceiveByteWithTimestamp"};
+const Stretches stretches[] = {
+    {"Loading", {{loading, Company::none}, {loading, Company::survivor}}, 1, 3},
+    {"OperationsThatChangeTables",
+     {{setBit, Company::survivor}, {setAll, Company::survivor}, {configure, Company::survivor}},
+     5,
+     10},
+    {"TakingAnItem", {{take, Company::survivor, Fate::isKilled, 1}, {take, Company::survivor}}, 20, 40},
+};
+INSTANTIATE_TEST_SUITE_P(Of, KilledBetweenInstructions, testing::ValuesIn(stretches),
+                         [](const auto &info) { return info.param.what; });
+
+TEST_P(KilledBetweenInstructions, TheyLoseNothingOfTheOthers)
+{
+    const std::size_t most = longRun() ? GetParam().mostOfLongRun : GetParam().most;
+    for (Rounds rounds(std::string("killed between instructions: ") + GetParam().what, 1); rounds.another();)
+        for (const Setting &setting : GetParam().settings)
+            rounds.note("kills", endBetweenInstructions(setting, most).points);
+}
+
+}  // namespace
+
+}  // namespace tests::moments
+
+int main(int argc, char **argv)
+{
+    if (!tests::Traced::possible()) {
+        std::puts("SKIPPED: no process can be traced here (an emulator runs this program, or the machine forbids it)");
+        return 77;
+    }
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
