@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "api/sorvaneusb.h"
+#include "board/models.h"
 
 namespace
 {
@@ -13,14 +14,14 @@ struct Meaning {
 };
 
 constexpr Meaning products[] = {
-    {"Sorvane R20s Board", 2},
-    {"Sorvane R20 Board", 1},
-    {"Sorvane R35 Board", 3},
+    {"Sorvane R20s Board", typeR20s},
+    {"Sorvane R20 Board", typeR20},
+    {"Sorvane R35 Board", typeR35},
 };
 
 constexpr Meaning speeds[] = {
-    {"12", 1},
-    {"480", 2},
+    {"12", fullSpeed},
+    {"480", highSpeed},
 };
 
 /// The meaning of the first prefix that the attribute starts with; -1 when it cannot be read or none fits.

@@ -15,10 +15,9 @@ const char *usbErrorText(int code)
     case usbErrorPipeNumber:
         return "A pipe above 7 was asked for: a board has pipes 1 to 7; or the board's own status.";
     case usbErrorTransfer:
-        return "The exchange with the board failed, or the board answered without the data that it was asked for: "
-               "check "
-               "its cable and power. It was not repeated and may have taken effect: read the board's state before "
-               "trying again, and open the board anew if it was unplugged; or the board's own status.";
+        return "The exchange with the board failed, or it answered without the data that it was asked for: check its "
+               "cable and power. It was not repeated and may have taken effect: read the board's state before trying "
+               "again, and open the board anew if it was unplugged; or the board's own status.";
     case usbErrorLength:
         return "A length is out of range: a timeout message takes up to 60 bytes, an R20 request up to 511, a "
                "bounded receive needs room for a whole answer; or an R20 answered with a wrong length; or the board's "

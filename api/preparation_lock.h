@@ -6,8 +6,8 @@
 #include <sys/file.h>
 
 /// Holds an exclusive advisory lock on a board's node for a scope; whoever comes second waits, and then finds what the
-/// first one made. Where the lock cannot be had, the preparation goes on without. It belongs to the open file, of which
-/// there is one for each opening: a holder that takes it again gives it back with the inner scope.
+/// first one made. Where the lock cannot be had, the preparation goes on without. Never nested: it belongs to the open
+/// file, and the inner scope would give back the outer one's.
 class PreparationLock
 {
 public:
@@ -16,8 +16,7 @@ public:
         while (::flock(deviceHandle, LOCK_EX) == -1 && errno == EINTR) {
         }
     }
-    /// Given back by name: a child that was forked meanwhile has the open file too, and closing would leave it the
-    /// lock.
+    /// Not left to closing: a child that was forked meanwhile has the open file too, and would keep the lock.
     ~PreparationLock() { ::flock(deviceHandle, LOCK_UN); }
     PreparationLock(const PreparationLock &) = delete;
     PreparationLock &operator=(const PreparationLock &) = delete;

@@ -1,13 +1,14 @@
-// Life of a SorvaneUSB: opening, sharing and closing the implementation object of a board.
+// Life of a SorvaneUSB: a board is opened, by device number or by the number that it shows on its inputs, made ready,
+// shared by copies, and closed by the last of them.
 #include "api/sorvaneusb.h"
 
 #include <cstdio>
-#include <cstring>
 #include <fcntl.h>
 #include <new>
 #include <unistd.h>
 
-#include "api/board_preparation.h"
+#include "api/preparation_lock.h"
+#include "board/exchange.h"
 #include "board/r20_implementation.h"
 #include "board/r20s_implementation.h"
 #include "board/r35_implementation.h"
@@ -15,10 +16,120 @@
 
 SorvaneUSB::SorvaneUSB() : implementation(nullptr) {}
 
-SorvaneUSB::~SorvaneUSB()
+// Opening
+
+namespace
 {
-    close();
+
+RBaseImplementation *newImplementation(int type, SorvaneUSB *owner, int deviceHandle, int speed, int deviceNo)
+{
+    switch (type) {
+    case typeR20:
+        return new (std::nothrow) R20Implementation(owner, deviceHandle, speed, deviceNo);
+    case typeR20s:
+        return new (std::nothrow) R20s_Implementation(owner, deviceHandle, speed, deviceNo);
+    case typeR35:
+        return new (std::nothrow) R35_Implementation(owner, deviceHandle, speed, deviceNo);
+    default:
+        return nullptr;
+    }
 }
+
+/// Asks whether the firmware runs, and loads it only where it does not. Hold the board's PreparationLock.
+int makeFirmwareRun(RBaseImplementation &board)
+{
+    Response<1> response;
+    if (!board.Ask(Request::FirmwareRuns, response))
+        return 0;
+    const bool runs = response.u8(0) == 1;  // an answer without a byte reads as 0: it does not run
+    if (!runs &&
+        !(board.Tell(Request::BeginFirmware) && board.Download8051Software() && board.Tell(Request::EndFirmware)))
+        return 0;
+    board.firmwareLoaded = 1;
+    return 1;
+}
+
+/// Makes the firmware of a freshly opened board run and, the first time on this machine, tells it the type of the
+/// EEPROM that it carries.
+int makeReady(RBaseImplementation &board)
+{
+    const PreparationLock lock(board.deviceHandle);
+    const int runs = makeFirmwareRun(board);
+    if (board.EEPROMConfigured(board.GetDeviceNo()) || !runs)
+        return runs;
+    R20EEPROM fitted;
+    return board.CheckEEPROM(&fitted) && board.ConfigureEEPROM(&fitted);
+}
+
+}  // namespace
+
+int SorvaneUSB::InitPort(int deviceNo)
+{
+    if (deviceNo < 0 || deviceNo >= deviceCount)  // no table has an entry for it: as good as missing
+        return 0;
+    const int type = ::GetBoardType(deviceNo);
+    if (type < 0)
+        return 0;
+    const int speed = ::LocalGetBoardSpeed(deviceNo);
+    if (speed < 0)
+        return 0;
+    close();
+    char path[32];
+    std::snprintf(path, sizeof path, "/dev/Vexa_%d", deviceNo);
+    const int deviceHandle = ::open(path, O_RDWR | O_CLOEXEC);
+    if (deviceHandle == -1)
+        return 0;
+    implementation = newImplementation(type, this, deviceHandle, speed, deviceNo);
+    if (!implementation) {
+        ::close(deviceHandle);
+        return 0;
+    }
+    return makeReady(*implementation);
+}
+
+int SorvaneUSB::init(int)
+{
+    int result = 0;
+    for (int deviceNo = 0; deviceNo < deviceCount && !result; ++deviceNo) {
+        ClearErrors();
+        result = InitPort(deviceNo);
+    }
+    return result;
+}
+
+namespace
+{
+
+constexpr unsigned char lastBoardNumber = 15;
+constexpr int devicesWithBoardNumber = 8;
+constexpr unsigned char boardNumberMask = 7;  // inputs 24 to 26
+
+}  // namespace
+
+int SorvaneUSB::InitUSBBoard(unsigned char boardNumber)
+{
+    if (boardNumber > lastBoardNumber)
+        return RBaseImplementation::Fail(usbErrorParameter);
+    for (int deviceNo = 0; deviceNo < devicesWithBoardNumber; ++deviceNo) {
+        usbInput inputs;
+        if (!InitPort(deviceNo) || !GetInputs(&inputs))
+            continue;
+        if ((inputs.bits[3] & boardNumberMask) == boardNumber)
+            return 1;
+        close();
+    }
+    return 0;
+}
+
+int SorvaneUSB::Download8051Software()
+{
+    if (!implementation)
+        return 0;
+    const PreparationLock lock(implementation->deviceHandle);
+    return makeFirmwareRun(*implementation);
+}
+
+// Sharing: all copies use the same board.
 
 SorvaneUSB::SorvaneUSB(const SorvaneUSB &other) : implementation(other.implementation)
 {
@@ -47,6 +158,8 @@ SorvaneUSB &SorvaneUSB::operator=(SorvaneUSB &other)  // NOLINT(bugprone-unhandl
     return *this = static_cast<const SorvaneUSB &>(other);
 }
 
+// Closing
+
 int SorvaneUSB::close()
 {
     if (implementation)
@@ -55,88 +168,7 @@ int SorvaneUSB::close()
     return 1;
 }
 
-namespace
+SorvaneUSB::~SorvaneUSB()
 {
-
-RBaseImplementation *newImplementation(int type, SorvaneUSB *owner, int deviceHandle, int speed, int deviceNo)
-{
-    switch (type) {
-    case 1:
-        return new (std::nothrow) R20Implementation(owner, deviceHandle, speed, deviceNo);
-    case 2:
-        return new (std::nothrow) R20s_Implementation(owner, deviceHandle, speed, deviceNo);
-    case 3:
-        return new (std::nothrow) R35_Implementation(owner, deviceHandle, speed, deviceNo);
-    default:
-        return nullptr;
-    }
-}
-
-}  // namespace
-
-int SorvaneUSB::InitPort(int deviceNo)
-{
-    if (deviceNo < 0 || deviceNo >= deviceCount)  // no table has an entry for it: as good as missing
-        return 0;
-    const int type = ::GetBoardType(deviceNo);
-    if (type < 0)
-        return 0;
-    const int speed = ::LocalGetBoardSpeed(deviceNo);
-    if (speed < 0)
-        return 0;
     close();
-    char path[32];
-    std::snprintf(path, sizeof path, "/dev/Vexa_%d", deviceNo);
-    const int deviceHandle = ::open(path, O_RDWR | O_CLOEXEC);
-    if (deviceHandle == -1)
-        return 0;
-    implementation = newImplementation(type, this, deviceHandle, speed, deviceNo);
-    if (!implementation) {
-        ::close(deviceHandle);
-        return 0;
-    }
-    return prepareBoard(*implementation, deviceNo);
-}
-
-int SorvaneUSB::init(int)
-{
-    int result = 0;
-    for (int deviceNo = 0; deviceNo < deviceCount && !result; ++deviceNo) {
-        ClearErrors();
-        result = InitPort(deviceNo);
-    }
-    return result;
-}
-
-_usbErrorCode SorvaneUSB::GetLastError()
-{
-    return RBaseImplementation::GetLastError();
-}
-
-int SorvaneUSB::ClearErrors()
-{
-    return RBaseImplementation::ClearErrors();
-}
-
-namespace
-{
-
-int copyText(unsigned char *destination, const char *text)
-{
-    if (!destination)
-        return RBaseImplementation::Fail(usbErrorNullPointer);
-    std::memcpy(destination, text, std::strlen(text) + 1);
-    return 1;
-}
-
-}  // namespace
-
-int SorvaneUSB::GetProductVersion(unsigned char *version)
-{
-    return copyText(version, "3");
-}
-
-int SorvaneUSB::GetDllVersion(unsigned char *version)
-{
-    return copyText(version, "13");
 }

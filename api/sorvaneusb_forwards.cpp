@@ -1,21 +1,8 @@
-// Every other operation of SorvaneUSB goes to the implementation object of the open board. Without one it returns 0
-// and leaves the error store as it was; the four SAS operations alone say that they are not available.
-#include <climits>
-
+// Every operation here goes to the same-named one of the open board's implementation object, with the same arguments;
+// without a board it returns 0 and leaves the error store as it was. What does more, or has another name there, stands
+// in sorvaneusb_special_forwards.cpp.
 #include "api/sorvaneusb.h"
 #include "board/rbase_implementation.h"
-
-int SorvaneUSB::GetFittedBoard(unsigned char *type)
-{
-    return implementation ? implementation->GetBoardType(type) : 0;
-}
-
-int SorvaneUSB::GetBoardSpeed(unsigned char *speed)
-{
-    if (!speed)
-        return RBaseImplementation::Fail(usbErrorNullPointer);
-    return implementation ? implementation->GetBoardSpeed(speed) : 1;
-}
 
 int SorvaneUSB::Get8051Version(unsigned char *version)
 {
@@ -225,11 +212,6 @@ int SorvaneUSB::StopHopperCoinRelease(_usbInputBitId input)
     return implementation ? implementation->StopHopperCoinRelease(input) : 0;
 }
 
-int SorvaneUSB::ConfigureReels(unsigned char reels, unsigned char reelSetting, unsigned char reelOption)
-{
-    return implementation ? implementation->ConfigureReelsEx(reels, reelSetting, reelOption) : 0;
-}
-
 int SorvaneUSB::ConfigureReelsEx(unsigned char reels, unsigned short reelSetting, unsigned char reelOption)
 {
     return implementation ? implementation->ConfigureReelsEx(reels, reelSetting, reelOption) : 0;
@@ -361,29 +343,6 @@ int SorvaneUSB::GetParityErrors(_usbSerialPort port, unsigned short *count)
     return implementation ? implementation->GetParityErrors(port, count) : 0;
 }
 
-int SorvaneUSB::SetSASMachineAddress(_usbSerialPort port, unsigned char address)
-{
-    return implementation ? implementation->SetSASMachineAddress(port, address)
-                          : RBaseImplementation::Fail(usbErrorNotSupported);
-}
-
-int SorvaneUSB::SetSASAutoReply(_usbSerialPort port, unsigned int reply, unsigned char value)
-{
-    return implementation ? implementation->SetSASAutoReply(port, reply, value)
-                          : RBaseImplementation::Fail(usbErrorNotSupported);
-}
-
-int SorvaneUSB::SetSASBusy(_usbSerialPort port, unsigned int busy)
-{
-    return implementation ? implementation->SetSASBusy(port, busy) : RBaseImplementation::Fail(usbErrorNotSupported);
-}
-
-int SorvaneUSB::GetSASMessageStatus(_usbSerialPort port, unsigned int *status)
-{
-    return implementation ? implementation->GetSASMessageStatus(port, status)
-                          : RBaseImplementation::Fail(usbErrorNotSupported);
-}
-
 int SorvaneUSB::ConfigureCCTalkPort(_usbSerialPort port, CCTalkConfig *config)
 {
     return implementation ? implementation->ConfigureCCTalkPort(port, config) : 0;
@@ -487,18 +446,6 @@ int SorvaneUSB::ReadSRAM(unsigned short address, unsigned char *data, unsigned i
 int SorvaneUSB::WriteSRAM(unsigned short address, unsigned char *data, unsigned int length)
 {
     return implementation ? implementation->WriteSRAM(address, data, length) : 0;
-}
-
-int SorvaneUSB::ReadLargeSRAM(unsigned long address, unsigned char *data, unsigned long length)
-{
-    return implementation ? implementation->ReadSRAM(address, data, length) : 0;
-}
-
-int SorvaneUSB::WriteLargeSRAM(unsigned long address, unsigned char *data, unsigned long length)
-{
-    // A length of more than 32 bits is beyond every board: the largest one stands for it and is refused as such.
-    const unsigned int n = length > UINT_MAX ? UINT_MAX : static_cast<unsigned int>(length);
-    return implementation ? implementation->WriteSRAM(address, data, n) : 0;
 }
 
 int SorvaneUSB::SetClock(unsigned long time)

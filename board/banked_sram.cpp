@@ -37,11 +37,6 @@ int checkRange(unsigned long limit, unsigned long address, const unsigned char *
     return 1;
 }
 
-bool highSpeed(const RBaseImplementation &board)
-{
-    return board.speed == 2;
-}
-
 }  // namespace
 
 int writeBankedSRAM(RBaseImplementation &board, unsigned long limit, unsigned long address, const unsigned char *data,
@@ -50,10 +45,10 @@ int writeBankedSRAM(RBaseImplementation &board, unsigned long limit, unsigned lo
     if (!checkRange(limit, address, data, length))
         return 0;
     const unsigned long base = address + callerBase + (board.firmwareLoaded ? 0 : firmwareOffset);
-    const unsigned long largestChunk = highSpeed(board) ? 247 : 55;
+    const unsigned long largestChunk = board.isHighSpeed() ? 247 : 55;
     for (unsigned long done = 0; done < length;) {
         const Place place = placeOf(base + done, board.firmwareLoaded != 0);
-        const unsigned long n = std::min({largestChunk, length - done, place.leftInPage()});
+        const unsigned long n = std::min(std::min(largestChunk, length - done), place.leftInPage());
         Payload<5 + 247> payload(low(n), high(n), place.page, low(place.offset), high(place.offset));
         payload.append(data + done, n);
         if (!board.TellWith(Request::WriteBankedSRAM, payload.bytes, payload.length))
@@ -68,11 +63,11 @@ int readBankedSRAM(RBaseImplementation &board, unsigned long limit, unsigned lon
 {
     if (!checkRange(limit, address, data, length))
         return 0;
-    const unsigned long largestChunk = highSpeed(board) ? 252 : 60;
+    const unsigned long largestChunk = board.isHighSpeed() ? 252 : 60;
     for (unsigned long done = 0; done < length;) {
         const Place place = placeOf(address + callerBase + done, true);
-        const unsigned long n = std::min({largestChunk, length - done, place.leftInPage()});
-        Response response;
+        const unsigned long n = std::min(std::min(largestChunk, length - done), place.leftInPage());
+        Response<0> response;
         if (!board.Ask(Request::ReadBankedSRAM, response, low(n), high(n), place.page, low(place.offset),
                        high(place.offset)))
             return 0;

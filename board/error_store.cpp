@@ -3,22 +3,6 @@
 
 constinit _usbErrorCode RBaseImplementation::error_no = usbErrorNone;
 
-void RBaseImplementation::SetLastError(_usbErrorCode error)
-{
-    error_no = error;
-}
-
-_usbErrorCode RBaseImplementation::GetLastError()
-{
-    return error_no;
-}
-
-int RBaseImplementation::ClearErrors()
-{
-    error_no = usbErrorNone;
-    return 1;
-}
-
 int RBaseImplementation::SetupErrorHandling()
 {
     return ClearErrors();

@@ -8,8 +8,10 @@
 #include "board/rbase_implementation.h"
 #include "board/transfer_range.h"
 
-/// What a board answered. The bytes are not cleared before the exchange; those that a decoder may read behind a short
-/// answer are cleared after it.
+/// What a board answered. Its first bytes, so many as are decoded, may be read by their place: where the answer was
+/// shorter they are 0. For an answer that is only copied by its count these are none. Nothing is cleared before the
+/// exchange.
+template <unsigned long Decoded>
 class Response
 {
 public:
@@ -24,7 +26,8 @@ public:
     }
     unsigned long u32le(unsigned int place) const
     {
-        return u16le(place) | static_cast<unsigned long>(u16le(place + 2)) << 16;
+        return u8(place) | static_cast<unsigned long>(u8(place + 1)) << 8 |
+               static_cast<unsigned long>(u8(place + 2)) << 16 | static_cast<unsigned long>(u8(place + 3)) << 24;
     }
 
     /// Copies what fits in room bytes, and returns how many these are.
@@ -35,24 +38,22 @@ public:
         return size;
     }
 
-    /// Cuts the count to the buffer, whatever the driver said, and clears what a record may still cover.
+    /// Cuts the count to the buffer, whatever the driver said, and clears what is decoded but has not come.
     void settle()
     {
         if (count > sizeof bytes)
             count = sizeof bytes;
-        if (count < longestRecord)
-            std::memset(bytes + count, 0, longestRecord - count);
+        if (count < Decoded)
+            std::memset(bytes + count, 0, Decoded - count);
     }
 
     unsigned char bytes[usbLargestAnswer];
     unsigned long count = 0;
-
-private:
-    static constexpr unsigned long longestRecord = 18;  // the status of three reels
 };
 
-inline int RBaseImplementation::AskWith(Request request, Response &response, unsigned char *payload,
-                                        unsigned long length)
+template <unsigned long Decoded>
+int RBaseImplementation::AskWith(Request request, Response<Decoded> &response, unsigned char *payload,
+                                 unsigned long length)
 {
     response.count = 0;
     if (!PerformUSBIO(codeOf(request), pipeOf(request), payload, length, response.bytes, &response.count))
@@ -63,12 +64,13 @@ inline int RBaseImplementation::AskWith(Request request, Response &response, uns
 
 inline int RBaseImplementation::TellWith(Request request, unsigned char *payload, unsigned long length)
 {
-    Response ignored;
-    return PerformUSBIO(codeOf(request), pipeOf(request), payload, length, ignored.bytes, &ignored.count);
+    unsigned char ignored[usbLargestAnswer];
+    unsigned long count = 0;
+    return PerformUSBIO(codeOf(request), pipeOf(request), payload, length, ignored, &count);
 }
 
-template <class... Byte>
-int RBaseImplementation::Ask(Request request, Response &response, Byte... bytes)
+template <unsigned long Decoded, class... Byte>
+int RBaseImplementation::Ask(Request request, Response<Decoded> &response, Byte... bytes)
 {
     if constexpr (sizeof...(bytes) == 0) {
         return AskWith(request, response, nullptr, 0);

@@ -10,7 +10,7 @@ int readFlatMemory(RBaseImplementation &board, Request request, unsigned long ad
     for (unsigned long done = 0; done < length;) {
         const unsigned long n = std::min(58UL, length - done);
         const unsigned long place = address + done;
-        Response response;
+        Response<0> response;
         if (!board.Ask(request, response, n, low(place), high(place)))
             return 0;
         if (response.count == 0)

@@ -45,9 +45,9 @@ int R20Implementation::PerformUSBIO(unsigned char request, int pipe, unsigned ch
     packet.sendLength = static_cast<std::uint32_t>(outLength + 1);
     packet.receiveLength = longestAnswer;
     packet.data[0] = request;
-    if (outData && outLength)
+    if (outData)
         std::memcpy(packet.data + 1, outData, outLength);
-    else
+    else if (outLength)
         std::memset(packet.data + 1, 0, outLength);
 
     if (::ioctl(GetDeviceHandle(0), transferRequest, &packet) != 0)

@@ -13,37 +13,46 @@ public:
                      unsigned char *inData, unsigned long *inLength) override;
     int GetBoardType(unsigned char *type) override;
     int ConfigurePulsedInput(_usbInputBitId input, unsigned char inputSetting, ActiveState activeState) override;
-    int ConfigurePulsedInputEx(_usbInputBitId input, unsigned char inputSetting, unsigned char inputSettingEx,
-                               ActiveState activeState) override;
     int ReleaseParallelHopperCoins(_usbInputBitId input, unsigned char inputSetting, ActiveState activeState,
                                    _usbOutputBitId hopperOutput, unsigned short coinCount,
                                    unsigned char hopperSetting) override;
-    int ReleaseParallelHopperCoinsEx(_usbInputBitId input, unsigned char inputSetting, unsigned char inputSettingEx,
-                                     ActiveState activeState, _usbOutputBitId hopperOutput, unsigned short coinCount,
-                                     unsigned char hopperSetting) override;
-    int StopHopperCoinRelease(_usbInputBitId input) override;
-    int ConfigureRecordingInputs(_usbInputBitId *recordInputs, unsigned long recordAddress,
-                                 unsigned short recordLength) override;
-    int StartRecordingInputs(unsigned short startValue) override;
-    int GetRecordingStatus(RecordingStatus *status, unsigned short *valueA, unsigned short *valueB) override;
-    int ReadDiagnosticData(unsigned char *requestData, unsigned long requestLength, unsigned char *reply,
-                           unsigned long *replySize) override;
-    int WriteDiagnosticData(unsigned char *diagnosticData, unsigned long diagnosticLength) override;
     int Download8051Software() override;
     int WriteSRAM(unsigned long address, unsigned char *data, unsigned int length) override;
     int ReadSRAM(unsigned long address, unsigned char *data, unsigned long length) override;
-    int GetDallasSerialNumber(unsigned char *serialNumber, unsigned char *crcValid) override;
-    int ReadAndResetRTCFailure(unsigned char *flag) override;
-    int ReadClockAtBatteryFailure(unsigned long *time) override;
-    int ReadAndResetBatteryFailFlag(unsigned char *flag) override;
-    int SetSASMachineAddress(_usbSerialPort port, unsigned char address) override;
-    int SetSASAutoReply(_usbSerialPort port, unsigned int reply, unsigned char value) override;
-    int SetSASBusy(_usbSerialPort port, unsigned int busy) override;
-    int GetSASMessageStatus(_usbSerialPort port, unsigned int *status) override;
+
+    unsigned long LargestAnswer() const override { return usbLargestAnswerR20; }
+
+    // What an R20 lacks: nothing is checked and nothing is sent.
+    int ConfigurePulsedInputEx(_usbInputBitId, unsigned char, unsigned char, ActiveState) override { return Lacking(); }
+    int ReleaseParallelHopperCoinsEx(_usbInputBitId, unsigned char, unsigned char, ActiveState, _usbOutputBitId,
+                                     unsigned short, unsigned char) override
+    {
+        return Lacking();
+    }
+    int StopHopperCoinRelease(_usbInputBitId) override { return Lacking(); }
+    int ConfigureRecordingInputs(_usbInputBitId *, unsigned long, unsigned short) override { return Lacking(); }
+    int StartRecordingInputs(unsigned short) override { return Lacking(); }
+    int GetRecordingStatus(RecordingStatus *, unsigned short *, unsigned short *) override { return Lacking(); }
+    int ReadDiagnosticData(unsigned char *, unsigned long, unsigned char *, unsigned long *) override
+    {
+        return Lacking();
+    }
+    int WriteDiagnosticData(unsigned char *, unsigned long) override { return Lacking(); }
+    int GetDallasSerialNumber(unsigned char *, unsigned char *) override { return Lacking(); }
+    int ReadAndResetRTCFailure(unsigned char *) override { return Lacking(); }
+    int ReadClockAtBatteryFailure(unsigned long *) override { return Lacking(); }
+    int ReadAndResetBatteryFailFlag(unsigned char *) override { return Lacking(); }
+    int SetSASMachineAddress(_usbSerialPort, unsigned char) override { return Lacking(); }
+    int SetSASAutoReply(_usbSerialPort, unsigned int, unsigned char) override { return Lacking(); }
+    int SetSASBusy(_usbSerialPort, unsigned int) override { return Lacking(); }
+    int GetSASMessageStatus(_usbSerialPort, unsigned int *) override { return Lacking(); }
 
     // The bounded forms of the base stay visible beside the overrides.
     using RBaseImplementation::GetDallasSerialNumber;
     using RBaseImplementation::ReadDiagnosticData;
+
+private:
+    static int Lacking() { return Fail(usbErrorNotSupported); }
 };
 
 #endif

@@ -1,14 +1,13 @@
-// What an R20 does in its own way: what it lacks, its shorter pulse and hopper requests, its image and its flat SRAM.
+// What an R20 does in its own way: its shorter pulse and hopper requests, its image and its flat SRAM.
 #include "board/exchange.h"
 #include "board/flat_memory.h"
-#include "board/model_words.h"
 #include "board/r20_implementation.h"
 #include "board/transfer_range.h"
 #include "firmware/images.h"
 
 int R20Implementation::GetBoardType(unsigned char *type)
 {
-    return reportType(type, 1);
+    return ReportType(type, typeR20);
 }
 
 // The R20's coin requests lack the last byte of the other models' and are sent without a range check.
@@ -24,89 +23,6 @@ int R20Implementation::ReleaseParallelHopperCoins(_usbInputBitId input, unsigned
 {
     return Tell(Request::ReleaseParallelHopperCoins, input, inputSetting, activeState, hopperOutput, high(coinCount),
                 low(coinCount), hopperSetting);
-}
-
-// What an R20 lacks: nothing is checked and nothing is sent.
-
-int R20Implementation::ConfigurePulsedInputEx(_usbInputBitId, unsigned char, unsigned char, ActiveState)
-{
-    return Fail(usbErrorNotSupported);
-}
-
-int R20Implementation::ReleaseParallelHopperCoinsEx(_usbInputBitId, unsigned char, unsigned char, ActiveState,
-                                                    _usbOutputBitId, unsigned short, unsigned char)
-{
-    return Fail(usbErrorNotSupported);
-}
-
-int R20Implementation::StopHopperCoinRelease(_usbInputBitId)
-{
-    return Fail(usbErrorNotSupported);
-}
-
-int R20Implementation::ConfigureRecordingInputs(_usbInputBitId *, unsigned long, unsigned short)
-{
-    return Fail(usbErrorNotSupported);
-}
-
-int R20Implementation::StartRecordingInputs(unsigned short)
-{
-    return Fail(usbErrorNotSupported);
-}
-
-int R20Implementation::GetRecordingStatus(RecordingStatus *, unsigned short *, unsigned short *)
-{
-    return Fail(usbErrorNotSupported);
-}
-
-int R20Implementation::ReadDiagnosticData(unsigned char *, unsigned long, unsigned char *, unsigned long *)
-{
-    return Fail(usbErrorNotSupported);
-}
-
-int R20Implementation::WriteDiagnosticData(unsigned char *, unsigned long)
-{
-    return Fail(usbErrorNotSupported);
-}
-
-int R20Implementation::GetDallasSerialNumber(unsigned char *, unsigned char *)
-{
-    return Fail(usbErrorNotSupported);
-}
-
-int R20Implementation::ReadAndResetRTCFailure(unsigned char *)
-{
-    return Fail(usbErrorNotSupported);
-}
-
-int R20Implementation::ReadClockAtBatteryFailure(unsigned long *)
-{
-    return Fail(usbErrorNotSupported);
-}
-
-int R20Implementation::ReadAndResetBatteryFailFlag(unsigned char *)
-{
-    return Fail(usbErrorNotSupported);
-}
-
-int R20Implementation::SetSASMachineAddress(_usbSerialPort, unsigned char)
-{
-    return Fail(usbErrorNotSupported);
-}
-
-int R20Implementation::SetSASAutoReply(_usbSerialPort, unsigned int, unsigned char)
-{
-    return Fail(usbErrorNotSupported);
-}
-
-int R20Implementation::SetSASBusy(_usbSerialPort, unsigned int)
-{
-    return Fail(usbErrorNotSupported);
-}
-
-int R20Implementation::GetSASMessageStatus(_usbSerialPort, unsigned int *)
-{
-    return Fail(usbErrorNotSupported);
 }
 
 int R20Implementation::Download8051Software()
@@ -134,7 +50,7 @@ int R20Implementation::WriteSRAM(unsigned long address, unsigned char *data, uns
 {
     if (!checkRange(address, data, length))
         return 0;
-    return writeFlatMemory(*this, Request::WriteFlatSRAM, speed == 2 ? 249 : 57, address, data, length);
+    return writeFlatMemory(*this, Request::WriteFlatSRAM, isHighSpeed() ? 249 : 57, address, data, length);
 }
 
 int R20Implementation::ReadSRAM(unsigned long address, unsigned char *data, unsigned long length)

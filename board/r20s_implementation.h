@@ -15,8 +15,10 @@ public:
     int Download8051Software() override;
     int WriteSRAM(unsigned long address, unsigned char *data, unsigned int length) override;
     int ReadSRAM(unsigned long address, unsigned char *data, unsigned long length) override;
-    int ReadAndResetRTCFailure(unsigned char *flag) override;
-    int ReadClockAtBatteryFailure(unsigned long *time) override;
+
+    // What an R20s lacks: nothing is checked and nothing is sent.
+    int ReadAndResetRTCFailure(unsigned char *) override { return Fail(usbErrorNotSupportedR20s); }
+    int ReadClockAtBatteryFailure(unsigned long *) override { return Fail(usbErrorNotSupportedR20s); }
 };
 
 #endif

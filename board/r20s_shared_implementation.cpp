@@ -1,6 +1,5 @@
-// What an R20s does in its own way: its image, its SRAM, the clock failures it lacks.
+// What an R20s does in its own way: its image and its SRAM.
 #include "board/banked_sram.h"
-#include "board/model_words.h"
 #include "board/r20s_implementation.h"
 #include "firmware/images.h"
 
@@ -13,7 +12,7 @@ constexpr unsigned long sramLimit = 0x73FFE;
 
 int R20s_Implementation::GetBoardType(unsigned char *type)
 {
-    return reportType(type, 2);
+    return ReportType(type, typeR20s);
 }
 
 int R20s_Implementation::Download8051Software()
@@ -31,14 +30,4 @@ int R20s_Implementation::WriteSRAM(unsigned long address, unsigned char *data, u
 int R20s_Implementation::ReadSRAM(unsigned long address, unsigned char *data, unsigned long length)
 {
     return readBankedSRAM(*this, sramLimit, address, data, length);
-}
-
-int R20s_Implementation::ReadAndResetRTCFailure(unsigned char *)
-{
-    return Fail(usbErrorNotSupportedR20s);
-}
-
-int R20s_Implementation::ReadClockAtBatteryFailure(unsigned long *)
-{
-    return Fail(usbErrorNotSupportedR20s);
 }

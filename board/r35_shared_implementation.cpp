@@ -1,6 +1,5 @@
 // What an R35 does in its own way: its image, its SRAM, the clock that stopped with the battery.
 #include "board/banked_sram.h"
-#include "board/model_words.h"
 #include "board/r35_implementation.h"
 #include "firmware/images.h"
 
@@ -13,7 +12,7 @@ constexpr unsigned long sramLimit = 0xF3FFE;
 
 int R35_Implementation::GetBoardType(unsigned char *type)
 {
-    return reportType(type, 3);
+    return ReportType(type, typeR35);
 }
 
 int R35_Implementation::Download8051Software()

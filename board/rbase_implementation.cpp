@@ -68,8 +68,15 @@ int RBaseImplementation::ReadClockAtBatteryFailure(unsigned long *)
     return 0;
 }
 
-unsigned long RBaseImplementation::LargestAnswer()
+unsigned long RBaseImplementation::LargestAnswer() const
 {
-    unsigned char type = 0;
-    return GetBoardType(&type) && type == 1 ? usbLargestAnswerR20 : usbLargestAnswer;
+    return usbLargestAnswer;
+}
+
+int RBaseImplementation::ReportType(unsigned char *result, BoardType type)
+{
+    if (!result)
+        return Fail(usbErrorNullPointer);
+    *result = type;
+    return 1;
 }

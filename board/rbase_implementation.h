@@ -5,9 +5,11 @@
 #define SORVANE_BOARD_RBASE_IMPLEMENTATION_H
 
 #include "api/sorvaneusb_types.h"
+#include "board/models.h"
 #include "board/requests.h"
 
 class SorvaneUSB;
+template <unsigned long Decoded>
 class Response;
 struct TimestampedItem;
 
@@ -131,13 +133,21 @@ public:
                                      unsigned long *length, unsigned int *status);
     virtual int DeletePolledMessage(_usbSerialPort port, unsigned char slot);
 
+    // Behind the slots above, whose order is fixed.
+    /// The most bytes that this board hands over in one answer.
+    virtual unsigned long LargestAnswer() const;
+
     int GetDeviceHandle(int unused) const { return (void)unused, deviceHandle; }
     int GetDeviceNo() const { return deviceNo; }
 
     /// One code for the whole process, whichever board it came from.
-    static void SetLastError(_usbErrorCode error);
-    static _usbErrorCode GetLastError();
-    static int ClearErrors();
+    static void SetLastError(_usbErrorCode error) { error_no = error; }
+    static _usbErrorCode GetLastError() { return error_no; }
+    static int ClearErrors()
+    {
+        error_no = usbErrorNone;
+        return 1;
+    }
     static int SetupErrorHandling();
     static void ReleaseErrorHandling();
     static _usbErrorCode error_no;
@@ -169,15 +179,18 @@ public:
     // The words of board/exchange.h.
     template <class... Byte>
     int Tell(Request request, Byte... bytes);
-    template <class... Byte>
-    int Ask(Request request, Response &response, Byte... bytes);
+    template <unsigned long Decoded, class... Byte>
+    int Ask(Request request, Response<Decoded> &response, Byte... bytes);
     int TellWith(Request request, unsigned char *payload, unsigned long length);
-    int AskWith(Request request, Response &response, unsigned char *payload, unsigned long length);
+    template <unsigned long Decoded>
+    int AskWith(Request request, Response<Decoded> &response, unsigned char *payload, unsigned long length);
     int AskInto(Request request, unsigned char *buffer);
+
+    bool isHighSpeed() const { return speed == highSpeed; }
 
     /// 1 once the board's firmware is known to run; the banked SRAM maps its writes by it.
     unsigned char firmwareLoaded;
-    /// 1 full speed, 2 high speed; sizes the chunks of long transfers.
+    /// A BusSpeed; sizes the chunks of long transfers.
     int speed;
     /// The object whose InitPort made this one; tested for null, never followed.
     SorvaneUSB *owner;
@@ -186,14 +199,13 @@ public:
     int deviceHandle;
 
 protected:
-    /// The most bytes that this board hands over in one answer.
-    unsigned long LargestAnswer();
+    /// Reports the number of a model through what may be null.
+    static int ReportType(unsigned char *result, BoardType type);
     /// Fetches a clock value, which every request delivers in the same form.
     int ReadClockValue(Request request, unsigned long *time);
 
 private:
     int SpinRamp(Request request, unsigned char reel, const usbRampTable &table);
-    int GetFiveInputBytes(Request request, unsigned char *bytes);
     int NextTimestampedItem(_usbSerialPort port, unsigned int size, TimestampedItem &item);
     int AskForSerialData(_usbSerialPort port, unsigned char *data, unsigned long *count);
     int ReceivePolledParts(_usbSerialPort port, unsigned char slot, unsigned char *message, unsigned long *length,

@@ -1,8 +1,6 @@
 #include "shared/mutex.h"
 
-#include <cerrno>
 #include <cstring>
-#include <sys/sem.h>
 
 #include "shared/mutex_set.h"
 #include "shared/thread_sanitizer.h"
@@ -54,29 +52,43 @@ void Mutex::ReleaseLocalMutex(Mutex *mutex)
     }
 }
 
-bool LinuxMutex::Add(int value) const
+inline bool LinuxMutex::Add(short value) const
 {
     if (semaphoreSetID == -1)
         return false;
-    sembuf operation = {static_cast<unsigned short>(mutexID.number + 1U), static_cast<short>(value), SEM_UNDO};
-    return semaphoreOperation(semaphoreSetID, &operation, 1);
+    sembuf operation = {static_cast<unsigned short>(mutexID.number + 1), value, SEM_UNDO};
+    return ::semop(semaphoreSetID, &operation, 1) == 0;
+}
+
+bool LinuxMutex::AddAgain(short value) const
+{
+    while (semaphoreSetID != -1 && errno == EINTR)
+        if (Add(value))
+            return true;
+    return false;
+}
+
+bool LinuxMutex::LockAgain()
+{
+    if (AddAgain(-1))
+        return true;
+    if (semaphoreSetID == -1 || !setIsGone(errno))
+        return false;
+    LinuxMutexSet *set = LinuxMutexSet::SearchForMutexSet(mutexID);
+    semaphoreSetID = set ? set->Rejoin(semaphoreSetID) : -1;
+    return Add(-1) || AddAgain(-1);
 }
 
 bool LinuxMutex::Lock()
 {
-    bool locked = Add(-1);
-    if (!locked && semaphoreSetID != -1 && setIsGone(errno)) {
-        LinuxMutexSet *set = LinuxMutexSet::SearchForMutexSet(mutexID);
-        semaphoreSetID = set ? set->Rejoin(semaphoreSetID) : -1;
-        locked = Add(-1);
-    }
-    if (locked)
-        tellAcquired(this);
-    return locked;
+    if (!Add(-1) && !LockAgain())
+        return false;
+    tellAcquired(this);
+    return true;
 }
 
 bool LinuxMutex::UnLock()
 {
     tellReleased(this);
-    return Add(+1);
+    return Add(+1) || AddAgain(+1);
 }

@@ -63,7 +63,9 @@ public:
     int semaphoreSetID;
 
 private:
-    bool Add(int value) const;
+    bool Add(short value) const;
+    bool AddAgain(short value) const;
+    bool LockAgain();
 };
 
 /// Holds a mutex for a scope and gives back only what it got. A null mutex is no lock.

@@ -85,15 +85,6 @@ bool unregisterBesideOthers(int id)
 
 }  // namespace
 
-bool semaphoreOperation(int semaphoreSetID, sembuf *operations, unsigned int count)
-{
-    int result;
-    do
-        result = ::semop(semaphoreSetID, operations, count);
-    while (result == -1 && errno == EINTR);
-    return result == 0;
-}
-
 bool setIsGone(int error)
 {
     return error == EIDRM || error == EINVAL;

@@ -13,12 +13,19 @@
 #ifndef SORVANE_SHARED_MUTEX_SET_H
 #define SORVANE_SHARED_MUTEX_SET_H
 
+#include <cerrno>
+#include <sys/sem.h>
+
 #include "shared/mutex.h"
 
-struct sembuf;
-
 /// semop, repeated while a signal interrupts it; errno tells of a failure.
-bool semaphoreOperation(int semaphoreSetID, sembuf *operations, unsigned int count);
+inline bool semaphoreOperation(int semaphoreSetID, sembuf *operations, unsigned int count)
+{
+    while (::semop(semaphoreSetID, operations, count) == -1)
+        if (errno != EINTR)
+            return false;
+    return true;
+}
 
 /// Whether a failed semop says that the set does not exist any more.
 bool setIsGone(int error);

@@ -6,9 +6,10 @@
 
 int RBaseImplementation::SetPeriodOutputs(usbOutput &outputs, unsigned char request)
 {
-    Response ignored;
-    return PerformUSBIO(request, pipeOf(Request::SetOnPeriodOutputs), outputs.bits, sizeof outputs.bits, ignored.bytes,
-                        &ignored.count);
+    unsigned char ignored[usbLargestAnswer];
+    unsigned long count = 0;
+    return PerformUSBIO(request, pipeOf(Request::SetOnPeriodOutputs), outputs.bits, sizeof outputs.bits, ignored,
+                        &count);
 }
 
 int RBaseImplementation::SetOnPeriodOutputs(usbOutput outputs)

@@ -35,7 +35,7 @@ int RBaseImplementation::ReadIdentity(Request request, unsigned char *identity, 
 {
     if (!identity)
         return Fail(usbErrorNullPointer);
-    Response response;
+    Response<0> response;
     if (!Ask(request, response))
         return 0;
     response.copyTo(identity, capacity);

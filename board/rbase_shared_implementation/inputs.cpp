@@ -1,35 +1,40 @@
 // Inputs: input n is bit n % 8 of byte n / 8 of the five bytes that the board answers.
 #include "board/exchange.h"
 
-int RBaseImplementation::GetFiveInputBytes(Request request, unsigned char *bytes)
+namespace
+{
+
+int getFiveInputBytes(RBaseImplementation &board, Request request, unsigned char *bytes)
 {
     if (!bytes)
-        return Fail(usbErrorNullPointer);
-    Response response;
-    if (!Ask(request, response))
+        return RBaseImplementation::Fail(usbErrorNullPointer);
+    Response<sizeof(usbInput)> response;
+    if (!board.Ask(request, response))
         return 0;
     std::memcpy(bytes, response.bytes, sizeof(usbInput));
     return 1;
 }
 
+}  // namespace
+
 int RBaseImplementation::GetInputs(unsigned char *buffer)
 {
-    return GetFiveInputBytes(Request::GetInputs, buffer);
+    return getFiveInputBytes(*this, Request::GetInputs, buffer);
 }
 
 int RBaseImplementation::GetInputs(usbInput *inputs)
 {
-    return GetFiveInputBytes(Request::GetInputs, inputs ? inputs->bits : nullptr);
+    return getFiveInputBytes(*this, Request::GetInputs, inputs ? inputs->bits : nullptr);
 }
 
 int RBaseImplementation::GetChangedInputs(usbInput *inputs)
 {
-    return GetFiveInputBytes(Request::GetChangedInputs, inputs ? inputs->bits : nullptr);
+    return getFiveInputBytes(*this, Request::GetChangedInputs, inputs ? inputs->bits : nullptr);
 }
 
 int RBaseImplementation::GetRawInputs(usbInput *inputs)
 {
-    return GetFiveInputBytes(Request::GetRawInputs, inputs ? inputs->bits : nullptr);
+    return getFiveInputBytes(*this, Request::GetRawInputs, inputs ? inputs->bits : nullptr);
 }
 
 int RBaseImplementation::GetInputBit(_usbInputBitId input, unsigned int *state)
@@ -56,7 +61,7 @@ int RBaseImplementation::GetMultiplexedInputs(usbMultiplexedInput *inputs)
 {
     if (!inputs)
         return Fail(usbErrorNullPointer);
-    Response response;
+    Response<sizeof(usbMultiplexedInput)> response;
     if (!Ask(Request::GetMultiplexedInputs, response))
         return 0;
     inputs->leadByte = response.u8(0);

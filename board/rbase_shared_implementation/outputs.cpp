@@ -1,16 +1,28 @@
 // Steady outputs. The board is told the changes; the patterns of both flash periods, which all processes share, are
 // brought up to date before it is told, and the locks are held until it has answered, so that the changes of several
 // processes reach the board in the order in which they changed the patterns.
+#include <cstdint>
+
 #include "board/exchange.h"
 #include "board/rbase_shared_implementation/shared_board_state.h"
 
 namespace
 {
 
-void apply(usbOutput &pattern, const usbOutput &off, const usbOutput &on)
+/// The outputs as one number, output n being its bit n.
+std::uint64_t numberOf(const usbOutput &outputs)
 {
-    for (int k = 0; k < 5; ++k)
-        pattern.bits[k] = static_cast<unsigned char>((pattern.bits[k] | on.bits[k]) & ~off.bits[k]);
+    std::uint32_t firstFour;
+    std::memcpy(&firstFour, outputs.bits, sizeof firstFour);
+    return firstFour | std::uint64_t{outputs.bits[4]} << 32;
+}
+
+void change(usbOutput &pattern, std::uint64_t off, std::uint64_t on)
+{
+    const std::uint64_t changed = (numberOf(pattern) | on) & ~off;
+    const auto firstFour = static_cast<std::uint32_t>(changed);
+    std::memcpy(pattern.bits, &firstFour, sizeof firstFour);
+    pattern.bits[4] = static_cast<unsigned char>(changed >> 32);
 }
 
 }  // namespace
@@ -22,11 +34,13 @@ int RBaseImplementation::ModifyOutputs(usbOutput *outputsOff, usbOutput *outputs
     const int device = GetDeviceNo();
     if (!outputsOff || !outputsOn)
         return Fail(usbErrorNullPointer);
-    apply(onPattern(device), *outputsOff, *outputsOn);
-    apply(offPattern(device), *outputsOff, *outputsOn);
-    const unsigned char *on = outputsOn->bits;
-    const unsigned char *off = outputsOff->bits;
-    return Tell(Request::ModifyOutputs, on[0], on[1], on[2], on[3], on[4], off[0], off[1], off[2], off[3], off[4]);
+    const std::uint64_t off = numberOf(*outputsOff);
+    const std::uint64_t on = numberOf(*outputsOn);
+    change(onPattern(device), off, on);
+    change(offPattern(device), off, on);
+    Payload<2 * sizeof(usbOutput)> payload;
+    payload.append(outputsOn->bits, sizeof outputsOn->bits).append(outputsOff->bits, sizeof outputsOff->bits);
+    return TellWith(Request::ModifyOutputs, payload.bytes, payload.length);
 }
 
 int RBaseImplementation::SetOutputBit(_usbOutputBitId output, unsigned int state)

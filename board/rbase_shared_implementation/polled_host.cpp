@@ -108,7 +108,7 @@ int RBaseImplementation::ReceivePolledParts(_usbSerialPort port, unsigned char s
     while (capacity - *length >= largestPart) {
         if (!isSerialPort(port))
             return Fail(usbErrorParameter);
-        Response response;
+        Response<messageHeader> response;
         if (!Ask(onPort(Request::ReceivePolledMessage, port), response, slot))
             return 0;
         *status = response.u8(0);

@@ -56,7 +56,7 @@ int RBaseImplementation::ReadPulsedInputCounter(_usbInputBitId input, unsigned c
         return Fail(usbErrorNullPointer);
     if (input > lastCountedInput)
         return Fail(usbErrorParameter);
-    Response response;
+    Response<1> response;
     if (!Ask(Request::ReadPulsedInputCounter, response, input))
         return 0;
     *counter = response.u8(0);
@@ -99,7 +99,7 @@ int RBaseImplementation::GetParallelHopperStatus(_usbInputBitId input, ReleaseHo
         return Fail(usbErrorNullPointer);
     if (input > lastCountedInput)
         return Fail(usbErrorParameter);
-    Response response;
+    Response<2> response;
     if (!Ask(Request::GetParallelHopperStatus, response, input))
         return 0;
     *status = static_cast<ReleaseHopperCoinsStatus>(response.u8(0));

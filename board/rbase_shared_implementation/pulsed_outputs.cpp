@@ -27,7 +27,7 @@ int RBaseImplementation::PulseOutputResult(unsigned char *resultA, unsigned int 
 {
     if (!resultA || !resultB || !resultC)
         return Fail(usbErrorNullPointer);
-    Response response;
+    Response<3> response;
     if (!Ask(Request::PulseOutputResult, response))
         return 0;
     *resultA = response.u8(0);

@@ -16,7 +16,7 @@ int RBaseImplementation::GetRandomNumber(unsigned short *number)
 {
     if (!number)
         return Fail(usbErrorNullPointer);
-    Response response;
+    Response<2> response;
     if (!Ask(Request::GetRandomNumber, response))
         return 0;
     *number = response.u16le(0);

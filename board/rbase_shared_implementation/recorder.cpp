@@ -45,7 +45,7 @@ int RBaseImplementation::GetRecordingStatus(RecordingStatus *status, unsigned sh
 {
     if (!status || !valueA || !valueB)
         return Fail(usbErrorNullPointer);
-    Response response;
+    Response<5> response;
     if (!Ask(Request::GetRecordingStatus, response))
         return 0;
     *status = static_cast<RecordingStatus>(response.u8(0));
@@ -59,7 +59,7 @@ int RBaseImplementation::ReadDiagnosticData(unsigned char *requestData, unsigned
 {
     if (!requestData || !reply || !replySize)
         return Fail(usbErrorNullPointer);
-    Response response;
+    Response<0> response;
     if (!AskWith(Request::ReadDiagnosticData, response, requestData, requestLength))
         return 0;
     *replySize = response.count;

@@ -64,7 +64,7 @@ int RBaseImplementation::GetReelStatusEx(ReelStatusEx *status)
 {
     if (!status)
         return Fail(usbErrorNullPointer);
-    Response response;
+    Response<reelCount * statusBytesPerReel> response;
     if (!Ask(Request::GetReelStatus, response))
         return 0;
     for (int reel = 0; reel < reelCount; ++reel) {

@@ -34,7 +34,7 @@ int RBaseImplementation::GetSASMessageStatus(_usbSerialPort port, unsigned int *
         return Fail(usbErrorNullPointer);
     if (!isSerialPort(port))
         return Fail(usbErrorParameter);
-    Response response;
+    Response<1> response;
     if (!Ask(onPort(Request::GetSASMessageStatus, port), response))
         return 0;
     *status = response.u8(0);

@@ -5,7 +5,7 @@ int RBaseImplementation::ReadClockValue(Request request, unsigned long *time)
 {
     if (!time)
         return Fail(usbErrorNullPointer);
-    Response response;
+    Response<4> response;
     if (!Ask(request, response))
         return 0;
     *time = response.u32le(0);
@@ -16,7 +16,7 @@ int RBaseImplementation::ReadFlag(Request request, unsigned char *flag)
 {
     if (!flag)
         return Fail(usbErrorNullPointer);
-    Response response;
+    Response<1> response;
     if (!Ask(request, response))
         return 0;
     *flag = response.u8(0);
@@ -27,7 +27,7 @@ int RBaseImplementation::ReadSwitchFlags(Request request, unsigned char *flagsA,
 {
     if (!flagsA || !flagsB)
         return Fail(usbErrorNullPointer);
-    Response response;
+    Response<2> response;
     if (!Ask(request, response))
         return 0;
     *flagsA = response.u8(0);
@@ -54,7 +54,7 @@ int RBaseImplementation::NextSecuritySwitchRead(unsigned long *time, unsigned ch
 {
     if (!time || !switches)
         return Fail(usbErrorNullPointer);
-    Response response;
+    Response<5> response;
     if (!Ask(Request::NextSecuritySwitchRead, response))
         return 0;
     *time = response.u32le(0);

@@ -14,11 +14,9 @@ constinit unsigned char message_id = 0;
 
 constexpr unsigned int largestChunk = 252;
 
-unsigned int chunkFor(RBaseImplementation &board)
+unsigned int chunkFor(const RBaseImplementation &board)
 {
-    unsigned char speed = 0;
-    board.GetBoardSpeed(&speed);
-    return speed == 2 ? largestChunk : 60;
+    return board.isHighSpeed() ? largestChunk : 60;
 }
 
 }  // namespace
@@ -126,7 +124,7 @@ int RBaseImplementation::Receive(_usbSerialPort port, unsigned char *data, unsig
         return Fail(usbErrorLength);
     *length = 0;
     while (capacity - *length >= largest) {
-        Response response;
+        Response<0> response;
         if (!AskForSerialData(port, response.bytes, &response.count))
             return 0;
         response.settle();
@@ -158,7 +156,7 @@ int RBaseImplementation::NextTimestampedItem(_usbSerialPort port, unsigned int s
     if (buffer.empty()) {
         if (!isSerialPort(port))
             return Fail(usbErrorParameter);
-        Response response;
+        Response<0> response;
         if (!Ask(onPort(Request::ReceiveWithTimestamps, port), response))
             return 0;
         buffer.fill(response.bytes, response.count);
@@ -216,7 +214,7 @@ int RBaseImplementation::GetParityErrors(_usbSerialPort port, unsigned short *co
         return Fail(usbErrorNullPointer);
     if (!isSerialPort(port))
         return Fail(usbErrorParameter);
-    Response response;
+    Response<2> response;
     if (!Ask(onPort(Request::GetParityErrors, port), response))
         return 0;
     *count = response.u16be(0);

@@ -54,7 +54,7 @@ int RBaseImplementation::SendSPI(unsigned char sendBits, unsigned char *txData, 
         return Fail(usbErrorDataLength);
     Payload<3 + mostBits / 8> payload(sendBits, receiveBits, spiOption);
     payload.append(txData, (sendBits + 7UL) / 8);
-    Response response;
+    Response<0> response;
     if (!AskWith(Request::SendSPI, response, payload.bytes, payload.length))
         return 0;
     response.copyTo(rxData, capacity);

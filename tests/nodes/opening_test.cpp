@@ -168,11 +168,12 @@ TEST_F(Opening, WaitsForWhoPreparesTheBoardUntilThatOneIsKilled)
 TEST_F(Opening, GoesOnAtOnceWhenWhoPreparesTheBoardIsKilledInASlowExchange)
 {
     ctl("4 slow 60s count 1");
-    Program victim({"open 4"});
-    EXPECT_TRUE(victim.waits());
+    Program victim({"say 1", "open 4"});
+    EXPECT_EQ(victim.answer(), "asking");
     Program next({"open 4"});
     EXPECT_TRUE(next.waits());
     victim.peer.kill();
+    ctl("4 slow 0s");  // should it never have come that far
     Sum sum;
     sum.add(next);
     sum.expect(1, 1);

@@ -3,6 +3,7 @@
 //   open N, init, find NUMBER   the three ways to open; load: the firmware alone
 //   signals                     a signal that does not kill, every millisecond of what comes next
 //   stop K, fork K              before its K-th exchange it says "stopped" and waits for ever; leaves a child behind
+//   say K                       before its K-th exchange it says "asking"
 //
 // What opens answers with result, code and how often its exchanges so far began a download, ended one and configured
 // the EEPROM: "1 0 1 1 2".
@@ -22,13 +23,15 @@
 namespace
 {
 
-int exchanges = 0, stopAt = 0, forkAt = 0;
+int exchanges = 0, stopAt = 0, forkAt = 0, sayAt = 0;
 int asked[256] = {};
 
 void beforeExchange(unsigned char request)
 {
     ++asked[request];
     ++exchanges;
+    if (exchanges == sayAt)
+        std::cout << "asking" << std::endl;
     if (exchanges == stopAt) {
         std::cout << "stopped" << std::endl;
         for (;;)
@@ -91,10 +94,18 @@ int main()
     SorvaneUSB board;
     std::string line;
     while (std::getline(std::cin, line) && line != "quit") {
-        if (line == "signals")
+        std::istringstream words(line);
+        std::string verb;
+        words >> verb;
+        if (verb == "signals")
             sendSignalsEvery(1000);
-        else if (std::sscanf(line.c_str(), "stop %d", &stopAt) != 1 &&
-                 std::sscanf(line.c_str(), "fork %d", &forkAt) != 1)
+        else if (verb == "stop")
+            words >> stopAt;
+        else if (verb == "fork")
+            words >> forkAt;
+        else if (verb == "say")
+            words >> sayAt;
+        else
             std::cout << obey(board, line) << std::endl;
     }
 }

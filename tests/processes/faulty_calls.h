@@ -4,11 +4,10 @@
 //     SORVANE_FAULTS="semop 3 once 4;semctl 1 ever 13"    the third semop with errno 4, every semctl with errno 13
 //
 // Calls: ftok semget semop semctl shmget shmat shmctl open flock fopen ioctl new (the nothrow operator). A fault that
-// struck writes the line "! struck" to the standard output, an exchange that is sent again after it failed "!
-// repeated".
+// struck writes "! struck" to the standard output, an exchange that is sent again after it failed "! repeated".
 //
 // A failure is one that the system can bring about:
-//   - semop with EIDRM, shmat with EIDRM or EINVAL: the set, the segment, is really removed first;
+//   - semop and shmctl with EIDRM, shmat with EIDRM or EINVAL: the set, the segment, is really removed first;
 //   - semop with EAGAIN: only operations of a process that leaves, the others fail so by themselves when it is true;
 //   - semop with ERANGE: only a registration, of which there are too many then;
 //   - semop with another errno but EINTR: never the return of a mutex, for which the system needs nothing.
@@ -24,7 +23,8 @@ namespace tests
 
 /// Whether an exchange gets to the driver; with SORVANE_FAULTS it is looked at on the way.
 bool exchangeArrives(const Exchange &exchange);
-/// What the exchanges since the last call have seen: their number, the mutexes held during them, the registrations.
+/// What the exchanges since the last call have seen: their number, the mutexes held during them, the
+/// registrations, and whether there was a segment.
 std::string takeObservation();
 
 }  // namespace tests
