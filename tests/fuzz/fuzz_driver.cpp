@@ -14,7 +14,11 @@ void openBoard(SorvaneUSB &board, int deviceNo)
     offPattern(deviceNo) = {};
     eepromEntry(deviceNo) = {};
     receiveBuffer(deviceNo) = {};
+    require(!board.InitPort(16), "no table has an entry for a board behind number 16");
     board.InitPort(deviceNo);
+    unsigned char type;
+    require(board.GetFittedBoard(&type) == (driver.model % 4 && driver.speed % 3),
+            "what can be read of a board opens it");
     driver.exchanges = 0;
 }
 
@@ -43,7 +47,7 @@ const char *const nodeFile = "/dev/null";
 
 const char *attributeText(bool product)
 {
-    const char *const products[] = {"\xFF\n", "Sorvane R20 Board\n", "Sorvane R20s Board\n", "Sorvane R35 Board\n"};
+    const char *const products[] = {"\xFF\n", "Sorvane R20 Board\n", "Sorvane R20s Board\n", "Sorvane R35 Board"};
     const char *const speeds[] = {nullptr, "12\n", "480\n"};
     return product ? products[driver.model % 4] : speeds[driver.speed % 3];
 }

@@ -99,6 +99,7 @@ constexpr int semaphores = 6;  // the registrations and the five mutexes that ar
 struct Observation {
     unsigned int exchanges = 0;
     bool held[semaphores] = {};
+    bool hasSegment = false;
     int registrations = -1;
 };
 constinit Observation observation = {};
@@ -108,6 +109,7 @@ void observe()
     ++observation.exchanges;
     const int id = __real_semget(__real_ftok("/tmp/Sem_R20Mutex", 1), 0, 0);
     observation.registrations = __real_semctl(id, 0, GETVAL);
+    observation.hasSegment = __real_shmget(__real_ftok("/tmp/R20SharedMemory", 1), 0, 0) != -1;
     for (int k = 1; k < semaphores; ++k)
         observation.held[k] = observation.held[k] || __real_semctl(id, k, GETVAL) == 0;
 }
@@ -146,6 +148,7 @@ std::string takeObservation()
     std::string text = "exchanges " + std::to_string(observation.exchanges) + " held";
     for (int k = 1; k < semaphores; ++k)
         text += observation.held[k] ? " " + std::to_string(k - 1) : "";
+    text += observation.hasSegment ? "" : " no segment";
     text += " registrations " + std::to_string(observation.registrations);
     observation = {};
     failedSize = 0;
@@ -203,7 +206,12 @@ void *__wrap_shmat(int id, const void *address, int flags)
 
 int __wrap_shmctl(int id, int command, shmid_ds *status)
 {
-    return fails("shmctl") ? -1 : __real_shmctl(id, command, status);
+    if (!fails("shmctl"))
+        return __real_shmctl(id, command, status);
+    if (errno != EIDRM)
+        return -1;
+    __real_shmctl(id, IPC_RMID, nullptr);
+    return __real_shmctl(id, command, status);
 }
 
 int __wrap_flock(int descriptor, int operation)

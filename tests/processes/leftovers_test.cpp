@@ -36,7 +36,7 @@ TEST_F(Processes, WhoIsNotAloneOnAnUnfinishedArenaDoesNotKeepTheNextFromBuilding
 {
     auto looking = std::make_unique<Attached>(makeSegment());
     Peer first;
-    EXPECT_EQ(first.ask("attached"), "no");
+    EXPECT_EQ(first.ask("attached"), "no") << "the other may be building it";
     looking.reset();
     Peer next;
     EXPECT_EQ(next.ask("attached"), "yes");
@@ -49,11 +49,26 @@ TEST_F(Processes, WhoIsNotAloneOnAnUnfinishedArenaDoesNotKeepTheNextFromBuilding
 TEST_F(Processes, ARunThatWasAllocatedButNeverNamedIsUsedAgain)
 {
     Peer first;
+    first.ask("3 do ConfigureEEPROM");
     const Attached arena;
     std::memset(arena.bytes + chips, 0, 50);  // as a maker leaves it that dies before the name
     Peer second;
     EXPECT_EQ(arena.text(chips), "R20EEPROMS");
     EXPECT_EQ(second.ask("attached"), "yes");
+    EXPECT_EQ(second.ask("3 configured"), "0") << "no object starts with what its run held before";
+}
+
+TEST_F(Processes, AnObjectThatIsTooShortIsNotUsed)
+{
+    Peer first;
+    const Attached arena;
+    arena.put(chips + blockCount, 1);
+    std::memset(arena.bytes + chips + blockBytes, 0, blockBytes);
+    arena.put(chips + blockBytes + blockCount, 2);
+    Peer second;
+    second.ask("4 do ConfigureEEPROM");
+    EXPECT_EQ(second.ask("4 configured"), "1") << "it has a table of its own";
+    EXPECT_EQ(first.ask("4 configured"), "0");
 }
 
 TEST_F(Processes, ADamagedArenaIsNotUsedAndGoesWithTheLastOne)
@@ -95,7 +110,7 @@ TEST_F(Processes, ASegmentOfSomebodyElseIsLeftAlone)
         ASSERT_EQ(::shmctl(id, IPC_STAT, &status), 0);
         EXPECT_EQ(status.shm_nattch, 0u);
         EXPECT_TRUE(peer.quit());
-        EXPECT_EQ(::shmctl(id, IPC_STAT, &status), 0) << "never removed";
+        EXPECT_EQ(segment(), id) << "never removed";
         EXPECT_EQ(semaphores(), -1);
         ::shmctl(id, IPC_RMID, nullptr);
     }
