@@ -121,47 +121,33 @@ Operation receiveBounded(int (SorvaneUSB::*operation)(_usbSerialPort, Item *, un
     };
 }
 
-int polled(SorvaneUSB &board, Input &input)
+int polled(SorvaneUSB &board, Input &input, bool bounded)
 {
-    driver.truthful = true;
-    driver.answersLeft = answersOfUnboundedReceive;
-    driver.bytesWithoutData = 2;
-    Memory data(input, answersOfUnboundedReceive * whole);
-    unsigned long length = 0;
-    unsigned int status = 0;
-    return board.ReceivePolledMessage(_usbSerialPort(input.upTo(2)), input.take<unsigned char>(), data.data(), &length,
-                                      &status);
-}
-
-int polledBounded(SorvaneUSB &board, Input &input)
-{
-    const unsigned long capacity = input.upTo(1200);
+    if (!bounded) {
+        driver.truthful = true;
+        driver.answersLeft = answersOfUnboundedReceive;
+        driver.bytesWithoutData = 2;
+    }
+    const unsigned long capacity = bounded ? input.upTo(1200) : answersOfUnboundedReceive * whole;
     Memory data(input, capacity);
     unsigned long length = 0;
     unsigned int status = 0;
-    const int result = board.ReceivePolledMessage(_usbSerialPort(input.upTo(2)), input.take<unsigned char>(),
-                                                  data.data(), &length, &status, capacity);
+    const _usbSerialPort port = _usbSerialPort(input.upTo(2));
+    const unsigned char slot = input.take<unsigned char>();
+    const int result = bounded ? board.ReceivePolledMessage(port, slot, data.data(), &length, &status, capacity)
+                               : board.ReceivePolledMessage(port, slot, data.data(), &length, &status);
     require(length <= capacity, "no more is counted than fits");
     return result;
 }
 
-int diagnostic(SorvaneUSB &board, Input &input)
+int diagnostic(SorvaneUSB &board, Input &input, bool bounded)
 {
     const unsigned long length = input.upTo(600);
-    Memory request(input, length), reply(input, whole);
-    unsigned long size = 0;
-    const int result = board.ReadDiagnosticData(request.data(), length, reply.data(), &size);
-    require(size <= whole, "no more is counted than fits");
-    return result;
-}
-
-int diagnosticBounded(SorvaneUSB &board, Input &input)
-{
-    const unsigned long length = input.upTo(600);
-    const unsigned long capacity = input.upTo(300);
+    const unsigned long capacity = bounded ? input.upTo(300) : whole;
     Memory request(input, length), reply(input, capacity);
     unsigned long size = 0;
-    const int result = board.ReadDiagnosticData(request.data(), length, reply.data(), &size, capacity);
+    const int result = bounded ? board.ReadDiagnosticData(request.data(), length, reply.data(), &size, capacity)
+                               : board.ReadDiagnosticData(request.data(), length, reply.data(), &size);
     require(size <= capacity, "no more is counted than fits");
     return result;
 }
@@ -173,7 +159,8 @@ int writeDiagnostic(SorvaneUSB &board, Input &input)
     return board.WriteDiagnosticData(data.data(), length);
 }
 
-int identityBounded(SorvaneUSB &board, Input &input, int (SorvaneUSB::*operation)(Bytes, unsigned long))
+template <int (SorvaneUSB::*operation)(Bytes, unsigned long)>
+int identity(SorvaneUSB &board, Input &input)
 {
     const unsigned long capacity = input.upTo(300);
     Memory data(input, capacity);
@@ -247,12 +234,6 @@ int inForm(SorvaneUSB &board, Input &input)
     return operation(board, input, bounded);
 }
 
-template <int (SorvaneUSB::*operation)(Bytes, unsigned long)>
-int identity(SorvaneUSB &board, Input &input)
-{
-    return identityBounded(board, input, operation);
-}
-
 using U = SorvaneUSB;
 
 Operation asOperation(Operation operation)
@@ -286,24 +267,25 @@ const std::vector<Operation> operations = listOf(
     &U::ReleaseParallelHopperCoins, &U::ReleaseParallelHopperCoinsEx, &U::GetParallelHopperStatus,
     &U::StopHopperCoinRelease, &U::ConfigureReels, &U::ConfigureReelsEx, &U::SpinReels, &U::SpinRampUp,
     &U::SpinRampDown, &U::SetDutyCycle, &U::GetReelStatus, &U::GetReelStatusEx, &U::ReelSynchroniseEnable,
-    recordedInputs, &U::StartRecordingInputs, &U::GetRecordingStatus, diagnostic, diagnosticBounded, writeDiagnostic,
-    &U::SetConfig, send(&U::Send), receive(form<_usbSerialPort, Bytes, unsigned long *>(&U::Receive)),
+    recordedInputs, &U::StartRecordingInputs, &U::GetRecordingStatus, inForm<diagnostic, false>,
+    inForm<diagnostic, true>, writeDiagnostic, &U::SetConfig, send(&U::Send),
+    receive(form<_usbSerialPort, Bytes, unsigned long *>(&U::Receive)),
     receiveBounded(form<_usbSerialPort, Bytes, unsigned long *, unsigned long>(&U::Receive)),
     &U::ReceiveByteWithTimestamp, send(&U::Send9BitData),
     receive(form<_usbSerialPort, unsigned short *, unsigned long *>(&U::Receive9BitData)),
     receiveBounded(form<_usbSerialPort, unsigned short *, unsigned long *, unsigned long>(&U::Receive9BitData)),
     &U::ReceiveByteWithTimestamp9BitData, timeoutMessage, &U::GetParityErrors, &U::SetSASMachineAddress,
     &U::SetSASAutoReply, &U::SetSASBusy, &U::GetSASMessageStatus, &U::ConfigureCCTalkPort, &U::ConfigureRS232Poll,
-    &U::SetPolledHostTimeout, &U::EmptyPolledBuffer, polled, polledBounded, &U::DeletePolledMessage, &U::EnableSPI,
-    &U::DisableSPI, inForm<spi, false>, inForm<spi, true>, inForm<sec, false>, inForm<sec, true>,
-    call(form<R20EEPROM *>(&U::ConfigureEEPROM)), &U::CheckEEPROM, transfer(&U::ReadEEPROM), transfer(&U::WriteEEPROM),
-    transfer(&U::ReadSRAM), transfer(&U::WriteSRAM), transfer(&U::ReadLargeSRAM), transfer(&U::WriteLargeSRAM),
-    &U::SetClock, &U::GetClock, &U::NextSecuritySwitchRead, &U::StartSecuritySwitchRead, &U::ClearSecuritySwitches,
-    &U::ReadAndResetSecuritySwitchFlags, &U::ReadAndResetBatteryFailFlag, &U::CachedReadAndResetSecuritySwitchFlags,
-    &U::EnableRandomNumberGenerator, &U::DisableRandomNumberGenerator, &U::GetRandomNumber, &U::ReadAndResetRTCFailure,
-    &U::ReadClockAtBatteryFailure, anyRequest, identity<&U::Get8051Version>, identity<&U::GetPICVersion>,
-    identity<&U::GetPICSerialNumber>, dallasBounded, openAgain, call(&U::GetProductVersion, {2}),
-    call(&U::GetDllVersion, {3}), &U::InitUSBBoard, &U::init);
+    &U::SetPolledHostTimeout, &U::EmptyPolledBuffer, inForm<polled, false>, inForm<polled, true>,
+    &U::DeletePolledMessage, &U::EnableSPI, &U::DisableSPI, inForm<spi, false>, inForm<spi, true>, inForm<sec, false>,
+    inForm<sec, true>, call(form<R20EEPROM *>(&U::ConfigureEEPROM)), &U::CheckEEPROM, transfer(&U::ReadEEPROM),
+    transfer(&U::WriteEEPROM), transfer(&U::ReadSRAM), transfer(&U::WriteSRAM), transfer(&U::ReadLargeSRAM),
+    transfer(&U::WriteLargeSRAM), &U::SetClock, &U::GetClock, &U::NextSecuritySwitchRead, &U::StartSecuritySwitchRead,
+    &U::ClearSecuritySwitches, &U::ReadAndResetSecuritySwitchFlags, &U::ReadAndResetBatteryFailFlag,
+    &U::CachedReadAndResetSecuritySwitchFlags, &U::EnableRandomNumberGenerator, &U::DisableRandomNumberGenerator,
+    &U::GetRandomNumber, &U::ReadAndResetRTCFailure, &U::ReadClockAtBatteryFailure, anyRequest,
+    identity<&U::Get8051Version>, identity<&U::GetPICVersion>, identity<&U::GetPICSerialNumber>, dallasBounded,
+    openAgain, call(&U::GetProductVersion, {2}), call(&U::GetDllVersion, {3}), &U::InitUSBBoard, &U::init);
 
 }  // namespace
 

@@ -159,14 +159,22 @@ TEST_F(Faults, ASharedStateOrALockThatCannotBeHadCostsNoOperation)
         Then then;
         std::vector<const char *> often = {"once", "ever"};
     } table[] = {
-        {"ftok", ENOENT, 2, nothingLeft},          {"semget", ENOENT, 2, nothingLeft},
-        {"semget", EEXIST, 2, nothingLeft},        {"semget", ENOSPC, 2, nothingLeft},
-        {"semop", ENOSPC, 20, mayLeave},           {"semop", EAGAIN, 1, mayLeave},
-        {"semop", EINTR, 30, sameLocks, {"once"}}, {"semop", EIDRM, 20, nothingLeft, {"once"}},
-        {"semctl", EACCES, 1, mayLeave},           {"shmget", ENOENT, 2, nothingLeft},
-        {"shmget", EEXIST, 2, nothingLeft},        {"shmget", EACCES, 2, nothingLeft},
-        {"shmat", EIDRM, 1, nothingLeft},          {"shmat", EINVAL, 1, nothingLeft},
-        {"shmat", ENOMEM, 1, nothingLeft},         {"shmctl", EACCES, 2, mayLeave},
+        {"ftok", ENOENT, 2, nothingLeft},
+        {"semget", ENOENT, 2, nothingLeft},
+        {"semget", EEXIST, 2, nothingLeft},
+        {"semget", ENOSPC, 2, nothingLeft},
+        {"take", ENOSPC, 20, mayLeave},
+        {"leave", EAGAIN, 1, mayLeave},
+        {"semop", EINTR, 30, sameLocks, {"once"}},
+        {"semop", EIDRM, 20, nothingLeft, {"once"}},
+        {"semctl", EACCES, 1, mayLeave},
+        {"shmget", ENOENT, 2, nothingLeft},
+        {"shmget", EEXIST, 2, nothingLeft},
+        {"shmget", EACCES, 2, nothingLeft},
+        {"shmat", EIDRM, 1, nothingLeft},
+        {"shmat", EINVAL, 1, nothingLeft},
+        {"shmat", ENOMEM, 1, nothingLeft},
+        {"shmctl", EACCES, 2, mayLeave},
         {"flock", ENOLCK, 4, nothingLeft},
     };
     for (const auto &row : table) {
@@ -214,11 +222,11 @@ TEST_F(Faults, NothingIsTakenFromALivingProcess)
         bool registrationsMayStay;
         bool joinsAllTheSame = false;
     } table[] = {
-        {"semop", "once", EINTR, "", false},         {"semop", "once", ENOSPC, "", true},
-        {"semop", "ever", ENOSPC, "", true},         {"semop", "once", EAGAIN, unreadable, false},
-        {"semop", "ever", EAGAIN, unreadable, true}, {"semget", "once", ENOENT, "", false, true},
+        {"semop", "once", EINTR, "", false},         {"take", "once", ENOSPC, "", true},
+        {"take", "ever", ENOSPC, "", true},          {"leave", "once", EAGAIN, unreadable, false},
+        {"leave", "ever", EAGAIN, unreadable, true}, {"semget", "once", ENOENT, "", false, true},
         {"semget", "ever", ENOENT, "", false},       {"semget", "once", ENOSPC, "", false},
-        {"shmget", "once", ENOENT, "", false},       {"semop", "once", ERANGE, "", false},
+        {"shmget", "once", ENOENT, "", false},       {"join", "once", ERANGE, "", false},
         {"shmat", "once", ENOMEM, "", false},        {"shmctl", "once", EACCES, "", false},
         {"ftok", "once", ENOENT, "", false},         {"new", "once", ENOMEM, "", false},
     };

@@ -3,14 +3,12 @@
 //
 //     SORVANE_FAULTS="semop 3 once 4;semctl 1 ever 13"    the third semop with errno 4, every semctl with errno 13
 //
-// Calls: ftok semget semop semctl shmget shmat shmctl open flock fopen ioctl new (the nothrow operator). A fault that
-// struck writes "! struck" to the standard output, an exchange that is sent again after it failed "! repeated".
+// Calls: ftok semget semop semctl shmget shmat shmctl open flock fopen ioctl new (the nothrow operator), and of the
+// semops alone those that take (all but the return of a mutex, for which the system needs nothing), leave or join. A
+// fault that struck writes "! struck" to the standard output, an exchange that is sent again after it failed "!
+// repeated".
 //
-// A failure is one that the system can bring about:
-//   - semop and shmctl with EIDRM, shmat with EIDRM or EINVAL: the set, the segment, is really removed first;
-//   - semop with EAGAIN: only operations of a process that leaves, the others fail so by themselves when it is true;
-//   - semop with ERANGE: only a registration, of which there are too many then;
-//   - semop with another errno but EINTR: never the return of a mutex, for which the system needs nothing.
+// With semop and shmctl and EIDRM, and shmat and EIDRM or EINVAL, the set or the segment is really removed first.
 #ifndef SORVANE_TESTS_PROCESSES_FAULTY_CALLS_H
 #define SORVANE_TESTS_PROCESSES_FAULTY_CALLS_H
 

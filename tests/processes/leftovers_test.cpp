@@ -101,19 +101,36 @@ TEST_F(Processes, ADamagedArenaIsNotUsedAndGoesWithTheLastOne)
 
 TEST_F(Processes, ASegmentOfSomebodyElseIsLeftAlone)
 {
-    for (std::size_t leadingZeros : {0u, 128u, 252u, 65535u}) {
-        const int id = makeSegment();
-        std::memset(Attached(id).bytes + leadingZeros, 0x5A, 65536 - leadingZeros);
+    const struct {
+        std::size_t bytes, leadingZeros;
+    } segments[] = {{65536, 0}, {65536, 128}, {65536, 252}, {65536, 65535}, {4096, 4096}};
+    for (const auto &row : segments) {
+        SCOPED_TRACE(row.leadingZeros);
+        const int id = makeSegment(row.bytes);
+        std::memset(Attached(id).bytes + row.leadingZeros, 0x5A, row.bytes - row.leadingZeros);
         Peer peer;
-        EXPECT_EQ(peer.ask("attached"), "no") << leadingZeros;
+        EXPECT_EQ(peer.ask("attached"), "no");
         shmid_ds status;
         ASSERT_EQ(::shmctl(id, IPC_STAT, &status), 0);
         EXPECT_EQ(status.shm_nattch, 0u);
+        EXPECT_EQ(peer.ask("bit 12 1"), "1");
+        EXPECT_EQ(peer.ask("on"), "0010000000") << "it drives its boards on tables of its own";
         EXPECT_TRUE(peer.quit());
         EXPECT_EQ(segment(), id) << "never removed";
         EXPECT_EQ(semaphores(), -1);
         ::shmctl(id, IPC_RMID, nullptr);
     }
+}
+
+TEST_F(Processes, ASetOfSomebodyElseIsLeftAlone)
+{
+    ::close(::open(setKeyFile, O_RDWR | O_CREAT, 0666));
+    const int id = ::semget(::ftok(setKeyFile, 1), 1, IPC_CREAT | 0666);
+    Peer peer;
+    EXPECT_EQ(peer.ask("attached"), "no");
+    EXPECT_TRUE(peer.quit());
+    EXPECT_EQ(semaphores(), id);
+    EXPECT_EQ(valueOf(0), 0);
 }
 
 }  // namespace tests::leftovers

@@ -76,10 +76,10 @@ int valueOf(int semaphore)
     return ::semctl(semaphores(), semaphore, GETVAL);
 }
 
-int makeSegment()
+int makeSegment(std::size_t size)
 {
     ::close(::open(arenaKeyFile, O_RDWR | O_CREAT, 0666));
-    return ::shmget(::ftok(arenaKeyFile, 1), 65536, IPC_CREAT | 0666);
+    return ::shmget(::ftok(arenaKeyFile, 1), size, IPC_CREAT | 0666);
 }
 
 int arenaMutexHolder()

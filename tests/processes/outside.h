@@ -51,7 +51,7 @@ constexpr int allMutexes = 10;
 int segment();
 int semaphores();
 int valueOf(int semaphore);
-int makeSegment();
+int makeSegment(std::size_t size = 65536);
 /// The process that holds the arena's mutex; 0 when it is free.
 int arenaMutexHolder();
 void removeEverything();

@@ -4,9 +4,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <sys/ipc.h>
-#include <sys/sem.h>
-#include <sys/shm.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -143,22 +140,6 @@ TEST_F(Planted, NothingAtTheKeyPathsIsChangedOrWrittenThrough)
                 std::filesystem::remove_all(path);
         }
     }
-}
-
-TEST_F(Planted, WhoeverComesFirstWithUnusableObjectsIsLeftAlone)
-{
-    ASSERT_TRUE(as(users.back(), [] {
-        for (const char *path : keyFiles)
-            ::close(::open(path, O_CREAT | O_RDWR, 0666));
-        ::shmget(::ftok(arenaKeyFile, 1), 4096, IPC_CREAT | 0666);
-        ::semget(::ftok(setKeyFile, 1), 1, IPC_CREAT | 0666);
-    }));
-    const int itsSegment = segment(), itsSet = semaphores();
-    ASSERT_TRUE(itsSegment != -1 && itsSet != -1);
-    expectUsableLibrary("no");
-    EXPECT_EQ(segment(), itsSegment);
-    EXPECT_EQ(semaphores(), itsSet);
-    EXPECT_EQ(valueOf(0), 0);
 }
 
 TEST_F(Processes, HandNoDescriptorOn)

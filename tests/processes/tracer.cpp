@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <fstream>
 #include <linux/audit.h>
 #include <stdexcept>
 #include <sys/ptrace.h>
@@ -104,27 +105,19 @@ std::string Traced::where() const
     return name + (before ? " before" : " after");
 }
 
-std::string Traced::textAt(unsigned long long address) const
+bool Traced::isInTemporary(unsigned long long path) const
 {
-    std::string text;
-    for (;; address += sizeof(long)) {
-        errno = 0;
-        const long word = ::ptrace(PTRACE_PEEKDATA, peer.id(), reinterpret_cast<void *>(address), nullptr);
-        if (errno != 0)
-            return text;
-        for (std::size_t k = 0; k < sizeof word; ++k) {
-            const char character = static_cast<char>(word >> 8 * k);
-            if (character == '\0')
-                return text;
-            text += character;
-        }
-    }
+    const std::string memory = "/proc/" + std::to_string(peer.id()) + "/mem";
+    std::ifstream file(memory, std::ios::binary);
+    char begin[5] = {};
+    file.seekg(static_cast<std::streamoff>(path)).read(begin, sizeof begin);
+    return std::string_view(begin, sizeof begin) == "/tmp/";
 }
 
 bool Traced::isStart(const Part &wanted) const
 {
     if (wanted.loading())
-        return where() == "openat before" && textAt(arguments[1]).starts_with("/tmp/");
+        return where() == "openat before" && isInTemporary(arguments[1]);
     return where() == "read after" && arguments[0] == 0;
 }
 

@@ -47,7 +47,7 @@ private:
     bool isStart(const Part &part) const;
     bool isOver() const;
     void look();
-    std::string textAt(unsigned long long address) const;
+    bool isInTemporary(unsigned long long path) const;
 
     Part part;
     bool alive = true;
