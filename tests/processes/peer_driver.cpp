@@ -120,7 +120,7 @@ bool carryOut(Exchange &exchange)
         return false;
     exchange.count = exchange.length = answer(exchange, exchange.bytes);
     lastLength = std::min<unsigned long>(exchange.sentLength, sizeof lastSent);
-    std::memcpy(lastSent, exchange.sent, lastLength);
+    std::copy_n(exchange.sent, lastLength, lastSent);
     return true;
 }
 
