@@ -1,5 +1,5 @@
 // The program behind peer.h: it drives boards of its own driver. A line is a verb and its arguments, with the device in
-// front of it where it is not the one of the trace: "3 bit 12 1".
+// front of it where it is not the shared board's: "3 bit 12 1".
 #include <array>
 #include <cctype>
 #include <csignal>
