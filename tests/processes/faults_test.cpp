@@ -16,22 +16,12 @@ namespace tests::faults
 namespace
 {
 
-const char *const operations[] = {"open",
-                                  "SetOutputBit",
-                                  "SetOnPeriodOutputBit",
-                                  "SetOffPeriodOutputBit",
-                                  "ConfigureEEPROM",
-                                  "WriteEEPROM",
-                                  "ReadEEPROM",
-                                  "CheckEEPROM",
-                                  "ReceiveByteWithTimestamp",
-                                  "Receive",
-                                  "Send",
-                                  "SRAM",
-                                  "GetInputs"};
+const std::vector<std::string> operations =
+    wordsOf("open SetOutputBit SetOnPeriodOutputBit SetOffPeriodOutputBit ConfigureEEPROM WriteEEPROM ReadEEPROM "
+            "CheckEEPROM ReceiveByteWithTimestamp Receive Send SRAM GetInputs");
 /// What went wrong once is over: close and open again.
-const char *const again[] = {"open", "SetOutputBit", "GetInputs"};
-constexpr std::size_t openedAgain = std::size(operations);  // its place among what a caller sees
+const std::vector<std::string> again = wordsOf("open SetOutputBit GetInputs");
+const std::size_t openedAgain = operations.size();  // its place among what a caller sees
 
 struct Life {
     bool struck = false;
@@ -70,11 +60,11 @@ Life live(const std::string &faults, int model = 3)
     ::unsetenv("PEER_MODEL");
     peer.release();
     peer.tell("descriptors");
-    for (const char *operation : operations)
-        peer.tell(std::string("do ") + operation);
+    for (const std::string &operation : operations)
+        peer.tell("do " + operation);
     peer.tell("close");
-    for (const char *operation : again)
-        peer.tell(std::string("do ") + operation);
+    for (const std::string &operation : again)
+        peer.tell("do " + operation);
     for (const char *end : {"close", "descriptors", "quit"})
         peer.tell(end);
     Life life;
@@ -105,7 +95,7 @@ protected:
         Processes::SetUp();
         for (int model = 1; model <= 3; ++model)
             undisturbed[model] = live("", model);
-        ASSERT_EQ(undisturbed[3].seen.size(), std::size(operations) + std::size(again));
+        ASSERT_EQ(undisturbed[3].seen.size(), operations.size() + again.size());
         for (const std::string &line : undisturbed[3].locks)
             ASSERT_NE(line.find("registrations 1"), std::string::npos) << line;
     }

@@ -4,11 +4,10 @@
 //     SORVANE_FAULTS="semop 3 once 4;semctl 1 ever 13"    the third semop with errno 4, every semctl with errno 13
 //
 // Calls: ftok semget semop semctl shmget shmat shmctl open flock fopen ioctl new (the nothrow operator), and of the
-// semops alone those that take (all but the return of a mutex, for which the system needs nothing), leave or join. A
-// fault that struck writes "! struck" to the standard output, an exchange that is sent again after it failed "!
-// repeated".
+// semops alone those that take (all but the return of a mutex, for which the system needs nothing), leave or join. The
+// peer says "! struck" where a fault strikes, and "! repeated" for an exchange that is sent again after it failed.
 //
-// With semop and shmctl and EIDRM, and shmat and EIDRM or EINVAL, the set or the segment is really removed first.
+// Where semop or shmctl fail with EIDRM, shmat with that or EINVAL, set or segment are really removed first.
 #ifndef SORVANE_TESTS_PROCESSES_FAULTY_CALLS_H
 #define SORVANE_TESTS_PROCESSES_FAULTY_CALLS_H
 

@@ -23,19 +23,10 @@ constexpr int wholeBatch = 50;  // items of the stream that the other takes befo
 
 const Part loading = {""}, leaving = {"quit"}, opening = {"do open"};
 
-const char *const lockedOperations[] = {"SetOutputBit",
-                                        "ModifyOutputs",
-                                        "SetOutputs",
-                                        "SetOnPeriodOutputs",
-                                        "SetOffPeriodOutputs",
-                                        "SetOnPeriodOutputBit",
-                                        "SetOffPeriodOutputBit",
-                                        "ConfigureEEPROM",
-                                        "CheckEEPROM",
-                                        "ReadEEPROM",
-                                        "WriteEEPROM",
-                                        "ReceiveByteWithTimestamp",
-                                        "ReceiveByteWithTimestamp9BitData"};
+const std::vector<std::string> lockedOperations =
+    wordsOf("SetOutputBit ModifyOutputs SetOutputs SetOnPeriodOutputs SetOffPeriodOutputs SetOnPeriodOutputBit "
+            "SetOffPeriodOutputBit ConfigureEEPROM CheckEEPROM ReadEEPROM WriteEEPROM ReceiveByteWithTimestamp "
+            "ReceiveByteWithTimestamp9BitData");
 
 enum class Company { none, survivor, joiner };
 enum class Fate { isKilled, goesOn };
@@ -292,10 +283,9 @@ TEST_F(Processes, AreKilledAtEachSystemCallOfLoadingOpeningAndLeaving)
 TEST_F(Processes, AreKilledAtEachSystemCallOfEachLockedOperation)
 {
     for (Rounds rounds("killed at each call of the locked operations", 1); rounds.another();)
-        for (const char *operation : lockedOperations)
+        for (const std::string &operation : lockedOperations)
             for (Company company : {Company::none, Company::survivor})
-                rounds.note("points",
-                            endAtEachCall({{std::string("do ") + operation}, company}, {"semop", "ioctl"}).points);
+                rounds.note("points", endAtEachCall({{"do " + operation}, company}, {"semop", "ioctl"}).points);
 }
 
 TEST_F(Processes, AreKilledOrGoOnWhileOthersJoin)

@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <iterator>
+#include <sstream>
 #include <stdexcept>
 #include <sys/ipc.h>
 #include <sys/sem.h>
@@ -59,6 +61,12 @@ bool Rounds::another()
     const bool goOn = !testing::Test::HasFailure() && (count < fewest || passed() < seconds);
     ++count;
     return goOn;
+}
+
+std::vector<std::string> wordsOf(const std::string &text)
+{
+    std::istringstream words(text);
+    return {std::istream_iterator<std::string>(words), {}};
 }
 
 int segment()

@@ -43,6 +43,9 @@ private:
     std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
 };
 
+/// The words of a text.
+std::vector<std::string> wordsOf(const std::string &text);
+
 constexpr const char *arenaKeyFile = "/tmp/R20SharedMemory";
 constexpr const char *setKeyFile = "/tmp/Sem_R20Mutex";
 constexpr int allMutexes = 10;

@@ -1,5 +1,5 @@
-// The driver behind a peer's boards: they have a blank EEPROM and run a firmware, but where PEER_MODEL names their model
-// they have to be given one. Their node is the file of the shared board, so that a lock on it is nobody else's.
+// The driver behind a peer's boards: they have a blank EEPROM and run a firmware, but where PEER_MODEL names their
+// model they have to be given one. Their node is the file of the shared board, so that a lock on it is nobody else's.
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>

@@ -4,6 +4,7 @@
 #include <random>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 #include "tests/processes/outside.h"
@@ -23,7 +24,11 @@ public:
         if (::pipe2(ends, O_CLOEXEC) != 0)
             throw std::runtime_error("no gate");
     }
-    ~Gate() { ::close(ends[0]); }
+    ~Gate()
+    {
+        for (int end : ends)
+            ::close(end);
+    }
     Gate(const Gate &) = delete;
     Gate &operator=(const Gate &) = delete;
 
@@ -35,7 +40,7 @@ public:
     }
     std::vector<Peer> &open()
     {
-        ::close(ends[1]);
+        ::close(std::exchange(ends[1], -1));
         return waiting;
     }
 
