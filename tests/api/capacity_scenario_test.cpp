@@ -162,26 +162,6 @@ TEST_P(CapacityScenario, ReceiveAsksOnlyWhileAWholeAnswerFits)
     EXPECT_EQ(wire(board), "99/4; 99/4; 99/4") << "a capacity without end: until nothing comes";
 }
 
-TEST_P(CapacityScenario, AFailureInTheMiddleTellsWhatCame)
-{
-    const sim::Bytes arrived = counting(1000);
-    deliver(1, arrived);
-    unsigned long length = guard;
-    for (std::size_t received = 0; received < 2 * largest; received += largest) {
-        Guarded buffer;
-        board.faults().add(sim::Fault::ioctlFails(EIO).on(99).skip(1));
-        EXPECT_FALSE(received ? usb.Receive(usbSerialPort1, buffer.data(), &length)
-                              : usb.Receive(usbSerialPort1, buffer.data(), &length, 1000));
-        EXPECT_EQ(length, largest);
-        EXPECT_TRUE(buffer.holdsOnly({arrived.begin() + long(received), arrived.begin() + long(received + largest)}));
-    }
-    unsigned short words[sim::serialBufferCapacity];
-    board.faults().add(sim::Fault::ioctlFails(EIO).on(99).skip(1));
-    EXPECT_FALSE(usb.Receive9BitData(usbSerialPort1, words, &length, sim::serialBufferCapacity));
-    EXPECT_EQ(length, largest / 2) << "words";
-    EXPECT_EQ(words[0], arrived[2 * largest] << 8 | arrived[2 * largest + 1]);
-}
-
 TEST_P(CapacityScenario, ACapacityBelowOneAnswerIsRefusedInItsTurn)
 {
     unsigned char data[1];

@@ -200,19 +200,6 @@ TEST(Memories, ReadOnWhereAnAnswerOfAnotherLengthEnded)
     EXPECT_EQ(on.headers(), "5/2 3A 64 00; 5/2 14 AA 00") << "what came too much counts as read";
 }
 
-TEST(Memories, StopAtTheFirstFailedChunk)
-{
-    onEveryMemory([](MemoryBoard &on) {
-        unsigned char data[600] = {};
-        for (const auto move : {&MemoryBoard::write, &MemoryBoard::read}) {
-            on.board.clearExchanges();
-            on.board.faults().add(Fault::status(70).skip(1));
-            EXPECT_EQ(errorOf(on.usb, (on.*move)(100, data, sizeof data)), 70);
-            EXPECT_EQ(on.board.exchanges().size(), 2u);
-        }
-    });
-}
-
 TEST(Memories, TheEEPROMIsBoundedByTheTypeThatWasLastConfigured)
 {
     MemoryBoard on(Model::R35, Memory::EEPROM);

@@ -74,20 +74,6 @@ TEST_P(SerialScenario, DataTravelsInChunksOfTheBusSpeed)
     }
 }
 
-TEST_P(SerialScenario, AFailureInTheMiddleLeavesTheEarlierChunksSent)
-{
-    board.faults().add(sim::Fault::ioctlFails(EIO).on(98).skip(1));
-    sim::Bytes bytes = counting(130);
-    EXPECT_EQ(errorOf(usb, usb.Send(usbSerialPort1, bytes.data(), 130)), usbErrorTransfer);
-    EXPECT_EQ(board.serialPort(1).sentCount(), 60U);
-
-    configure(usbSerialPort0, usbPortType3);
-    board.faults().add(sim::Fault::status(0x21).on(98).skip(2));
-    sim::Words words(100, 0x1A5);
-    EXPECT_EQ(errorOf(usb, usb.Send9BitData(usbSerialPort0, words.data(), 100)), 0x21);
-    EXPECT_EQ(board.serialPort(0).sentCount(), 60U) << "words, in two chunks";
-}
-
 TEST_P(SerialScenario, WhatIsSentIntoALoopComesBack)
 {
     for (const _usbSerialPort port : {usbSerialPort0, usbSerialPort1}) {

@@ -121,47 +121,33 @@ Operation receiveBounded(int (SorvaneUSB::*operation)(_usbSerialPort, Item *, un
     };
 }
 
-int polled(SorvaneUSB &board, Input &input)
+int polled(SorvaneUSB &board, Input &input, bool bounded)
 {
-    driver.truthful = true;
-    driver.answersLeft = answersOfUnboundedReceive;
-    driver.bytesWithoutData = 2;
-    Memory data(input, answersOfUnboundedReceive * whole);
-    unsigned long length = 0;
-    unsigned int status = 0;
-    return board.ReceivePolledMessage(_usbSerialPort(input.upTo(2)), input.take<unsigned char>(), data.data(), &length,
-                                      &status);
-}
-
-int polledBounded(SorvaneUSB &board, Input &input)
-{
-    const unsigned long capacity = input.upTo(1200);
+    if (!bounded) {
+        driver.truthful = true;
+        driver.answersLeft = answersOfUnboundedReceive;
+        driver.bytesWithoutData = 2;
+    }
+    const unsigned long capacity = bounded ? input.upTo(1200) : answersOfUnboundedReceive * whole;
     Memory data(input, capacity);
     unsigned long length = 0;
     unsigned int status = 0;
-    const int result = board.ReceivePolledMessage(_usbSerialPort(input.upTo(2)), input.take<unsigned char>(),
-                                                  data.data(), &length, &status, capacity);
+    const _usbSerialPort port = _usbSerialPort(input.upTo(2));
+    const unsigned char slot = input.take<unsigned char>();
+    const int result = bounded ? board.ReceivePolledMessage(port, slot, data.data(), &length, &status, capacity)
+                               : board.ReceivePolledMessage(port, slot, data.data(), &length, &status);
     require(length <= capacity, "no more is counted than fits");
     return result;
 }
 
-int diagnostic(SorvaneUSB &board, Input &input)
+int diagnostic(SorvaneUSB &board, Input &input, bool bounded)
 {
     const unsigned long length = input.upTo(600);
-    Memory request(input, length), reply(input, whole);
-    unsigned long size = 0;
-    const int result = board.ReadDiagnosticData(request.data(), length, reply.data(), &size);
-    require(size <= whole, "no more is counted than fits");
-    return result;
-}
-
-int diagnosticBounded(SorvaneUSB &board, Input &input)
-{
-    const unsigned long length = input.upTo(600);
-    const unsigned long capacity = input.upTo(300);
+    const unsigned long capacity = bounded ? input.upTo(300) : whole;
     Memory request(input, length), reply(input, capacity);
     unsigned long size = 0;
-    const int result = board.ReadDiagnosticData(request.data(), length, reply.data(), &size, capacity);
+    const int result = bounded ? board.ReadDiagnosticData(request.data(), length, reply.data(), &size, capacity)
+                               : board.ReadDiagnosticData(request.data(), length, reply.data(), &size);
     require(size <= capacity, "no more is counted than fits");
     return result;
 }
@@ -173,7 +159,8 @@ int writeDiagnostic(SorvaneUSB &board, Input &input)
     return board.WriteDiagnosticData(data.data(), length);
 }
 
-int identityBounded(SorvaneUSB &board, Input &input, int (SorvaneUSB::*operation)(Bytes, unsigned long))
+template <int (SorvaneUSB::*operation)(Bytes, unsigned long)>
+int identity(SorvaneUSB &board, Input &input)
 {
     const unsigned long capacity = input.upTo(300);
     Memory data(input, capacity);
@@ -247,129 +234,58 @@ int inForm(SorvaneUSB &board, Input &input)
     return operation(board, input, bounded);
 }
 
-template <int (SorvaneUSB::*operation)(Bytes, unsigned long)>
-int identity(SorvaneUSB &board, Input &input)
-{
-    return identityBounded(board, input, operation);
-}
-
 using U = SorvaneUSB;
 
+Operation asOperation(Operation operation)
+{
+    return operation;
+}
+
+template <class... Parameter>
+Operation asOperation(int (SorvaneUSB::*operation)(Parameter...))
+{
+    return call(operation);
+}
+
+template <class... Entry>
+std::vector<Operation> listOf(Entry... entry)
+{
+    return {asOperation(entry)...};
+}
+
 // New ones at the end: the kept inputs name operations by their place.
-const std::vector<Operation> operations = {
-    call(&U::GetFittedBoard),
-    call(&U::GetBoardSpeed),
-    call(form<Bytes>(&U::Get8051Version), {whole}),
-    call(form<Bytes>(&U::GetPICVersion), {whole}),
-    call(form<Bytes, Bytes>(&U::GetDallasSerialNumber), {whole, 1}),
-    call(form<Bytes>(&U::GetPICSerialNumber), {whole}),
-    call(&U::SetPICSerialNumber, {8}),
-    call(&U::Download8051Software),
-    call(&U::GetInputBit),
-    call(form<Bytes>(&U::GetInputs), {5}),
-    call(&U::SetOutputBit),
-    call(&U::SetOutputs, {5}),
-    call(form<usbInput *>(&U::GetInputs)),
-    call(&U::InputMultiplexing),
-    call(&U::GetMultiplexedInputs),
-    call(&U::GetChangedInputs),
-    call(&U::GetRawInputs),
-    call(&U::ModifyOutputs),
-    call(&U::SetOnPeriodOutputs),
-    call(&U::SetOffPeriodOutputs),
-    call(&U::SetOnPeriodOutputBit),
-    call(&U::SetOffPeriodOutputBit),
-    call(&U::SetOutputBrightness),
-    call(&U::PulseOutput),
-    call(&U::PulseOffOutput),
-    call(&U::PulseOutputResult),
-    call(&U::ConfigurePulsedInput),
-    call(&U::ConfigurePulsedInputEx),
-    call(&U::BeginPulsedInputCheck),
-    call(&U::EndPulsedInputCheck),
-    call(&U::ResetPulsedInputCounter),
-    call(&U::DecrementPulsedInputCounter),
-    call(&U::ReadPulsedInputCounter),
-    call(&U::GetPulsedInputStatus),
-    call(&U::ReleaseParallelHopperCoins),
-    call(&U::ReleaseParallelHopperCoinsEx),
-    call(&U::GetParallelHopperStatus),
-    call(&U::StopHopperCoinRelease),
-    call(&U::ConfigureReels),
-    call(&U::ConfigureReelsEx),
-    call(&U::SpinReels),
-    call(&U::SpinRampUp),
-    call(&U::SpinRampDown),
-    call(&U::SetDutyCycle),
-    call(&U::GetReelStatus),
-    call(&U::GetReelStatusEx),
-    call(&U::ReelSynchroniseEnable),
-    recordedInputs,
-    call(&U::StartRecordingInputs),
-    call(&U::GetRecordingStatus),
-    diagnostic,
-    diagnosticBounded,
-    writeDiagnostic,
-    call(&U::SetConfig),
-    send(&U::Send),
+const std::vector<Operation> operations = listOf(
+    &U::GetFittedBoard, &U::GetBoardSpeed, call(form<Bytes>(&U::Get8051Version), {whole}),
+    call(form<Bytes>(&U::GetPICVersion), {whole}), call(form<Bytes, Bytes>(&U::GetDallasSerialNumber), {whole, 1}),
+    call(form<Bytes>(&U::GetPICSerialNumber), {whole}), call(&U::SetPICSerialNumber, {8}), &U::Download8051Software,
+    &U::GetInputBit, call(form<Bytes>(&U::GetInputs), {5}), &U::SetOutputBit, call(&U::SetOutputs, {5}),
+    call(form<usbInput *>(&U::GetInputs)), &U::InputMultiplexing, &U::GetMultiplexedInputs, &U::GetChangedInputs,
+    &U::GetRawInputs, &U::ModifyOutputs, &U::SetOnPeriodOutputs, &U::SetOffPeriodOutputs, &U::SetOnPeriodOutputBit,
+    &U::SetOffPeriodOutputBit, &U::SetOutputBrightness, &U::PulseOutput, &U::PulseOffOutput, &U::PulseOutputResult,
+    &U::ConfigurePulsedInput, &U::ConfigurePulsedInputEx, &U::BeginPulsedInputCheck, &U::EndPulsedInputCheck,
+    &U::ResetPulsedInputCounter, &U::DecrementPulsedInputCounter, &U::ReadPulsedInputCounter, &U::GetPulsedInputStatus,
+    &U::ReleaseParallelHopperCoins, &U::ReleaseParallelHopperCoinsEx, &U::GetParallelHopperStatus,
+    &U::StopHopperCoinRelease, &U::ConfigureReels, &U::ConfigureReelsEx, &U::SpinReels, &U::SpinRampUp,
+    &U::SpinRampDown, &U::SetDutyCycle, &U::GetReelStatus, &U::GetReelStatusEx, &U::ReelSynchroniseEnable,
+    recordedInputs, &U::StartRecordingInputs, &U::GetRecordingStatus, inForm<diagnostic, false>,
+    inForm<diagnostic, true>, writeDiagnostic, &U::SetConfig, send(&U::Send),
     receive(form<_usbSerialPort, Bytes, unsigned long *>(&U::Receive)),
     receiveBounded(form<_usbSerialPort, Bytes, unsigned long *, unsigned long>(&U::Receive)),
-    call(&U::ReceiveByteWithTimestamp),
-    send(&U::Send9BitData),
+    &U::ReceiveByteWithTimestamp, send(&U::Send9BitData),
     receive(form<_usbSerialPort, unsigned short *, unsigned long *>(&U::Receive9BitData)),
     receiveBounded(form<_usbSerialPort, unsigned short *, unsigned long *, unsigned long>(&U::Receive9BitData)),
-    call(&U::ReceiveByteWithTimestamp9BitData),
-    timeoutMessage,
-    call(&U::GetParityErrors),
-    call(&U::SetSASMachineAddress),
-    call(&U::SetSASAutoReply),
-    call(&U::SetSASBusy),
-    call(&U::GetSASMessageStatus),
-    call(&U::ConfigureCCTalkPort),
-    call(&U::ConfigureRS232Poll),
-    call(&U::SetPolledHostTimeout),
-    call(&U::EmptyPolledBuffer),
-    polled,
-    polledBounded,
-    call(&U::DeletePolledMessage),
-    call(&U::EnableSPI),
-    call(&U::DisableSPI),
-    inForm<spi, false>,
-    inForm<spi, true>,
-    inForm<sec, false>,
-    inForm<sec, true>,
-    call(form<R20EEPROM *>(&U::ConfigureEEPROM)),
-    call(&U::CheckEEPROM),
-    transfer(&U::ReadEEPROM),
-    transfer(&U::WriteEEPROM),
-    transfer(&U::ReadSRAM),
-    transfer(&U::WriteSRAM),
-    transfer(&U::ReadLargeSRAM),
-    transfer(&U::WriteLargeSRAM),
-    call(&U::SetClock),
-    call(&U::GetClock),
-    call(&U::NextSecuritySwitchRead),
-    call(&U::StartSecuritySwitchRead),
-    call(&U::ClearSecuritySwitches),
-    call(&U::ReadAndResetSecuritySwitchFlags),
-    call(&U::ReadAndResetBatteryFailFlag),
-    call(&U::CachedReadAndResetSecuritySwitchFlags),
-    call(&U::EnableRandomNumberGenerator),
-    call(&U::DisableRandomNumberGenerator),
-    call(&U::GetRandomNumber),
-    call(&U::ReadAndResetRTCFailure),
-    call(&U::ReadClockAtBatteryFailure),
-    anyRequest,
-    identity<&U::Get8051Version>,
-    identity<&U::GetPICVersion>,
-    identity<&U::GetPICSerialNumber>,
-    dallasBounded,
-    openAgain,
-    call(&U::GetProductVersion, {2}),
-    call(&U::GetDllVersion, {3}),
-    call(&U::InitUSBBoard),
-    call(&U::init),
-};
+    &U::ReceiveByteWithTimestamp9BitData, timeoutMessage, &U::GetParityErrors, &U::SetSASMachineAddress,
+    &U::SetSASAutoReply, &U::SetSASBusy, &U::GetSASMessageStatus, &U::ConfigureCCTalkPort, &U::ConfigureRS232Poll,
+    &U::SetPolledHostTimeout, &U::EmptyPolledBuffer, inForm<polled, false>, inForm<polled, true>,
+    &U::DeletePolledMessage, &U::EnableSPI, &U::DisableSPI, inForm<spi, false>, inForm<spi, true>, inForm<sec, false>,
+    inForm<sec, true>, call(form<R20EEPROM *>(&U::ConfigureEEPROM)), &U::CheckEEPROM, transfer(&U::ReadEEPROM),
+    transfer(&U::WriteEEPROM), transfer(&U::ReadSRAM), transfer(&U::WriteSRAM), transfer(&U::ReadLargeSRAM),
+    transfer(&U::WriteLargeSRAM), &U::SetClock, &U::GetClock, &U::NextSecuritySwitchRead, &U::StartSecuritySwitchRead,
+    &U::ClearSecuritySwitches, &U::ReadAndResetSecuritySwitchFlags, &U::ReadAndResetBatteryFailFlag,
+    &U::CachedReadAndResetSecuritySwitchFlags, &U::EnableRandomNumberGenerator, &U::DisableRandomNumberGenerator,
+    &U::GetRandomNumber, &U::ReadAndResetRTCFailure, &U::ReadClockAtBatteryFailure, anyRequest,
+    identity<&U::Get8051Version>, identity<&U::GetPICVersion>, identity<&U::GetPICSerialNumber>, dallasBounded,
+    openAgain, call(&U::GetProductVersion, {2}), call(&U::GetDllVersion, {3}), &U::InitUSBBoard, &U::init);
 
 }  // namespace
 

@@ -1,5 +1,4 @@
-// A driver that answers whatever the fuzzer likes, behind device numbers 0 to 15. The program is linked with
-// --wrap=open, --wrap=fopen and --wrap=ioctl, so that the library's calls end here.
+// A driver that answers whatever the fuzzer likes, behind every device number.
 //
 // It keeps only to what every driver must: it writes at most 256 bytes into an answer's buffer and stays inside its
 // own packet. What it says about them (count, status, echo, result) may be anything.

@@ -25,7 +25,7 @@
 #include <unistd.h>
 #include <vector>
 
-#include "tests/nodes/driver_call.h"
+#include "tests/support/driver_call.h"
 
 namespace
 {

@@ -3,10 +3,9 @@
 #include <cstdlib>
 #include <sstream>
 #include <thread>
-#include <utility>
 #include <vector>
 
-#include "tests/stress/outside.h"
+#include "tests/processes/outside.h"
 
 namespace opening
 {
@@ -15,9 +14,8 @@ namespace
 {
 
 using std::chrono::milliseconds;
-using stress::answerOf;
-using stress::Peer;
-using stress::Rounds;
+using tests::Peer;
+using tests::Rounds;
 
 constexpr int deviceCount = 6;
 constexpr int chunks[deviceCount] = {279, 64, 255, 57, 258, 58};  // of the image, by device
@@ -39,9 +37,9 @@ void replug(int device, const std::string &slowness = "300us")
 struct Program {
     explicit Program(std::initializer_list<std::string> orders) : peer(width(), Peer::Start::held)
     {
+        peer.release();
         for (const std::string &order : orders)
             peer.tell(order);
-        peer.release();
     }
     static const char *width()
     {
@@ -49,18 +47,15 @@ struct Program {
         static const bool both = !std::getenv("OPENING_IN_ONE_WIDTH");
         return both && ++made % 2 ? OTHER_WIDTH_OPENING_WORKER : OPENING_WORKER;
     }
-    std::string answer() { return answerOf(started()); }
+    std::string answer() { return started().answer(); }
     bool waits() { return !started().answers(30); }
     Peer &started()
     {
-        if (!std::exchange(ready, true)) {
-            EXPECT_EQ(answerOf(peer), "ready");
-        }
+        peer.awaitReady();
         return peer;
     }
 
     Peer peer;
-    bool ready = false;
 };
 
 /// What programs did together.
@@ -102,7 +97,7 @@ protected:
         for (int device = 0; device < deviceCount; ++device)
             replug(device);
     }
-    void TearDown() override { stress::removeEverything(); }
+    void TearDown() override { tests::removeEverything(); }
 };
 
 TEST_F(Opening, TogetherLoadsAndDetectsOnce)
@@ -149,9 +144,9 @@ TEST_F(Opening, WaitsForWhoPreparesTheBoardUntilThatOneIsKilled)
     for (Rounds rounds("killed before an exchange of its opening", 1); rounds.another();) {
         for (int device : {1, 3, 5}) {
             const int last = chunks[device] + 3;
-            const int points = stress::longRun() ? last + 5 : 20;
+            const int points = tests::longRun() ? last + 5 : 20;
             for (int point = 0; point < points && !HasFailure(); ++point) {
-                const int exchange = stress::longRun() ? 1 + point : 1 + point * (last - 1) / (points - 1);
+                const int exchange = tests::longRun() ? 1 + point : 1 + point * (last - 1) / (points - 1);
                 SCOPED_TRACE("device " + std::to_string(device) + ", exchange " + std::to_string(exchange));
                 replug(device, "0s");
                 const std::string open = "open " + std::to_string(device);

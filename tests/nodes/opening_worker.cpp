@@ -1,4 +1,4 @@
-// A program that opens boards, told what to do line by line (tests/support/peer.h):
+// A program that opens boards, told what to do line by line (tests/processes/peer.h):
 //
 //   open N, init, find NUMBER   the three ways to open; load: the firmware alone
 //   signals                     a signal that does not kill, every millisecond of what comes next
@@ -18,7 +18,7 @@
 #include <sys/time.h>
 #include <unistd.h>
 
-#include "tests/nodes/driver_call.h"
+#include "tests/support/driver_call.h"
 
 namespace
 {

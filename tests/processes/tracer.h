@@ -1,14 +1,14 @@
 // A process that is stopped at the system calls of a part of its life, or between two instructions.
 //
 // It is written for both widths: the kernel tells where a process stands in the same form for either.
-#ifndef SORVANE_TESTS_STRESS_TRACER_H
-#define SORVANE_TESTS_STRESS_TRACER_H
+#ifndef SORVANE_TESTS_PROCESSES_TRACER_H
+#define SORVANE_TESTS_PROCESSES_TRACER_H
 
 #include <string>
 
-#include "tests/support/peer.h"
+#include "tests/processes/peer.h"
 
-namespace stress
+namespace tests
 {
 
 /// Loading (from the first key file until the process says that it is ready), what a line asks of it, or leaving.
@@ -40,14 +40,14 @@ public:
     /// Lets it go on by itself.
     void release();
 
-    tests::Peer peer;
+    Peer peer;
 
 private:
     void resume(int request);
     bool isStart(const Part &part) const;
     bool isOver() const;
     void look();
-    std::string textAt(unsigned long long address) const;
+    bool isInTemporary(unsigned long long path) const;
 
     Part part;
     bool alive = true;
@@ -59,6 +59,6 @@ private:
     unsigned long long instruction = 0;
 };
 
-}  // namespace stress
+}  // namespace tests
 
 #endif

@@ -1,11 +1,10 @@
-#include "tests/faults/faulty_calls.h"
+#include "tests/processes/faulty_calls.h"
 
+#include <algorithm>
 #include <cerrno>
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
 #include <new>
 #include <sys/ipc.h>
 #include <sys/sem.h>
@@ -20,10 +19,7 @@ int __real_semctl(int id, int semaphore, int command, ...);
 int __real_shmget(key_t key, std::size_t size, int flags);
 void *__real_shmat(int id, const void *address, int flags);
 int __real_shmctl(int id, int command, shmid_ds *status);
-int __real_open(const char *path, int flags, ...);
 int __real_flock(int descriptor, int operation);
-FILE *__real_fopen(const char *path, const char *mode);
-int __real_ioctl(int descriptor, unsigned long request, ...);
 }
 
 namespace tests
@@ -42,7 +38,8 @@ struct Fault {
 
 constexpr int mostFaults = 2;
 constinit Fault faults[mostFaults] = {};
-constinit int faultCount = -1;  // the environment has not been read yet
+constinit int faultCount = -1;     // the environment has not been read yet
+constinit bool observing = false;  // it is there, if empty
 
 void say(const char *line)
 {
@@ -54,6 +51,7 @@ void readEnvironment()
 {
     faultCount = 0;
     const char *text = std::getenv("SORVANE_FAULTS");
+    observing = text != nullptr;
     while (text && *text && faultCount < mostFaults) {
         Fault &fault = faults[faultCount];
         if (std::sscanf(text, "%7s %u %7s %d", fault.call, &fault.number, fault.often, &fault.error) != 4)
@@ -64,14 +62,14 @@ void readEnvironment()
     }
 }
 
-/// Whether this call fails now; errno is set then. With `error` only a fault of that errno counts the call.
-bool fails(const char *call, bool (*possible)(int error, const sembuf &first) = nullptr, const sembuf &first = {})
+/// Whether this call fails now; errno is set then.
+bool fails(const char *call)
 {
     if (faultCount < 0)
         readEnvironment();
     for (int k = 0; k < faultCount; ++k) {
         Fault &fault = faults[k];
-        if (std::strcmp(fault.call, call) != 0 || (possible && !possible(fault.error, first)))
+        if (std::strcmp(fault.call, call) != 0)
             continue;
         ++fault.calls;
         const bool ever = std::strcmp(fault.often, "ever") == 0;
@@ -85,22 +83,12 @@ bool fails(const char *call, bool (*possible)(int error, const sembuf &first) = 
     return false;
 }
 
-bool semopCanFail(int error, const sembuf &first)
-{
-    if (error == EINTR || error == EIDRM)
-        return true;
-    if (error == EAGAIN)
-        return first.sem_op < 0 && (first.sem_flg & IPC_NOWAIT) != 0;
-    if (error == ERANGE)
-        return first.sem_op < 0 && first.sem_flg == 0;
-    return first.sem_op <= 0;
-}
-
 constexpr int semaphores = 6;  // the registrations and the five mutexes that are used
 
 struct Observation {
     unsigned int exchanges = 0;
     bool held[semaphores] = {};
+    bool hasSegment = false;
     int registrations = -1;
 };
 constinit Observation observation = {};
@@ -110,34 +98,49 @@ void observe()
     ++observation.exchanges;
     const int id = __real_semget(__real_ftok("/tmp/Sem_R20Mutex", 1), 0, 0);
     observation.registrations = __real_semctl(id, 0, GETVAL);
+    observation.hasSegment = __real_shmget(__real_ftok("/tmp/R20SharedMemory", 1), 0, 0) != -1;
     for (int k = 1; k < semaphores; ++k)
         observation.held[k] = observation.held[k] || __real_semctl(id, k, GETVAL) == 0;
 }
 
-// The request that failed last, in this operation.
-constinit unsigned char failedRequest[56] = {};
-constinit bool requestFailed = false;
+// The call that failed last, in this operation: request, addresses and lengths.
+constinit unsigned char failedCall[56] = {};
+constinit std::size_t failedSize = 0;
 
-/// Compares the caller's record as it is before the call: request, addresses and lengths.
-void lookForRepetition(const void *record, bool failing)
+bool isRepeated(const Exchange &exchange)
 {
-    constexpr std::size_t bytes = sizeof(void *) == 8 ? sizeof failedRequest : 28;
-    if (requestFailed && std::memcmp(failedRequest, record, bytes) == 0)
-        say("! repeated\n");
-    std::memcpy(failedRequest, record, bytes);
-    requestFailed = failing;
+    return failedSize != 0 && std::memcmp(failedCall, exchange.call, failedSize) == 0;
 }
 
 }  // namespace
+
+bool exchangeArrives(const Exchange &exchange)
+{
+    if (!observing)
+        return true;
+    observe();
+    if (isRepeated(exchange))
+        say("! repeated\n");
+    const bool arrives = !fails("ioctl");
+    failedSize = arrives ? 0 : std::min(exchange.callSize, sizeof failedCall);
+    std::memcpy(failedCall, exchange.call, failedSize);
+    return arrives;
+}
+
+bool callFails(const char *call)
+{
+    return fails(call);
+}
 
 std::string takeObservation()
 {
     std::string text = "exchanges " + std::to_string(observation.exchanges) + " held";
     for (int k = 1; k < semaphores; ++k)
         text += observation.held[k] ? " " + std::to_string(k - 1) : "";
+    text += observation.hasSegment ? "" : " no segment";
     text += " registrations " + std::to_string(observation.registrations);
     observation = {};
-    requestFailed = false;
+    failedSize = 0;
     return text;
 }
 
@@ -160,7 +163,11 @@ int __wrap_semget(key_t key, int count, int flags)
 
 int __wrap_semop(int id, sembuf *operations, std::size_t count)
 {
-    if (!fails("semop", tests::semopCanFail, operations[0]))
+    const sembuf &first = operations[0];
+    const bool leaves = first.sem_op < 0 && (first.sem_flg & IPC_NOWAIT) != 0;
+    const bool registers = first.sem_op < 0 && first.sem_flg == 0;
+    if (!fails("semop") && !(first.sem_op <= 0 && fails("take")) && !(leaves && fails("leave")) &&
+        !(registers && fails("join")))
         return __real_semop(id, operations, count);
     if (errno == EIDRM) {
         __real_semctl(id, 0, IPC_RMID);
@@ -192,38 +199,17 @@ void *__wrap_shmat(int id, const void *address, int flags)
 
 int __wrap_shmctl(int id, int command, shmid_ds *status)
 {
-    return fails("shmctl") ? -1 : __real_shmctl(id, command, status);
-}
-
-int __wrap_open(const char *path, int flags, ...)
-{
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = flags & O_CREAT ? va_arg(arguments, mode_t) : 0;
-    va_end(arguments);
-    return fails("open") ? -1 : __real_open(path, flags, mode);
+    if (!fails("shmctl"))
+        return __real_shmctl(id, command, status);
+    if (errno != EIDRM)
+        return -1;
+    __real_shmctl(id, IPC_RMID, nullptr);
+    return __real_shmctl(id, command, status);
 }
 
 int __wrap_flock(int descriptor, int operation)
 {
     return fails("flock") ? -1 : __real_flock(descriptor, operation);
-}
-
-FILE *__wrap_fopen(const char *path, const char *mode)
-{
-    return fails("fopen") ? nullptr : __real_fopen(path, mode);
-}
-
-int __wrap_ioctl(int descriptor, unsigned long request, ...)
-{
-    va_list arguments;
-    va_start(arguments, request);
-    void *record = va_arg(arguments, void *);
-    va_end(arguments);
-    tests::observe();
-    const bool failing = fails("ioctl");
-    tests::lookForRepetition(record, failing);
-    return failing ? -1 : __real_ioctl(descriptor, request, record);
 }
 }
 

@@ -1,14 +1,15 @@
-#include "tests/stress/tracer.h"
+#include "tests/processes/tracer.h"
 
 #include <cerrno>
 #include <csignal>
+#include <fstream>
 #include <linux/audit.h>
 #include <stdexcept>
 #include <sys/ptrace.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace stress
+namespace tests
 {
 
 namespace
@@ -44,7 +45,7 @@ constexpr auto requestOf(int request)
 
 }  // namespace
 
-Traced::Traced(const std::string &program) : peer(program, tests::Peer::Start::held)
+Traced::Traced(const std::string &program) : peer(program, Peer::Start::held)
 {
     const auto options = reinterpret_cast<void *>(PTRACE_O_TRACESYSGOOD | PTRACE_O_TRACEEXEC | PTRACE_O_EXITKILL);
     if (::ptrace(PTRACE_SEIZE, peer.id(), nullptr, options) != 0)
@@ -57,7 +58,7 @@ Traced::Traced(const std::string &program) : peer(program, tests::Peer::Start::h
 
 bool Traced::possible()
 {
-    tests::Peer victim("/bin/true", tests::Peer::Start::held);
+    Peer victim("/bin/true", Peer::Start::held);
     return ::ptrace(PTRACE_SEIZE, victim.id(), nullptr, nullptr) == 0;
 }
 
@@ -104,27 +105,19 @@ std::string Traced::where() const
     return name + (before ? " before" : " after");
 }
 
-std::string Traced::textAt(unsigned long long address) const
+bool Traced::isInTemporary(unsigned long long path) const
 {
-    std::string text;
-    for (;; address += sizeof(long)) {
-        errno = 0;
-        const long word = ::ptrace(PTRACE_PEEKDATA, peer.id(), reinterpret_cast<void *>(address), nullptr);
-        if (errno != 0)
-            return text;
-        for (std::size_t k = 0; k < sizeof word; ++k) {
-            const char character = static_cast<char>(word >> 8 * k);
-            if (character == '\0')
-                return text;
-            text += character;
-        }
-    }
+    const std::string memory = "/proc/" + std::to_string(peer.id()) + "/mem";
+    std::ifstream file(memory, std::ios::binary);
+    char begin[5] = {};
+    file.seekg(static_cast<std::streamoff>(path)).read(begin, sizeof begin);
+    return std::string_view(begin, sizeof begin) == "/tmp/";
 }
 
 bool Traced::isStart(const Part &wanted) const
 {
     if (wanted.loading())
-        return where() == "openat before" && textAt(arguments[1]).starts_with("/tmp/");
+        return where() == "openat before" && isInTemporary(arguments[1]);
     return where() == "read after" && arguments[0] == 0;
 }
 
@@ -178,4 +171,4 @@ void Traced::release()
         ::ptrace(PTRACE_DETACH, peer.id(), nullptr, nullptr);
 }
 
-}  // namespace stress
+}  // namespace tests

@@ -1,6 +1,6 @@
 // What a program of this width hands to the driver: a packet for an R20, a record for the others.
-#ifndef SORVANE_TESTS_NODES_DRIVER_CALL_H
-#define SORVANE_TESTS_NODES_DRIVER_CALL_H
+#ifndef SORVANE_TESTS_SUPPORT_DRIVER_CALL_H
+#define SORVANE_TESTS_SUPPORT_DRIVER_CALL_H
 
 #include <cstdint>
 
