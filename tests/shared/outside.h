@@ -11,7 +11,7 @@
 #include <sys/shm.h>
 #include <unistd.h>
 
-#include "shared/arena_report.h"
+#include "inspect/arena_report.h"
 #include "tests/support/peer.h"
 
 namespace tests

@@ -7,7 +7,7 @@
 #include <map>
 #include <string>
 
-#include "shared/arena_report.h"
+#include "inspect/arena_report.h"
 #include "tests/support/peer.h"
 
 namespace stress
