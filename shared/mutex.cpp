@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "shared/linked_list.h"
 #include "shared/mutex_set.h"
 #include "shared/thread_sanitizer.h"
 
@@ -43,13 +44,8 @@ void Mutex::ReleaseLocalMutex(Mutex *mutex)
 {
     if (--mutex->localCount > 0)
         return;
-    for (Mutex **link = &MutexChain; *link; link = &(*link)->next) {
-        if (*link != mutex)
-            continue;
-        *link = mutex->next;
+    if (unlinkFrom(MutexChain, mutex))
         LinuxMutexSet::ReleaseLinuxMutex(static_cast<LinuxMutex *>(mutex));
-        return;
-    }
 }
 
 inline bool LinuxMutex::Add(short value) const

@@ -6,6 +6,7 @@
 #include <sys/sem.h>
 
 #include "shared/key_file.h"
+#include "shared/linked_list.h"
 
 constinit LinuxMutexSet *LinuxMutexSet::MasterListStart = nullptr;
 constinit bool LinuxMutexSet::inForkedChild = false;
@@ -211,13 +212,7 @@ LinuxMutex *LinuxMutexSet::GetMutex(const MutexID &id)
 
 bool LinuxMutexSet::UnLinkMutex(LinuxMutex *mutex)
 {
-    for (LinuxMutex **link = &mutexList; *link; link = &(*link)->nextInSet) {
-        if (*link != mutex)
-            continue;
-        *link = mutex->nextInSet;
-        return true;
-    }
-    return false;
+    return unlinkFrom(mutexList, mutex, &LinuxMutex::nextInSet);
 }
 
 void LinuxMutexSet::ReleaseLinuxMutex(LinuxMutex *mutex)
@@ -228,11 +223,6 @@ void LinuxMutexSet::ReleaseLinuxMutex(LinuxMutex *mutex)
     delete mutex;
     if (!set || set->mutexList)
         return;
-    for (LinuxMutexSet **link = &MasterListStart; *link; link = &(*link)->next) {
-        if (*link != set)
-            continue;
-        *link = set->next;
-        break;
-    }
+    unlinkFrom(MasterListStart, set);
     delete set;
 }

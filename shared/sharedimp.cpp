@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "shared/arena_check.h"
+#include "shared/linked_list.h"
 #include "shared/store_order.h"
 
 bool SharedMemoryObjectID::operator==(const SharedMemoryObjectID &other) const
@@ -172,12 +173,7 @@ void SharedMemoryLocalListElement::ReleaseSharedMemoryElement(SharedMemoryLocalL
         // The segment goes before the set, and under its mutex: a process that starts now waits for both.
         memory->Delete();
     }
-    for (SharedMemoryLocalListElement **link = &SharedMemoryLocalListStart; *link; link = &(*link)->next) {
-        if (*link != element)
-            continue;
-        *link = element->next;
-        break;
-    }
+    unlinkFrom(SharedMemoryLocalListStart, element);
     Mutex::ReleaseLocalMutex(mutex);
     delete memory;
     delete element;
