@@ -146,14 +146,14 @@ void tearDown(const ObjectPlan &plan)
     handle = {};
 }
 
-/// The process that set the state up. A child of it has copies of the handles, but no registration of its own; in a
-/// PID namespace it may even have its parent's number.
+/// The process that set the state up, 0 in a child of it: that has copies of the handles, but no registration of its
+/// own, and in a PID namespace it may even have its parent's number.
 constinit pid_t joinedProcess = 0;
 
 void forgetInChild()
 {
     joinedProcess = 0;
-    LinuxMutexSet::inForkedChild = true;
+    LinuxMutexSet::EnterForkedChild();
 }
 
 /// Gives back what fork made: the child's own attachment. Everything else is its parent's.
@@ -177,7 +177,7 @@ void detachInChild()
 
 [[gnu::destructor(101)]] void tearDownAll()
 {
-    if (LinuxMutexSet::inForkedChild)
+    if (joinedProcess == 0)
         return detachInChild();
     if (joinedProcess != ::getpid())
         return;
