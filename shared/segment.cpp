@@ -1,11 +1,11 @@
-// The SysV side of an arena: making, attaching and removing its segment.
+#include "shared/segment.h"
+
 #include <cerrno>
 #include <cstring>
 #include <sys/ipc.h>
 #include <sys/shm.h>
 
 #include "shared/key_file.h"
-#include "shared/sharedimp.h"
 
 namespace
 {

@@ -5,7 +5,6 @@
 #include <pthread.h>
 #include <unistd.h>
 
-#include "shared/arena_check.h"
 #include "shared/mutex_set.h"
 #include "shared/store_order.h"
 
@@ -60,24 +59,17 @@ struct Shared : SharedMemoryBlockHeader {
 static_assert(sizeof(Shared<OutputPatterns>) == 204 && sizeof(Shared<EEPROMTable>) == 252);
 static_assert(sizeof(Shared<ReceiveBuffers>) == 4284);
 
-template <class Table>
-SharedMemoryBlockHeader *allocate(SharedMemoryArenaHeader *arena)
-{
-    return new (arena) Shared<Table>;
-}
-
 struct ObjectPlan {
     SharedMemoryObject *handle;
     SharedMemoryObjectID id;
     int mutexNumber;
     unsigned int bytes;  // header and table
-    SharedMemoryBlockHeader *(*allocate)(SharedMemoryArenaHeader *arena);
 };
 
 template <class Table>
 constexpr ObjectPlan planOf(SharedMemoryObject &handle, const char *name, int mutexNumber)
 {
-    return {&handle, {name, 0}, mutexNumber, sizeof(Shared<Table>), allocate<Table>};
+    return {&handle, {name, 0}, mutexNumber, sizeof(Shared<Table>)};
 }
 
 constexpr ObjectPlan plans[] = {
@@ -86,34 +78,6 @@ constexpr ObjectPlan plans[] = {
     planOf<EEPROMTable>(SharedcurrentEEPROM, "R20EEPROMS", 3),
     planOf<ReceiveBuffers>(SharedserialRxBuffer, "R20BUFFERS", 4),
 };
-
-/// Whether a run that was found has room for the table, whatever its header says by now.
-bool holds(SharedMemoryArenaHeader *arena, const SharedMemoryBlockHeader *run, unsigned int bytes)
-{
-    const unsigned int blocks = (bytes + sizeof *run - 1) / sizeof *run;
-    const auto index = static_cast<unsigned int>(run - arena->block(0));
-    return run->blockCount >= blocks && index + blocks <= blocksInSegment(sharedBlock.size);
-}
-
-/// Hold the arena's mutex. A run that carries the name but is too short for the table is not used.
-SharedMemoryBlockHeader *findOrAllocate(SharedMemoryArenaHeader *arena, const ObjectPlan &plan)
-{
-    if (!arena)
-        return nullptr;
-    if (SharedMemoryBlockHeader *found = SharedMemoryLocalListElement::FindSharedMemoryObject(arena, plan.id)) {
-        if (!holds(arena, found, plan.bytes))
-            return nullptr;
-        ++found->useCount;
-        return found;
-    }
-    SharedMemoryBlockHeader *made = plan.allocate(arena);
-    if (!made)
-        return nullptr;
-    // A run that was used before holds what its last use left; no object starts with that.
-    std::memset(made->data(), 0, plan.bytes - sizeof *made);
-    made->Name(plan.id);
-    return made;
-}
 
 void setUp(const ObjectPlan &plan)
 {
@@ -126,7 +90,7 @@ void setUp(const ObjectPlan &plan)
         ++handle.element->sharedMemory->referenceCount;
         if (handle.element->arenaHeader && guard.holds())
             handle.element->arenaHeader->ReclaimUnnamedRuns();
-        handle.object = findOrAllocate(handle.element->arenaHeader, plan);
+        handle.object = handle.element->UseSharedMemoryObject(plan.id, plan.bytes);
     }
     if (handle.object)
         handle.mutex = Mutex::GetLocalMutex(MutexID("R20Mutex", plan.mutexNumber, 1));
