@@ -1,7 +1,6 @@
 #include "shared/segment.h"
 
 #include <cerrno>
-#include <cstring>
 #include <sys/ipc.h>
 #include <sys/shm.h>
 
@@ -50,8 +49,6 @@ bool LinuxSharedMemory::Create()
             return false;
         switch (Attach()) {
         case Outcome::attached:
-            if (meFirst)
-                std::memset(address, 0, size);
             return true;
         case Outcome::failed:
             return false;

@@ -33,7 +33,7 @@ public:
     explicit LinuxSharedMemory(const SharedMemoryArenaID &id);
     ~LinuxSharedMemory() override;
 
-    /// Attaches the segment, or makes one of zeros. Hold the arena's mutex.
+    /// Attaches the segment, or makes one. A new one is all zeros: the kernel gives no others. Hold the arena's mutex.
     bool Create() override;
     /// Detaches the segment and removes it when nobody is attached. Hold the arena's mutex.
     bool Delete() override;

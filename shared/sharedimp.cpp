@@ -40,13 +40,16 @@ SharedMemoryArenaHeader *arenaIn(LinuxSharedMemory &memory)
 {
     if (!memory.address)
         return nullptr;
+    const auto build = [&] { return new (memory.address) SharedMemoryArenaHeader(memory.arenaID, memory.GetSize()); };
+    if (memory.MeFirst())
+        return build();  // whatever the check would look for, it is zeros
     auto *header = static_cast<SharedMemoryArenaHeader *>(memory.address);
     switch (examineArena(header, memory.arenaID, memory.GetSize())) {
     case ArenaState::whole:
         return header;
     case ArenaState::unfinished:
-        if (memory.MeFirst() || memory.Alone())
-            return new (memory.address) SharedMemoryArenaHeader(memory.arenaID, memory.GetSize());
+        if (memory.Alone())
+            return build();
         memory.Abandon();  // or the next one would not be alone either
         return nullptr;
     case ArenaState::foreign:
@@ -60,30 +63,30 @@ SharedMemoryArenaHeader *arenaIn(LinuxSharedMemory &memory)
 
 }  // namespace
 
-SharedMemoryLocalListElement *SharedMemoryLocalListElement::GetSharedMemoryArenaHeader(const SharedMemoryArenaID &id)
+SharedMemoryLocalListElement *SharedMemoryLocalListElement::GetSharedMemoryArenaHeader(const SharedMemoryArenaID &id,
+                                                                                       std::optional<MutexGuard> &hold)
 {
-    if (SharedMemoryLocalListElement *element = SearchForSharedMemoryArenaHeader(id))
+    if (SharedMemoryLocalListElement *element = SearchForSharedMemoryArenaHeader(id)) {
+        hold.emplace(element->sharedMemory->mutex);
         return element;
+    }
     // The mutex comes first, so that attaching, building and checking the arena happen under it. It also decides the
     // key of the set: where it cannot be had, no other mutex may be asked for.
     Mutex *mutex = Mutex::GetLocalMutex(id.mutexID);
     if (!mutex)
         return nullptr;
     auto *element = new (std::nothrow) SharedMemoryLocalListElement;
-    if (element) {
-        MutexGuard guard(mutex);
-        auto *memory = new (std::nothrow) LinuxSharedMemory(id);
-        if (memory) {
-            memory->mutex = mutex;
-            element->arenaHeader = arenaIn(*memory);
-        }
-        element->sharedMemory = memory;
-    }
-    if (!element || !element->sharedMemory) {
+    hold.emplace(mutex);
+    auto *memory = element ? new (std::nothrow) LinuxSharedMemory(id) : nullptr;
+    if (!memory) {
+        hold.reset();
         Mutex::ReleaseLocalMutex(mutex);
         delete element;
         return nullptr;
     }
+    memory->mutex = mutex;
+    element->sharedMemory = memory;
+    element->arenaHeader = arenaIn(*memory);
     element->next = SharedMemoryLocalListStart;
     SharedMemoryLocalListStart = element;
     return element;
@@ -125,13 +128,14 @@ SharedMemoryBlockHeader *SharedMemoryLocalListElement::UseSharedMemoryObject(con
     return made;
 }
 
-void SharedMemoryLocalListElement::ReleaseSharedMemoryElement(SharedMemoryLocalListElement *element)
+void SharedMemoryLocalListElement::ReleaseSharedMemoryElement(SharedMemoryLocalListElement *element, int uses)
 {
     SharedMemory *memory = element->sharedMemory;
     Mutex *mutex = memory->mutex;
     {
         MutexGuard guard(mutex);
-        if (--memory->referenceCount > 0)
+        memory->referenceCount -= uses;
+        if (memory->referenceCount > 0)
             return;
         // The segment goes before the set, and under its mutex: a process that starts now waits for both.
         memory->Delete();

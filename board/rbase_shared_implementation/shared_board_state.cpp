@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <iterator>
+#include <optional>
 #include <pthread.h>
 #include <unistd.h>
 
@@ -79,35 +80,22 @@ constexpr ObjectPlan plans[] = {
     planOf<ReceiveBuffers>(SharedserialRxBuffer, "R20BUFFERS", 4),
 };
 
-void setUp(const ObjectPlan &plan)
+/// Hold the arena's mutex.
+void setUp(const ObjectPlan &plan, SharedMemoryLocalListElement *arena)
 {
     SharedMemoryObject &handle = *plan.handle;
-    handle.element = SharedMemoryLocalListElement::GetSharedMemoryArenaHeader(sharedBlock);
-    if (!handle.element)
-        return;
-    {
-        MutexGuard guard(handle.element->sharedMemory->mutex);
-        ++handle.element->sharedMemory->referenceCount;
-        if (handle.element->arenaHeader && guard.holds())
-            handle.element->arenaHeader->ReclaimUnnamedRuns();
-        handle.object = handle.element->UseSharedMemoryObject(plan.id, plan.bytes);
-    }
+    handle.element = arena;
+    ++arena->sharedMemory->referenceCount;
+    handle.object = arena->UseSharedMemoryObject(plan.id, plan.bytes);
     if (handle.object)
         handle.mutex = Mutex::GetLocalMutex(MutexID("R20Mutex", plan.mutexNumber, 1));
 }
 
 void tearDown(const ObjectPlan &plan)
 {
-    SharedMemoryObject &handle = *plan.handle;
-    if (!handle.element)
-        return;
-    if (handle.object) {
-        MutexGuard waitForOthers(handle.element->sharedMemory->mutex);  // nobody is in the middle of the arena
-    }
-    if (handle.mutex)
-        Mutex::ReleaseLocalMutex(handle.mutex);
-    SharedMemoryLocalListElement::ReleaseSharedMemoryElement(handle.element);
-    handle = {};
+    if (plan.handle->mutex)
+        Mutex::ReleaseLocalMutex(plan.handle->mutex);
+    *plan.handle = {};
 }
 
 /// The process that set the state up, 0 in a child of it: that has copies of the handles, but no registration of its
@@ -135,8 +123,15 @@ void detachInChild()
 {
     joinedProcess = ::getpid();
     ::pthread_atfork(nullptr, nullptr, forgetInChild);
+    // Attached, searched and built under one hold: whoever comes next finds all four objects or none.
+    std::optional<MutexGuard> hold;
+    SharedMemoryLocalListElement *arena = SharedMemoryLocalListElement::GetSharedMemoryArenaHeader(sharedBlock, hold);
+    if (!arena)
+        return;
+    if (arena->arenaHeader && hold->holds())
+        arena->arenaHeader->ReclaimUnnamedRuns();
     for (const ObjectPlan &plan : plans)
-        setUp(plan);
+        setUp(plan, arena);
 }
 
 [[gnu::destructor(101)]] void tearDownAll()
@@ -145,8 +140,12 @@ void detachInChild()
         return detachInChild();
     if (joinedProcess != ::getpid())
         return;
+    SharedMemoryLocalListElement *arena = SharedOutOnCopy.element;
+    if (!arena)
+        return;
     for (auto plan = std::rbegin(plans); plan != std::rend(plans); ++plan)
         tearDown(*plan);
+    SharedMemoryLocalListElement::ReleaseSharedMemoryElement(arena, std::size(plans));
 }
 
 }  // namespace

@@ -83,7 +83,7 @@ void pauseAtEachPoint(const Part &part, Where where, Then then, Count &count)
         Traced process(STRESS_WORKER);
         process.beginWith(part);
         if (!goTo(process, point, where)) {
-            EXPECT_GT(point, 15u) << "the part has too few system calls";
+            EXPECT_GT(point, 7u) << "the part has too few system calls";
             process.peer.kill();
             removeEverything();
             return;
