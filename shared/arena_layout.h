@@ -65,8 +65,8 @@ struct SharedMemoryArenaHeader {
     /// with a block count is complete.
     SharedMemoryArenaHeader(const SharedMemoryArenaID &id, unsigned int size);
 
-    // What ArenaBlocks has under these names. They are defined in sharedimp.cpp: the process that has attached the
-    // segment knows how many blocks it has.
+    // ArenaBlocks has what they do. They are defined in sharedimp.cpp: how many blocks may be trusted to be there only
+    // the process knows that has attached the segment.
     SharedMemoryBlockHeader *AllocateBlock(unsigned int size);
     void ReclaimUnnamedRuns();
 

@@ -123,7 +123,7 @@ void detachInChild()
 {
     joinedProcess = ::getpid();
     ::pthread_atfork(nullptr, nullptr, forgetInChild);
-    // Attached, searched and built under one hold: whoever comes next finds all four objects or none.
+    // Attached, searched and built under one hold: nobody else joins or leaves in between.
     std::optional<MutexGuard> hold;
     SharedMemoryLocalListElement *arena = SharedMemoryLocalListElement::GetSharedMemoryArenaHeader(sharedBlock, hold);
     if (!arena)
