@@ -1,20 +1,7 @@
 #include "shared/arena_check.h"
 
 #include <cstring>
-
-SharedMemoryBlockHeader *RunWalk::next()
-{
-    index += length;
-    length = 0;
-    if (index >= blockCount)
-        return nullptr;
-    SharedMemoryBlockHeader *run = header->block(index);
-    const unsigned int said = *static_cast<volatile unsigned int *>(&run->blockCount);
-    if (said == 0 || said > blockCount - index)
-        return nullptr;
-    length = said;
-    return run;
-}
+#include <new>
 
 namespace
 {
@@ -64,16 +51,4 @@ ArenaState examineArena(SharedMemoryArenaHeader *header, const SharedMemoryArena
     if (header->blockCount != blockCount || header->buildCount == 0 || !chainIsWhole(header, blockCount))
         return ArenaState::corrupt;
     return ArenaState::whole;
-}
-
-unsigned int trustedBlockCount(SharedMemoryArenaHeader *header)
-{
-    for (SharedMemoryLocalListElement *element = SharedMemoryLocalListElement::SharedMemoryLocalListStart; element;
-         element = element->next) {
-        if (element->arenaHeader != header)
-            continue;
-        const unsigned int blockCount = blocksInSegment(element->sharedMemory->GetSize());
-        return header->blockCount == blockCount ? blockCount : 0;
-    }
-    return header->blockCount;
 }

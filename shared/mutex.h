@@ -35,7 +35,8 @@ public:
     virtual ~Mutex() = default;
 
     /// The process's object for this mutex, made on first use; null when memory is exhausted. Each call needs one
-    /// ReleaseLocalMutex; the last destroys the object and, with the set's last mutex, leaves the set.
+    /// ReleaseLocalMutex; the last destroys the object and, with the set's last mutex, leaves the set. Both are
+    /// defined in mutex_set.cpp, where the one kind of mutex is that there is.
     static Mutex *GetLocalMutex(const MutexID &id);
     static void ReleaseLocalMutex(Mutex *mutex);
     static Mutex *FindMutex(const MutexID &id);
@@ -45,27 +46,6 @@ public:
     MutexID mutexID;
     Mutex *next = nullptr;
     int localCount = 0;
-};
-
-/// A mutex in a SysV semaphore set: semaphore number + 1, which is 1 while it is free. The system gives it back when
-/// its holder ends.
-class LinuxMutex final : public Mutex
-{
-public:
-    LinuxMutex(const MutexID &id, int semaphoreSetID) : Mutex(id), semaphoreSetID(semaphoreSetID) {}
-
-    /// Waits until the mutex is free. When the set has been removed behind this process's back, the set of that name
-    /// is looked up once; without one, false from then on: the caller goes on without the lock.
-    bool Lock() override;
-    bool UnLock() override;
-
-    LinuxMutex *nextInSet = nullptr;
-    int semaphoreSetID;
-
-private:
-    bool Add(short value) const;
-    bool AddAgain(short value) const;
-    bool LockAgain();
 };
 
 /// Holds a mutex for a scope and gives back only what it got. A null mutex is no lock.

@@ -6,6 +6,9 @@
 #include <sys/sem.h>
 
 #include "shared/key_file.h"
+#include "shared/linked_list.h"
+#include "shared/semaphore_set.h"
+#include "shared/thread_sanitizer.h"
 
 constinit LinuxMutexSet *LinuxMutexSet::MasterListStart = nullptr;
 constinit bool LinuxMutexSet::inForkedChild = false;
@@ -13,81 +16,50 @@ constinit bool LinuxMutexSet::inForkedChild = false;
 namespace
 {
 
-constexpr unsigned short registrations = 0;
-constexpr unsigned short firstMutex = 1;
-constexpr int mostSemaphores = 250;
-
 /// Each try that fails means that another process made or removed the set in between.
 constexpr int mostTries = 1000;
 
-enum class Outcome { done, full, again, failed };
-
-Outcome outcomeOf(bool succeeded)
-{
-    if (succeeded)
-        return Outcome::done;
-    if (errno == ERANGE)
-        return Outcome::full;
-    return setIsGone(errno) ? Outcome::again : Outcome::failed;
-}
-
-/// Where all semaphores are 0 nobody has initialised the set, or whoever made it died before.
-bool initialiseAndRegister(int id, int semaphores)
-{
-    sembuf operations[2 * mostSemaphores];
-    for (int k = 0; k < semaphores; ++k) {
-        const unsigned short semaphore = static_cast<unsigned short>(k);
-        operations[k] = {semaphore, 0, IPC_NOWAIT};
-        operations[semaphores + k] = {semaphore, +1, IPC_NOWAIT};
-    }
-    return semaphoreOperation(id, operations, 2U * static_cast<unsigned int>(semaphores));
-}
-
-/// Waits for the first mutex, which a process that removes the set holds, and leaves it free.
-bool registerOnceFree(int id)
-{
-    sembuf operations[] = {{firstMutex, -1, 0}, {registrations, +1, 0}, {firstMutex, +1, 0}};
-    return semaphoreOperation(id, operations, 3);
-}
-
-Outcome joinSet(int id, int semaphores)
-{
-    if (initialiseAndRegister(id, semaphores))
-        return Outcome::done;
-    if (errno != EAGAIN)
-        return outcomeOf(false);
-    return outcomeOf(registerOnceFree(id));
-}
-
-/// Succeeds only for the only process that is registered, and lets nobody in any more: it holds the first mutex.
-bool lockAsLast(int id)
-{
-    sembuf operations[] = {{registrations, -1, IPC_NOWAIT},
-                           {registrations, 0, IPC_NOWAIT},
-                           {registrations, +1, IPC_NOWAIT},
-                           {firstMutex, -1, SEM_UNDO}};
-    return semaphoreOperation(id, operations, 4);
-}
-
-/// For the last process where the set is not its own to remove: leaves it as if others were still there.
-void unlockAndUnregister(int id)
-{
-    sembuf operations[] = {{registrations, -1, IPC_NOWAIT}, {firstMutex, +1, SEM_UNDO}};
-    semaphoreOperation(id, operations, 2);
-}
-
-/// Succeeds only while another process is registered.
-bool unregisterBesideOthers(int id)
-{
-    sembuf operations[] = {{registrations, -2, IPC_NOWAIT}, {registrations, +1, IPC_NOWAIT}};
-    return semaphoreOperation(id, operations, 2);
-}
-
 }  // namespace
 
-bool setIsGone(int error)
+inline bool LinuxMutex::Add(short value) const
 {
-    return error == EIDRM || error == EINVAL;
+    if (semaphoreSetID == -1)
+        return false;
+    sembuf operation = {static_cast<unsigned short>(firstMutexSemaphore + mutexID.number), value, SEM_UNDO};
+    return ::semop(semaphoreSetID, &operation, 1) == 0;
+}
+
+bool LinuxMutex::AddAgain(short value) const
+{
+    while (semaphoreSetID != -1 && errno == EINTR)
+        if (Add(value))
+            return true;
+    return false;
+}
+
+bool LinuxMutex::LockAgain()
+{
+    if (AddAgain(-1))
+        return true;
+    if (semaphoreSetID == -1 || !setIsGone(errno))
+        return false;
+    LinuxMutexSet *set = LinuxMutexSet::SearchForMutexSet(mutexID);
+    semaphoreSetID = set ? set->Rejoin(semaphoreSetID) : -1;
+    return Add(-1) || AddAgain(-1);
+}
+
+bool LinuxMutex::Lock()
+{
+    if (!Add(-1) && !LockAgain())
+        return false;
+    tellAcquired(this);
+    return true;
+}
+
+bool LinuxMutex::UnLock()
+{
+    tellReleased(this);
+    return Add(+1) || AddAgain(+1);
 }
 
 LinuxMutexSet::LinuxMutexSet(const MutexID &id) : mutexID(id)
@@ -120,14 +92,14 @@ int LinuxMutexSet::Join(Missing missing)
         if (id == -1)
             return -1;
         switch (joinSet(id, semaphores)) {
-        case Outcome::done:
+        case Joining::done:
             registered = true;
             return id;
-        case Outcome::full:
+        case Joining::full:
             return id;
-        case Outcome::failed:
+        case Joining::failed:
             return -1;
-        case Outcome::again:
+        case Joining::again:
             break;
         }
     }
@@ -150,7 +122,7 @@ void LinuxMutexSet::Leave() const
             return;
         // Another process left between the two attempts, or the count is 0 although this process is registered. A
         // count that cannot be read is not 0: somebody may live on the set.
-        if (::semctl(semaphoreSetID, registrations, GETVAL) == 0) {
+        if (::semctl(semaphoreSetID, registrationSemaphore, GETVAL) == 0) {
             ::semctl(semaphoreSetID, 0, IPC_RMID);
             return;
         }
@@ -211,13 +183,7 @@ LinuxMutex *LinuxMutexSet::GetMutex(const MutexID &id)
 
 bool LinuxMutexSet::UnLinkMutex(LinuxMutex *mutex)
 {
-    for (LinuxMutex **link = &mutexList; *link; link = &(*link)->nextInSet) {
-        if (*link != mutex)
-            continue;
-        *link = mutex->nextInSet;
-        return true;
-    }
-    return false;
+    return unlinkFrom(mutexList, mutex, &LinuxMutex::nextInSet);
 }
 
 void LinuxMutexSet::ReleaseLinuxMutex(LinuxMutex *mutex)
@@ -228,11 +194,28 @@ void LinuxMutexSet::ReleaseLinuxMutex(LinuxMutex *mutex)
     delete mutex;
     if (!set || set->mutexList)
         return;
-    for (LinuxMutexSet **link = &MasterListStart; *link; link = &(*link)->next) {
-        if (*link != set)
-            continue;
-        *link = set->next;
-        break;
-    }
+    unlinkFrom(MasterListStart, set);
     delete set;
+}
+
+Mutex *Mutex::GetLocalMutex(const MutexID &id)
+{
+    Mutex *mutex = FindMutex(id);
+    if (!mutex) {
+        mutex = LinuxMutexSet::GetMutex(id);
+        if (!mutex)
+            return nullptr;
+        mutex->next = MutexChain;
+        MutexChain = mutex;
+    }
+    ++mutex->localCount;
+    return mutex;
+}
+
+void Mutex::ReleaseLocalMutex(Mutex *mutex)
+{
+    if (--mutex->localCount > 0)
+        return;
+    if (unlinkFrom(MutexChain, mutex))
+        LinuxMutexSet::ReleaseLinuxMutex(static_cast<LinuxMutex *>(mutex));
 }

@@ -13,22 +13,28 @@
 #ifndef SORVANE_SHARED_MUTEX_SET_H
 #define SORVANE_SHARED_MUTEX_SET_H
 
-#include <cerrno>
-#include <sys/sem.h>
-
 #include "shared/mutex.h"
 
-/// semop, repeated while a signal interrupts it; errno tells of a failure.
-inline bool semaphoreOperation(int semaphoreSetID, sembuf *operations, unsigned int count)
+/// A mutex in a SysV semaphore set: semaphore number + 1, which is 1 while it is free. The system gives it back when
+/// its holder ends.
+class LinuxMutex final : public Mutex
 {
-    while (::semop(semaphoreSetID, operations, count) == -1)
-        if (errno != EINTR)
-            return false;
-    return true;
-}
+public:
+    LinuxMutex(const MutexID &id, int semaphoreSetID) : Mutex(id), semaphoreSetID(semaphoreSetID) {}
 
-/// Whether a failed semop says that the set does not exist any more.
-bool setIsGone(int error);
+    /// Waits until the mutex is free. When the set has been removed behind this process's back, the set of that name
+    /// is looked up once; without one, false from then on: the caller goes on without the lock.
+    bool Lock() override;
+    bool UnLock() override;
+
+    LinuxMutex *nextInSet = nullptr;
+    int semaphoreSetID;
+
+private:
+    bool Add(short value) const;
+    bool AddAgain(short value) const;
+    bool LockAgain();
+};
 
 class LinuxMutexSet
 {
@@ -52,9 +58,11 @@ public:
     /// it, or -1. No set is made: only a process that starts makes one.
     int Rejoin(int goneID);
 
+    /// For a forked child, in which nobody gives a registration back: from now on it uses a set that it looks up anew
+    /// without one.
+    static void EnterForkedChild() { inForkedChild = true; }
+
     static LinuxMutexSet *MasterListStart;
-    /// In a forked child nobody gives a registration back: it uses a set that it looks up anew without one.
-    static bool inForkedChild;
 
     int semaphoreSetID = 0;  // -1: none could be had
     MutexID mutexID;
@@ -65,6 +73,8 @@ private:
     enum class Missing { make, leave };
     int Join(Missing missing);
     void Leave() const;
+
+    static bool inForkedChild;
 
     bool registered = false;
 };

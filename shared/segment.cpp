@@ -1,11 +1,10 @@
-// The SysV side of an arena: making, attaching and removing its segment.
+#include "shared/segment.h"
+
 #include <cerrno>
-#include <cstring>
 #include <sys/ipc.h>
 #include <sys/shm.h>
 
 #include "shared/key_file.h"
-#include "shared/sharedimp.h"
 
 namespace
 {
@@ -50,8 +49,6 @@ bool LinuxSharedMemory::Create()
             return false;
         switch (Attach()) {
         case Outcome::attached:
-            if (meFirst)
-                std::memset(address, 0, size);
             return true;
         case Outcome::failed:
             return false;

@@ -1,84 +1,10 @@
 #include "shared/sharedimp.h"
 
 #include <cstring>
+#include <new>
 
 #include "shared/arena_check.h"
-#include "shared/store_order.h"
-
-bool SharedMemoryObjectID::operator==(const SharedMemoryObjectID &other) const
-{
-    return id == other.id && std::strncmp(name, other.name, nameBytes) == 0;
-}
-
-bool SharedMemoryArenaID::operator==(const SharedMemoryArenaID &other) const
-{
-    return objectID == other.objectID && mutexID.sameMutex(other.mutexID);
-}
-
-void SharedMemoryBlockHeader::Name(const SharedMemoryObjectID &object)
-{
-    std::memcpy(objectID.name + 1, object.name + 1, sizeof objectID.name - 1);
-    objectID.id = object.id;
-    mutexID = MutexID("", 0, 1);
-    storesBeforeAreDone();
-    objectID.name[0] = object.name[0];
-}
-
-void *SharedMemoryBlockHeader::operator new(std::size_t size, SharedMemoryArenaHeader *arena) noexcept
-{
-    return arena->AllocateBlock(static_cast<unsigned int>(size));
-}
-
-SharedMemoryArenaHeader::SharedMemoryArenaHeader(const SharedMemoryArenaID &id, unsigned int size) : arenaID(id)
-{
-    // The counts are not touched before the end: in a segment of zeros they are 0 so far.
-    SharedMemoryBlockHeader *allBlocks = block(0);
-    allBlocks->objectID = SharedMemoryObjectID("", 0);
-    allBlocks->mutexID = MutexID("", 0, 1);
-    allBlocks->useCount = 0;
-    allBlocks->blockCount = blocksInSegment(size);
-    storesBeforeAreDone();
-    buildCount = 1;
-    storesBeforeAreDone();
-    blockCount = blocksInSegment(size);
-}
-
-SharedMemoryBlockHeader *SharedMemoryArenaHeader::block(unsigned int index)
-{
-    return reinterpret_cast<SharedMemoryBlockHeader *>(this + 1) + index;
-}
-
-SharedMemoryBlockHeader *SharedMemoryArenaHeader::AllocateBlock(unsigned int size)
-{
-    constexpr unsigned int blockBytes = sizeof(SharedMemoryBlockHeader);
-    const unsigned int needed = size / blockBytes + (size % blockBytes ? 1 : 0);
-    RunWalk walk(this, trustedBlockCount(this));
-    while (SharedMemoryBlockHeader *run = walk.next()) {
-        if (run->useCount != 0 || walk.runLength() < needed || needed == 0)
-            continue;
-        const unsigned int remainder = walk.runLength() - needed;
-        if (remainder != 0) {
-            // The rest becomes a run of its own inside the run that still covers it, then the run is shortened.
-            SharedMemoryBlockHeader *rest = block(walk.runIndex() + needed);
-            rest->useCount = 0;
-            rest->blockCount = remainder;
-            storesBeforeAreDone();
-            run->blockCount = needed;
-            storesBeforeAreDone();
-        }
-        run->useCount = 1;
-        return run;
-    }
-    return nullptr;
-}
-
-void SharedMemoryArenaHeader::ReclaimUnnamedRuns()
-{
-    RunWalk walk(this, trustedBlockCount(this));
-    while (SharedMemoryBlockHeader *run = walk.next())
-        if (run->useCount != 0 && run->objectID.name[0] == '\0')
-            run->useCount = 0;
-}
+#include "shared/linked_list.h"
 
 constinit SharedMemoryLocalListElement *SharedMemoryLocalListElement::SharedMemoryLocalListStart = nullptr;
 
@@ -95,18 +21,35 @@ SharedMemoryLocalListElement::SearchForSharedMemoryArenaHeader(const SharedMemor
 namespace
 {
 
+/// The blocks of an arena that this process has attached: none when its header does not say what the segment's size
+/// says. Of a header in other memory, what the header says.
+ArenaBlocks blocksOf(SharedMemoryArenaHeader *header)
+{
+    for (SharedMemoryLocalListElement *element = SharedMemoryLocalListElement::SharedMemoryLocalListStart; element;
+         element = element->next) {
+        if (element->arenaHeader != header)
+            continue;
+        const unsigned int count = blocksInSegment(element->sharedMemory->GetSize());
+        return {header, header->blockCount == count ? count : 0};
+    }
+    return {header, header->blockCount};
+}
+
 /// The arena in an attached segment, built if nobody has finished it; null when it cannot be used.
 SharedMemoryArenaHeader *arenaIn(LinuxSharedMemory &memory)
 {
     if (!memory.address)
         return nullptr;
+    const auto build = [&] { return new (memory.address) SharedMemoryArenaHeader(memory.arenaID, memory.GetSize()); };
+    if (memory.MeFirst())
+        return build();  // whatever the check would look for, it is zeros
     auto *header = static_cast<SharedMemoryArenaHeader *>(memory.address);
     switch (examineArena(header, memory.arenaID, memory.GetSize())) {
     case ArenaState::whole:
         return header;
     case ArenaState::unfinished:
-        if (memory.MeFirst() || memory.Alone())
-            return new (memory.address) SharedMemoryArenaHeader(memory.arenaID, memory.GetSize());
+        if (memory.Alone())
+            return build();
         memory.Abandon();  // or the next one would not be alone either
         return nullptr;
     case ArenaState::foreign:
@@ -120,30 +63,30 @@ SharedMemoryArenaHeader *arenaIn(LinuxSharedMemory &memory)
 
 }  // namespace
 
-SharedMemoryLocalListElement *SharedMemoryLocalListElement::GetSharedMemoryArenaHeader(const SharedMemoryArenaID &id)
+SharedMemoryLocalListElement *SharedMemoryLocalListElement::GetSharedMemoryArenaHeader(const SharedMemoryArenaID &id,
+                                                                                       std::optional<MutexGuard> &hold)
 {
-    if (SharedMemoryLocalListElement *element = SearchForSharedMemoryArenaHeader(id))
+    if (SharedMemoryLocalListElement *element = SearchForSharedMemoryArenaHeader(id)) {
+        hold.emplace(element->sharedMemory->mutex);
         return element;
+    }
     // The mutex comes first, so that attaching, building and checking the arena happen under it. It also decides the
     // key of the set: where it cannot be had, no other mutex may be asked for.
     Mutex *mutex = Mutex::GetLocalMutex(id.mutexID);
     if (!mutex)
         return nullptr;
     auto *element = new (std::nothrow) SharedMemoryLocalListElement;
-    if (element) {
-        MutexGuard guard(mutex);
-        auto *memory = new (std::nothrow) LinuxSharedMemory(id);
-        if (memory) {
-            memory->mutex = mutex;
-            element->arenaHeader = arenaIn(*memory);
-        }
-        element->sharedMemory = memory;
-    }
-    if (!element || !element->sharedMemory) {
+    hold.emplace(mutex);
+    auto *memory = element ? new (std::nothrow) LinuxSharedMemory(id) : nullptr;
+    if (!memory) {
+        hold.reset();
         Mutex::ReleaseLocalMutex(mutex);
         delete element;
         return nullptr;
     }
+    memory->mutex = mutex;
+    element->sharedMemory = memory;
+    element->arenaHeader = arenaIn(*memory);
     element->next = SharedMemoryLocalListStart;
     SharedMemoryLocalListStart = element;
     return element;
@@ -152,32 +95,52 @@ SharedMemoryLocalListElement *SharedMemoryLocalListElement::GetSharedMemoryArena
 SharedMemoryBlockHeader *SharedMemoryLocalListElement::FindSharedMemoryObject(SharedMemoryArenaHeader *header,
                                                                               const SharedMemoryObjectID &id)
 {
-    if (!header)
-        return nullptr;
-    RunWalk walk(header, trustedBlockCount(header));
-    while (SharedMemoryBlockHeader *run = walk.next())
-        if (run->objectID == id)
-            return run;
-    return nullptr;
+    return header ? blocksOf(header).find(id) : nullptr;
 }
 
-void SharedMemoryLocalListElement::ReleaseSharedMemoryElement(SharedMemoryLocalListElement *element)
+SharedMemoryBlockHeader *SharedMemoryArenaHeader::AllocateBlock(unsigned int size)
+{
+    return blocksOf(this).allocate(size);
+}
+
+void SharedMemoryArenaHeader::ReclaimUnnamedRuns()
+{
+    blocksOf(this).reclaimUnnamed();
+}
+
+SharedMemoryBlockHeader *SharedMemoryLocalListElement::UseSharedMemoryObject(const SharedMemoryObjectID &id,
+                                                                             unsigned int bytes) const
+{
+    if (!arenaHeader)
+        return nullptr;
+    if (SharedMemoryBlockHeader *found = FindSharedMemoryObject(arenaHeader, id)) {
+        if (!blocksOf(arenaHeader).holds(found, bytes))
+            return nullptr;
+        ++found->useCount;
+        return found;
+    }
+    SharedMemoryBlockHeader *made = arenaHeader->AllocateBlock(bytes);
+    if (!made)
+        return nullptr;
+    // A run that was used before holds what its last use left; no object starts with that.
+    std::memset(made->data(), 0, bytes - sizeof *made);
+    made->Name(id);
+    return made;
+}
+
+void SharedMemoryLocalListElement::ReleaseSharedMemoryElement(SharedMemoryLocalListElement *element, int uses)
 {
     SharedMemory *memory = element->sharedMemory;
     Mutex *mutex = memory->mutex;
     {
         MutexGuard guard(mutex);
-        if (--memory->referenceCount > 0)
+        memory->referenceCount -= uses;
+        if (memory->referenceCount > 0)
             return;
         // The segment goes before the set, and under its mutex: a process that starts now waits for both.
         memory->Delete();
     }
-    for (SharedMemoryLocalListElement **link = &SharedMemoryLocalListStart; *link; link = &(*link)->next) {
-        if (*link != element)
-            continue;
-        *link = element->next;
-        break;
-    }
+    unlinkFrom(SharedMemoryLocalListStart, element);
     Mutex::ReleaseLocalMutex(mutex);
     delete memory;
     delete element;

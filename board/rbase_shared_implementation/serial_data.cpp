@@ -150,6 +150,15 @@ int RBaseImplementation::Receive9BitData(_usbSerialPort port, unsigned short *da
     return result;
 }
 
+/// Up to two bytes of data and a time, as they were taken from a batch.
+struct TimestampedItem {
+    unsigned int hasData() const { return count > 0 && !timeAlone ? 1 : 0; }
+
+    unsigned char bytes[3] = {};
+    unsigned int count;
+    bool timeAlone;  // a batch of one byte
+};
+
 int RBaseImplementation::NextTimestampedItem(_usbSerialPort port, unsigned int size, TimestampedItem &item)
 {
     ReceiveBuffer &buffer = receiveBuffer(GetDeviceNo());

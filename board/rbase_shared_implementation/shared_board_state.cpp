@@ -2,10 +2,10 @@
 
 #include <cstring>
 #include <iterator>
+#include <optional>
 #include <pthread.h>
 #include <unistd.h>
 
-#include "shared/arena_check.h"
 #include "shared/mutex_set.h"
 #include "shared/store_order.h"
 
@@ -60,24 +60,17 @@ struct Shared : SharedMemoryBlockHeader {
 static_assert(sizeof(Shared<OutputPatterns>) == 204 && sizeof(Shared<EEPROMTable>) == 252);
 static_assert(sizeof(Shared<ReceiveBuffers>) == 4284);
 
-template <class Table>
-SharedMemoryBlockHeader *allocate(SharedMemoryArenaHeader *arena)
-{
-    return new (arena) Shared<Table>;
-}
-
 struct ObjectPlan {
     SharedMemoryObject *handle;
     SharedMemoryObjectID id;
     int mutexNumber;
     unsigned int bytes;  // header and table
-    SharedMemoryBlockHeader *(*allocate)(SharedMemoryArenaHeader *arena);
 };
 
 template <class Table>
 constexpr ObjectPlan planOf(SharedMemoryObject &handle, const char *name, int mutexNumber)
 {
-    return {&handle, {name, 0}, mutexNumber, sizeof(Shared<Table>), allocate<Table>};
+    return {&handle, {name, 0}, mutexNumber, sizeof(Shared<Table>)};
 }
 
 constexpr ObjectPlan plans[] = {
@@ -87,73 +80,32 @@ constexpr ObjectPlan plans[] = {
     planOf<ReceiveBuffers>(SharedserialRxBuffer, "R20BUFFERS", 4),
 };
 
-/// Whether a run that was found has room for the table, whatever its header says by now.
-bool holds(SharedMemoryArenaHeader *arena, const SharedMemoryBlockHeader *run, unsigned int bytes)
-{
-    const unsigned int blocks = (bytes + sizeof *run - 1) / sizeof *run;
-    const auto index = static_cast<unsigned int>(run - arena->block(0));
-    return run->blockCount >= blocks && index + blocks <= blocksInSegment(sharedBlock.size);
-}
-
-/// Hold the arena's mutex. A run that carries the name but is too short for the table is not used.
-SharedMemoryBlockHeader *findOrAllocate(SharedMemoryArenaHeader *arena, const ObjectPlan &plan)
-{
-    if (!arena)
-        return nullptr;
-    if (SharedMemoryBlockHeader *found = SharedMemoryLocalListElement::FindSharedMemoryObject(arena, plan.id)) {
-        if (!holds(arena, found, plan.bytes))
-            return nullptr;
-        ++found->useCount;
-        return found;
-    }
-    SharedMemoryBlockHeader *made = plan.allocate(arena);
-    if (!made)
-        return nullptr;
-    // A run that was used before holds what its last use left; no object starts with that.
-    std::memset(made->data(), 0, plan.bytes - sizeof *made);
-    made->Name(plan.id);
-    return made;
-}
-
-void setUp(const ObjectPlan &plan)
+/// Hold the arena's mutex.
+void setUp(const ObjectPlan &plan, SharedMemoryLocalListElement *arena)
 {
     SharedMemoryObject &handle = *plan.handle;
-    handle.element = SharedMemoryLocalListElement::GetSharedMemoryArenaHeader(sharedBlock);
-    if (!handle.element)
-        return;
-    {
-        MutexGuard guard(handle.element->sharedMemory->mutex);
-        ++handle.element->sharedMemory->referenceCount;
-        if (handle.element->arenaHeader && guard.holds())
-            handle.element->arenaHeader->ReclaimUnnamedRuns();
-        handle.object = findOrAllocate(handle.element->arenaHeader, plan);
-    }
+    handle.element = arena;
+    ++arena->sharedMemory->referenceCount;
+    handle.object = arena->UseSharedMemoryObject(plan.id, plan.bytes);
     if (handle.object)
         handle.mutex = Mutex::GetLocalMutex(MutexID("R20Mutex", plan.mutexNumber, 1));
 }
 
 void tearDown(const ObjectPlan &plan)
 {
-    SharedMemoryObject &handle = *plan.handle;
-    if (!handle.element)
-        return;
-    if (handle.object) {
-        MutexGuard waitForOthers(handle.element->sharedMemory->mutex);  // nobody is in the middle of the arena
-    }
-    if (handle.mutex)
-        Mutex::ReleaseLocalMutex(handle.mutex);
-    SharedMemoryLocalListElement::ReleaseSharedMemoryElement(handle.element);
-    handle = {};
+    if (plan.handle->mutex)
+        Mutex::ReleaseLocalMutex(plan.handle->mutex);
+    *plan.handle = {};
 }
 
-/// The process that set the state up. A child of it has copies of the handles, but no registration of its own; in a
-/// PID namespace it may even have its parent's number.
+/// The process that set the state up, 0 in a child of it: that has copies of the handles, but no registration of its
+/// own, and in a PID namespace it may even have its parent's number.
 constinit pid_t joinedProcess = 0;
 
 void forgetInChild()
 {
     joinedProcess = 0;
-    LinuxMutexSet::inForkedChild = true;
+    LinuxMutexSet::EnterForkedChild();
 }
 
 /// Gives back what fork made: the child's own attachment. Everything else is its parent's.
@@ -171,18 +123,29 @@ void detachInChild()
 {
     joinedProcess = ::getpid();
     ::pthread_atfork(nullptr, nullptr, forgetInChild);
+    // Attached, searched and built under one hold: nobody else joins or leaves in between.
+    std::optional<MutexGuard> hold;
+    SharedMemoryLocalListElement *arena = SharedMemoryLocalListElement::GetSharedMemoryArenaHeader(sharedBlock, hold);
+    if (!arena)
+        return;
+    if (arena->arenaHeader && hold->holds())
+        arena->arenaHeader->ReclaimUnnamedRuns();
     for (const ObjectPlan &plan : plans)
-        setUp(plan);
+        setUp(plan, arena);
 }
 
 [[gnu::destructor(101)]] void tearDownAll()
 {
-    if (LinuxMutexSet::inForkedChild)
+    if (joinedProcess == 0)
         return detachInChild();
     if (joinedProcess != ::getpid())
         return;
+    SharedMemoryLocalListElement *arena = SharedOutOnCopy.element;
+    if (!arena)
+        return;
     for (auto plan = std::rbegin(plans); plan != std::rend(plans); ++plan)
         tearDown(*plan);
+    SharedMemoryLocalListElement::ReleaseSharedMemoryElement(arena, std::size(plans));
 }
 
 }  // namespace

@@ -49,15 +49,6 @@ struct ReceiveBuffer {
 };
 static_assert(sizeof(ReceiveBuffer) == 260 && offsetof(ReceiveBuffer, bytes) == 4);
 
-/// Up to two bytes of data and a time, as they were taken from a batch.
-struct TimestampedItem {
-    unsigned int hasData() const { return count > 0 && !timeAlone ? 1 : 0; }
-
-    unsigned char bytes[3] = {};
-    unsigned int count;
-    bool timeAlone;  // a batch of one byte
-};
-
 struct ReceiveBuffers {
     ReceiveBuffer device[deviceCount];
 };

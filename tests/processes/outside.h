@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "shared/arena_report.h"
+#include "inspect/arena_report.h"
 #include "tests/processes/peer.h"
 
 namespace tests

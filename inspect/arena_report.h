@@ -5,15 +5,14 @@
 // It changes nothing. While it looks it holds the arena's mutex (with undo), so that nobody joins and the last one does
 // not leave, and is attached to copy the segment; a mutex that does not come free within a second is a finding of its
 // own. Where the set or the segment is removed under its eyes, it looks anew.
-#ifndef SORVANE_SHARED_ARENA_REPORT_H
-#define SORVANE_SHARED_ARENA_REPORT_H
+#ifndef SORVANE_INSPECT_ARENA_REPORT_H
+#define SORVANE_INSPECT_ARENA_REPORT_H
 
 #include <string>
-#include <vector>
 
-struct ArenaReport {
-    static constexpr int objectCount = 4;
+#include "inspect/arena_contents.h"
 
+struct ArenaReport : ArenaContents {
     bool clean() const { return segmentID == -1 && setID == -1; }
     /// The findings, a line each.
     std::string text() const;
@@ -22,10 +21,7 @@ struct ArenaReport {
     int setID = -1;      // -1: no set
     int registrations = 0;
     unsigned long attachments = 0;
-    int attachedProcesses = 0;                 // as far as /proc shows them
-    unsigned int useCounts[objectCount] = {};  // patterns of the on and the off period, EEPROMs, receive buffers
-    std::vector<std::string> findings;         // what must never be
-    std::vector<std::string> remarks;          // what killed processes leave by right, and what may be a stranger's
+    int attachedProcesses = 0;  // as far as /proc shows them
 };
 
 ArenaReport reportArena();

@@ -1,10 +1,8 @@
-#include "shared/arena_report.h"
+#include "inspect/arena_report.h"
 
 #include <cerrno>
 #include <csignal>
-#include <cstdarg>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -16,8 +14,6 @@
 #include <sys/shm.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include "shared/arena_contents.h"
 
 namespace
 {
@@ -224,16 +220,6 @@ void look(ArenaReport &report)
 }
 
 }  // namespace
-
-void add(std::vector<std::string> &lines, const char *format, ...)
-{
-    char line[200];
-    va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(line, sizeof line, format, arguments);  // NOLINT(clang-analyzer-valist.Uninitialized): it is
-    va_end(arguments);
-    lines.emplace_back(line);
-}
 
 std::string ArenaReport::text() const
 {
