@@ -8,7 +8,8 @@ An example is a fenced or an indented block, and its first line says what it is:
 
     ```cpp            the file that the next example compiles
     #!/bin/sh         a build server's script: run with each of GAMES it must end as told there
-    # /etc/...        the text of a file of the machine: the one kind that is not run
+    # /etc/...        the text of a file of the machine, which is not run
+    ```mermaid        a picture
     sorvane-sim ... [ how to call a command: its --help must know every option
     $ COMMAND         a session at a terminal: each command must succeed and say what stands beneath it, if anything
                       does; `...` stands for anything, 4711 for any number. `$ cat FILE`: a file that all examples find
@@ -240,7 +241,7 @@ def main():
         for place, language, lines in found:
             if language == "cpp":
                 source = "\n".join(lines) + "\n"
-            else:
+            elif language != "mermaid":
                 run_example(place, language, lines, folder, source)
     print(f"{len(found)} examples, {len(failures)} failures")
     return 1 if failures else 0
