@@ -164,6 +164,44 @@ TEST(BoardBase, HasNoModelAndSaysSoWithoutACode)
     RBaseImplementation::ReleaseErrorHandling();
 }
 
+/// Fills the whole buffer, and says next to nothing or far too much of it.
+struct Boaster final : RBaseImplementation {
+    Boaster() : RBaseImplementation(nullptr, -1, 1, 5) {}
+    int PerformUSBIO(unsigned char, int, unsigned char *, unsigned long, unsigned char *in,
+                     unsigned long *count) override
+    {
+        EXPECT_EQ(*count, 0u) << "before the exchange";
+        std::memset(in, 0xEE, usbLargestAnswer);
+        *count = says;
+        says = 0;
+        return 1;
+    }
+    unsigned long says = 0;
+};
+
+TEST(BoardBase, TakesTheCountForWhatIsThereAndNothingBehindIt)
+{
+    Boaster board;
+    unsigned char bytes[2000] = {};
+    unsigned long length = 0;
+    ReelStatusEx reels;
+    EXPECT_TRUE(board.GetReelStatusEx(&reels));
+    const ReelStatusEx nothing = {};
+    EXPECT_EQ(std::memcmp(&reels, &nothing, sizeof reels), 0) << "what did not come reads as 0";
+    board.says = 10;
+    EXPECT_TRUE(board.Receive(usbSerialPort0, bytes, &length));
+    EXPECT_EQ(length, 10u);
+    board.says = 1000;
+    EXPECT_TRUE(board.ReadDiagnosticData(bytes, 1, bytes, &length));
+    EXPECT_EQ(length, 256u) << "a count beyond the buffer is cut";
+}
+
+TEST(BoardBase, ABatchThatCannotBeIsEmpty)
+{
+    EXPECT_TRUE((ReceiveBuffer{256, 0, {}}.empty() && ReceiveBuffer{255, 255, {}}.empty()));
+    EXPECT_FALSE((ReceiveBuffer{255, 254, {}}.empty()));
+}
+
 TEST(BoardBase, ADownloadWithoutAnOwnerFailsWithoutACode)
 {
     R20s_Implementation r20s(nullptr, -1, 1, 0);

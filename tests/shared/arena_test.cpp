@@ -1,5 +1,6 @@
 // Runs of blocks, in an arena of the test's own.
 #include <cstring>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <sys/ipc.h>
 #include <sys/shm.h>
@@ -66,8 +67,11 @@ TEST(Arena, FindsAnObjectByNameAndNumber)
     EXPECT_EQ(List::FindSharedMemoryObject(arena.header, {"Objec", 1}), nullptr);
     EXPECT_EQ(List::FindSharedMemoryObject(nullptr, {"Object", 1}), nullptr);
     EXPECT_EQ(arena.indexOf(List::FindSharedMemoryObject(arena.header, {"", 0})), 6u) << "free runs are compared, too";
-    arena.header->block(2)->blockCount = 0;
-    EXPECT_EQ(List::FindSharedMemoryObject(arena.header, {"Object", 2}), nullptr) << "a damaged run ends the search";
+    for (const unsigned int damaged : {0u, 525u}) {
+        arena.header->block(2)->blockCount = damaged;
+        for (int k = 1; k <= 2; ++k)
+            EXPECT_EQ(List::FindSharedMemoryObject(arena.header, {"Object", k}), nullptr) << "it ends the search";
+    }
 }
 
 TEST(Arena, SmallSegmentsHaveNoBlocks)
@@ -81,8 +85,11 @@ TEST(Arena, SmallSegmentsHaveNoBlocks)
 TEST(Segment, IsMadeOnceAndRemovedByTheLast)
 {
     const SharedMemoryArenaID id = arenaID("TestSegment", 4096);
+    const auto descriptors = [] { return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}); };
+    const auto before = descriptors();
     LinuxSharedMemory first(id);
     ASSERT_TRUE(first.address);
+    EXPECT_EQ(descriptors(), before) << "its key file is closed again";
     EXPECT_TRUE(first.MeFirst());
     EXPECT_EQ(first.GetSize(), 4096u);
     std::strcpy(static_cast<char *>(first.address), "mark");

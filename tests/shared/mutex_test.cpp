@@ -57,8 +57,24 @@ TEST(Mutexes, WithoutASetFailWithoutBlocking)
     for (int count : {-1, 0x7FFFFFFF, 250}) {
         LinuxMutexSet impossible(MutexID("TestCount", 0, count));
         EXPECT_EQ(impossible.semaphoreSetID, -1) << count;
+        EXPECT_EQ(setOf("/tmp/Sem_TestCount", 1), -1) << "nor is one made";
     }
     Mutex::ReleaseLocalMutex(small);
+}
+
+TEST(Mutexes, OfASetThatWasNotRemovedStayAsTheyAre)
+{
+    const MutexID id("TestKept", 0, 1);
+    Mutex *first = Mutex::GetLocalMutex(id);
+    const int set = setOf("/tmp/Sem_TestKept", 1);
+    ::semctl(set, 0, SETVAL, 0);  // its last process died before it removed it
+    {
+        const LinuxMutexSet second(id);
+        EXPECT_EQ(second.semaphoreSetID, set);
+        EXPECT_EQ(::semctl(set, 0, GETVAL), 1);
+        EXPECT_EQ(::semctl(set, 1, GETVAL), 1);
+    }
+    Mutex::ReleaseLocalMutex(first);
 }
 
 TEST(Mutexes, CutLongNames)
