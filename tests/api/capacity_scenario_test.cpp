@@ -105,6 +105,8 @@ TEST_P(CapacityScenario, OneAnswerIsCutToTheCapacity)
         board.faults().add(sim::Fault::ioctlFails(EIO).carriedOut());
         EXPECT_FALSE(operation.read(usb, untouched.data(), 256));
         EXPECT_TRUE(untouched.holdsOnly({})) << operation.name << " after a failure";
+        SorvaneUSB closed;
+        EXPECT_FALSE(operation.read(closed, untouched.data(), 256)) << operation.name << " without a board";
         if (GetParam() == sim::Model::R20) {
             board.faults().add(sim::Fault::longAnswer(63));
             EXPECT_EQ(errorOf(usb, operation.read(usb, untouched.data(), 256)), usbErrorLength);
@@ -156,7 +158,7 @@ TEST_P(CapacityScenario, ReceiveAsksOnlyWhileAWholeAnswerFits)
     EXPECT_TRUE(usb.Receive9BitData(usbSerialPort1, words, &length, largest - 1));
     EXPECT_EQ(length, largest / 2) << "words: the second answer needs as many again";
     EXPECT_EQ(wire(board), "99/4");
-    EXPECT_TRUE(usb.Receive9BitData(usbSerialPort1, words, &length, largestCapacity));
+    EXPECT_TRUE(usb.Receive9BitData(usbSerialPort1, words, &length, (largestCapacity >> 1) + 1));
     EXPECT_EQ(length, largest / 2);
     EXPECT_EQ(words[0], arrived[largest] << 8 | arrived[largest + 1]);
     EXPECT_EQ(wire(board), "99/4; 99/4; 99/4") << "a capacity without end: until nothing comes";
@@ -197,6 +199,10 @@ TEST_P(CapacityScenario, ACapacityBelowOneAnswerIsRefusedInItsTurn)
         EXPECT_EQ(length, each.lengthAfter) << each.name;
     }
     EXPECT_EQ(wire(board), "");
+    usb.close();
+    EXPECT_FALSE(usb.Receive(usbSerialPort0, data, &length, bytes));
+    EXPECT_FALSE(usb.Receive9BitData(usbSerialPort0, words, &length, bytes));
+    EXPECT_FALSE(usb.ReceivePolledMessage(usbSerialPort0, 0, data, &length, &status, bytes));
 }
 
 TEST_P(CapacityScenario, APolledMessageGoesOnWithTheNextCall)
@@ -245,6 +251,9 @@ TEST_P(CapacityScenario, ABoardThatPromisesMoreForEverIsGivenUp)
     EXPECT_EQ(board.exchangeCount() - before, 1 + 32768U) << "a slow device is waited for";
     EXPECT_EQ(length, 2U) << "what came before stays";
     EXPECT_EQ(status, 5U);
+    EXPECT_EQ(errorOf(usb, usb.ReceivePolledMessage(usbSerialPort0, 0, buffer.data(), &length, &status, 1000)),
+              usbErrorTransfer);
+    EXPECT_EQ(length, 0U);
     EXPECT_TRUE(buffer.holdsOnly({0x41, 0x42}));
 
     board.faults().clear();
@@ -252,6 +261,13 @@ TEST_P(CapacityScenario, ABoardThatPromisesMoreForEverIsGivenUp)
     EXPECT_TRUE(usb.ReceivePolledMessage(usbSerialPort0, 0, buffer.data(), &length, &status, 1000));
     EXPECT_EQ(length, 1000 - (largest - 2) + 1) << "with data it ends where no whole part fits any more";
     EXPECT_TRUE(buffer.holdsOnly(sim::Bytes(length, 0x43)));
+
+    board.faults().clear();
+    for (int k = 0; k < 400; ++k)
+        board.answerNext(k == 200 ? sim::Bytes{5, 1, 0x44} : sim::Bytes{5, 1});
+    board.answerNext({5, 0});
+    EXPECT_TRUE(usb.ReceivePolledMessage(usbSerialPort0, 0, buffer.data(), &length, &status))
+        << "only those in a row count";
 }
 
 }  // namespace tests::capacity

@@ -162,6 +162,18 @@ TEST_F(Life, EveryCodeHasASentence)
         EXPECT_TRUE(code == 0 || text == statusOnly || text.ends_with("; or the board's own status.")) << text;
     }
     EXPECT_EQ(own, 12);
+    const struct {
+        int code;
+        const char *about;
+    } sentences[] = {{0, "No error"},          {2, "SPI transfer"},
+                     {3, "pipe above 7"},      {6, "exchange"},
+                     {7, "length is out"},     {8, "outside its range"},
+                     {10, "baud rate"},        {11, "format 5"},
+                     {16, "ramp table"},       {25, "lacks this function, the SRAM"},
+                     {26, "An R20s lacks"},    {30, "null pointer"},
+                     {31, "status of its own"}};
+    for (const auto &row : sentences)
+        EXPECT_NE(std::strstr(usbErrorText(row.code), row.about), nullptr) << row.code;
     SorvaneUSB usb;
     EXPECT_EQ(errorOf(usb, usb.init(0)), 0);
     EXPECT_NE(std::string(usbErrorText(usb.GetLastError())).find("no board was found"), std::string::npos);
@@ -176,18 +188,21 @@ struct BoardNumbers {
 TEST_F(Life, InitUSBBoardOpensTheBoardThatReportsTheNumber)
 {
     const BoardNumbers table[] = {
-        {3, {5, 3}, 1},
-        {5, {5, 3}, 0},
-        {7, {1, 2, 3, 4, 5, 6, 0, 7}, 7},
-        {9, {1, 2}, -1},
-        {7, {0, 1, 2, 3, 4, 5, 6, 0, 7}, -1},
+        {3, {5, 3}, 1},  {5, {5, 3}, 0}, {7, {1, 2, 3, 4, 5, 6, 0, 7}, 7},
+        {9, {1, 2}, -1}, {15, {7}, -1},  {7, {0, 1, 2, 3, 4, 5, 6, 0, 7}, -1},
     };
     for (const BoardNumbers &row : table) {
         sim::inProcessBoards().clear();
         for (std::size_t n = 0; n < row.numbersByDevice.size(); ++n)
-            plug(static_cast<int>(n), sim::Model::R20s).firmwareRunning().boardNumber(row.numbersByDevice[n]);
+            plug(static_cast<int>(n), sim::Model::R20s)
+                .firmwareRunning()
+                .boardNumber(row.numbersByDevice[n])
+                .inputs()
+                .set(27, true);  // the next input behind the number
         SorvaneUSB usb;
+        usb.ClearErrors();
         EXPECT_EQ(usb.InitUSBBoard(row.wanted), row.opens >= 0 ? 1 : 0);
+        EXPECT_EQ(usb.GetLastError(), usbErrorNone);
         for (std::size_t n = 0; n < row.numbersByDevice.size(); ++n)
             EXPECT_EQ(open(static_cast<int>(n)), static_cast<int>(n) == row.opens ? 1u : 0u) << n;
     }

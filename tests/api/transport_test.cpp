@@ -1,5 +1,6 @@
 // What the two driver protocols make of what can go wrong, through the public door to any request.
 #include <cerrno>
+#include <cstring>
 
 #include "tests/support/open_board.h"
 
@@ -104,7 +105,8 @@ TEST(Transport, SendsAnR20PayloadOf511BytesAndNoMore)
 {
     OpenBoard open(Model::R20);
     open.board.faults().add(Fault::answer({}).forever());
-    unsigned char payload[512] = {};
+    unsigned char payload[512];
+    std::memset(payload, 0x5A, sizeof payload);
     unsigned long count = 77;
     EXPECT_EQ(open.usb.PerformUSBIO(71, 6, payload, 511, nullptr, &count), 1);
     EXPECT_EQ(open.board.exchanges().back().sent.size(), 511u);

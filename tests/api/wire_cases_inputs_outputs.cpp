@@ -58,6 +58,13 @@ WireCases inputAndOutputCases()
         call("SetOutputs(null)", "error 30", &U::SetOutputs, nullptr),
         call("ModifyOutputs sends on before off", "77/1 06 07 08 09 0A 01 02 03 04 05", &U::ModifyOutputs,
              std::vector{outputs(1, 2, 3, 4, 5)}, std::vector{outputs(6, 7, 8, 9, 10)}),
+        row("ModifyOutputs of an output that is in both turns it off",
+            "83/1 00 00 00 00 00; 77/1 01 00 00 00 00 01 00 00 00 00; 83/1 02 00 00 00 00",
+            [](auto &u) {
+                usbOutput both = outputs(1, 0, 0, 0, 0);
+                return u.SetOnPeriodOutputs(outputs(0, 0, 0, 0, 0)) && u.ModifyOutputs(&both, &both) &&
+                       u.SetOnPeriodOutputBit(usbOutputByte0, 1, 1);
+            }),
         call("ModifyOutputs(null, on)", "error 30", &U::ModifyOutputs, nullptr, anywhere),
         call("ModifyOutputs(off, null)", "error 30", &U::ModifyOutputs, anywhere, nullptr),
         call("SetOutputBrightness(10)", "85/1 0A", &U::SetOutputBrightness, 10),
@@ -74,6 +81,14 @@ WireCases inputAndOutputCases()
         row("SetOffPeriodOutputBit sends the whole pattern", "84/1 01 00 00 00 00; 84/1 01 00 00 80 00",
             [](auto &u) {
                 return u.SetOffPeriodOutputs(outputs(1, 0, 0, 0, 0)) && u.SetOffPeriodOutputBit(usbOutputByte3, 7, 1);
+            }),
+        row("A period's bit that is refused changes no pattern",
+            "83/1 00 00 00 00 00; 84/1 00 00 00 00 00; 83/1 02 00 00 00 00; 84/1 02 00 00 00 00",
+            [](auto &u) {
+                return u.SetOnPeriodOutputs(outputs(0, 0, 0, 0, 0)) && u.SetOffPeriodOutputs(outputs(0, 0, 0, 0, 0)) &&
+                       !u.SetOnPeriodOutputBit(usbOutputByte0, 0, 2) &&
+                       !u.SetOffPeriodOutputBit(usbOutputByte0, 0, 2) && u.ClearErrors() &&
+                       u.SetOnPeriodOutputBit(usbOutputByte0, 1, 1) && u.SetOffPeriodOutputBit(usbOutputByte0, 1, 1);
             }),
         call("SetOnPeriodOutputBit(4, 6, 1)", "error 8", &U::SetOnPeriodOutputBit, usbOutputByte4, 6, 1),
         call("SetOnPeriodOutputBit(0, 8, 1)", "error 8", &U::SetOnPeriodOutputBit, usbOutputByte0, 8, 1),

@@ -76,6 +76,9 @@ WireCases polledHostCases()
 {
     const std::string poll = "02 00 01 FE FF";
     const std::string twoPolls = "E0 D0 F0 C0 05 05 " + poll + " " + poll;
+    sim::Bytes longPoll{2, 20, 1, 254, 255};
+    longPoll.resize(25);
+    const std::string twoLongPolls = " " + hex(longPoll.data(), 25) + " " + hex(longPoll.data(), 25);
     return {
         hostTimeout("SetPolledHostTimeout(0.3 s)", 0.3, "121/4 02 02"),
         hostTimeout("SetPolledHostTimeout(0.1 s)", 0.1, "121/4 02 01"),
@@ -83,7 +86,7 @@ WireCases polledHostCases()
         hostTimeout("SetPolledHostTimeout(25.4 s)", 25.4, "121/4 02 FD"),
         hostTimeout("SetPolledHostTimeout(25.5 s)", 25.5, "121/4 02 FF"),
         hostTimeout("SetPolledHostTimeout(0 s)", -0.0, "121/4 02 00"),
-        hostTimeout("SetPolledHostTimeout(25.6 s)", 25.6, "error 8"),
+        hostTimeout("SetPolledHostTimeout(25.51 s)", 25.51, "error 8"),
         hostTimeout("SetPolledHostTimeout(-1 s)", -1, "error 8"),
         hostTimeout("SetPolledHostTimeout(NaN)", NAN, "error 8"),
         hostTimeout("SetPolledHostTimeout(slot 4)", 1, "error 8", 4),
@@ -98,6 +101,8 @@ WireCases polledHostCases()
                       c.message2[1] = 251;
                   }),
         ccTalkTime("ConfigureCCTalkPort: port 2 is noticed after the clamp", "error 8", 3000, 2550, port2).withBoard(),
+        ccTalkRow("ConfigureCCTalkPort: messages of 25 bytes", ccTalkStart + "7B E0 D0 F0 C0 19 19" + twoLongPolls,
+                  [](auto &c) { c.message1[1] = c.message2[1] = 20; }),
         ccTalkRow("ConfigureCCTalkPort: a message1 of 26 bytes", "error 8", [](auto &c) { c.message1[1] = 21; }),
         ccTalkRow("ConfigureCCTalkPort: a message2 of 26 bytes", "error 8", [](auto &c) { c.message2[1] = 21; }),
         ccTalkRow("ConfigureCCTalkPort: slot 4", "error 8", [](auto &c) { c.slot = 4; }),
@@ -119,7 +124,7 @@ WireCases polledHostCases()
         polledMessage("ReceivePolledMessage joins the parts", "105/3 01; 105/3 01", 1, Stored{"41 42 43 09"},
                       Result{3, 0}, Result{6})
             .withBoard()
-            .answered({{0, 1, 0x41, 0x42}, {6, 0, 0x43}}),
+            .answered({{0, 0x80, 0x41, 0x42}, {6, 0, 0x43}}),
         polledMessage("ReceivePolledMessage: slot 4", "error 8", 4, anywhere, Result{0}, Result{0}),
         polledMessage("ReceivePolledMessage(null status): the pointers come first", "error 30", 4, anywhere, Result{0},
                       nullptr),

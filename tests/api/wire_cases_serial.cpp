@@ -69,6 +69,8 @@ WireCases configurationCases()
 
 WireCases timeoutCases()
 {
+    sim::Bytes longest{0xAA, 0xBB};
+    longest.resize(60);
     return {
         timeout("SetTimeoutMessage(1.5 s)", 1.5F, "101/3 32 02 AA BB"),
         timeout("SetTimeoutMessage(0.1 s)", 0.1F, "101/3 03 02 AA BB"),
@@ -79,6 +81,7 @@ WireCases timeoutCases()
         timeout("SetTimeoutMessage(-0.1 s)", -0.1F, "error 8"),
         timeout("SetTimeoutMessage(NaN)", NAN, "error 8"),
         timeout("SetTimeoutMessage: the length comes first", 99.0F, "error 7", 61),
+        timeout("SetTimeoutMessage of 60 bytes", 1.5F, "101/3 32 3C " + hex(longest.data(), longest.size()), 60),
         timeout("SetTimeoutMessage of no byte", 1.5F, "101/4 32 00", 0, 1),
         timeout("SetTimeoutMessage: port 2", 1.5F, "error 8", 2, 2),
         call("SetTimeoutMessage(null) of no byte", "error 30", &U::SetTimeoutMessage, port2, nullptr, 0, 1),
