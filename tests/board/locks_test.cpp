@@ -16,10 +16,29 @@
 namespace tests::locks
 {
 
-int semaphore(const SharedMemoryObject *object, int command)
+int semaphore(const Mutex *mutex, int command)
 {
-    const auto *mutex = static_cast<const LinuxMutex *>(object->mutex);
-    return ::semctl(mutex->semaphoreSetID, mutex->mutexID.number + 1, command);
+    const int set = static_cast<const LinuxMutex *>(mutex)->semaphoreSetID;
+    return ::semctl(set, mutex->mutexID.number + 1, command);
+}
+
+/// Whether it waits for a mutex that is held; `look` is called while it does.
+bool waitsFor(
+    Mutex *mutex, const std::function<void()> &run, const std::function<void()> &look = [] {})
+{
+    std::optional<MutexGuard> held(std::in_place, mutex);
+    std::atomic<bool> done = false;
+    std::thread other([&] {
+        run();
+        done = true;
+    });
+    while (!done && semaphore(mutex, GETNCNT) == 0)
+        std::this_thread::yield();
+    const bool waits = !done;
+    look();
+    held.reset();
+    other.join();
+    return waits;
 }
 
 TEST(Locks, AreTakenByEachOperationInTheirOrder)
@@ -57,21 +76,26 @@ TEST(Locks, AreTakenByEachOperationInTheirOrder)
     Board board(nullptr, -1, 1, 9);
     for (const auto &row : table) {
         for (std::size_t k = 0; k < row.locks.size(); ++k) {
-            std::optional<SharedObjectLock> held(std::in_place, *row.locks[k]);
-            std::atomic<bool> done = false;
-            std::thread other([&] {
-                row.run(board);
-                done = true;
-            });
-            while (!done && semaphore(row.locks[k], GETNCNT) == 0)
-                std::this_thread::yield();
-            EXPECT_FALSE(done) << row.name << " does not wait for its lock " << k;
-            for (std::size_t j = 0; j < row.locks.size(); ++j)
-                EXPECT_EQ(semaphore(row.locks[j], GETVAL), j > k ? 1 : 0) << row.name << " has lock " << j;
-            held.reset();
-            other.join();
+            const auto look = [&] {
+                for (std::size_t j = 0; j < row.locks.size(); ++j)
+                    EXPECT_EQ(semaphore(row.locks[j]->mutex, GETVAL), j > k ? 1 : 0) << row.name << " has lock " << j;
+            };
+            EXPECT_TRUE(waitsFor(
+                row.locks[k]->mutex, [&] { row.run(board); }, look))
+                << row.name << ", lock " << k;
         }
     }
+}
+
+TEST(Locks, OfAnArenaAreTakenToJoinAndToLeave)
+{
+    using List = SharedMemoryLocalListElement;
+    const SharedMemoryArenaID id = {{"TestLocks", 0}, {"TestLocksMutex", 0, 1}, 4096};
+    Mutex *mutex = Mutex::GetLocalMutex(id.mutexID);
+    List *element = nullptr;
+    EXPECT_TRUE(waitsFor(mutex, [&] { element = List::GetSharedMemoryArenaHeader(id); }));
+    EXPECT_TRUE(waitsFor(mutex, [&] { List::ReleaseSharedMemoryElement(element); }));
+    Mutex::ReleaseLocalMutex(mutex);
 }
 
 TEST(Locks, AreNotTornDownByAChildThatHasItsParentsNumber)
@@ -91,7 +115,7 @@ TEST(Locks, AreNotTornDownByAChildThatHasItsParentsNumber)
     ::waitpid(between, &status, 0);
     if (WEXITSTATUS(status) != 0)
         GTEST_SKIP() << "no PID namespace may be made here";
-    EXPECT_EQ(semaphore(&SharedOutOnCopy, GETVAL), 1);
+    EXPECT_EQ(semaphore(SharedOutOnCopy.mutex, GETVAL), 1);
 }
 
 }  // namespace tests::locks
