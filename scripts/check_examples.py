@@ -179,7 +179,7 @@ def run_example(place, language, lines, folder, source):
 def check_names(path):
     """Scripts and pages that the text refers to."""
     text = path.read_text()
-    names = {ROOT / name for name in re.findall(r"\bscripts/\w+", text)}
+    names = {ROOT / name for name in re.findall(r"\bscripts/\w+(?:\.py)?", text)}
     names |= {path.parent / name for name in re.findall(r"\]\(([^)#:]+)\)", text)}
     for name in sorted(names):
         if not name.exists():

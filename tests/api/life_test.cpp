@@ -1,5 +1,6 @@
 // Opening, sharing and closing boards: who holds the device node, and what a failure leaves behind.
 #include <climits>
+#include <cstring>
 #include <fcntl.h>
 #include <vector>
 

@@ -58,7 +58,7 @@ WireCases inputAndOutputCases()
         call("SetOutputs(null)", "error 30", &U::SetOutputs, nullptr),
         call("ModifyOutputs sends on before off", "77/1 06 07 08 09 0A 01 02 03 04 05", &U::ModifyOutputs,
              std::vector{outputs(1, 2, 3, 4, 5)}, std::vector{outputs(6, 7, 8, 9, 10)}),
-        row("ModifyOutputs of an output that is in both turns it off",
+        row("SetOnPeriodOutputs+ModifyOutputs+SetOnPeriodOutputBit: an output that is in both sets is off",
             "83/1 00 00 00 00 00; 77/1 01 00 00 00 00 01 00 00 00 00; 83/1 02 00 00 00 00",
             [](auto &u) {
                 usbOutput both = outputs(1, 0, 0, 0, 0);
@@ -82,7 +82,7 @@ WireCases inputAndOutputCases()
             [](auto &u) {
                 return u.SetOffPeriodOutputs(outputs(1, 0, 0, 0, 0)) && u.SetOffPeriodOutputBit(usbOutputByte3, 7, 1);
             }),
-        row("A period's bit that is refused changes no pattern",
+        row("SetOnPeriodOutputs+SetOffPeriodOutputs+SetOnPeriodOutputBit+SetOffPeriodOutputBit: a bit that is refused",
             "83/1 00 00 00 00 00; 84/1 00 00 00 00 00; 83/1 02 00 00 00 00; 84/1 02 00 00 00 00",
             [](auto &u) {
                 return u.SetOnPeriodOutputs(outputs(0, 0, 0, 0, 0)) && u.SetOffPeriodOutputs(outputs(0, 0, 0, 0, 0)) &&

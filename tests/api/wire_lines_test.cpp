@@ -206,11 +206,19 @@ TEST(WireLines, TellEachOperationWithItsArgumentsAndResults)
 TEST(WireLines, KnowEveryExchangeOfTheWireTable)
 {
     for (const WireCase &row : everyWireCase()) {
-        const std::string called = row.name.substr(0, row.name.find_first_of("(: "));
+        // A row of several operations names them with a + in between.
+        const std::string called = "+" + row.name.substr(0, row.name.find_first_of("(: ")) + "+";
+        const auto isCalled = [&called](const protocol::Operation &operation) {
+            for (std::size_t at = 0, end; (end = called.find('+', at + 1)) != std::string::npos; at = end) {
+                if (operation.isSentBy(called.substr(at + 1, end - at - 1)))
+                    return true;
+            }
+            return false;
+        };
         for (const Model model : {Model::R20, Model::R20s, Model::R35}) {
             for (const std::string &exchange : exchangesOf(row, model)) {
                 const protocol::Decoded decoded = decode(model, exchange, "", Outcome::refused, 33);
-                EXPECT_TRUE(decoded.asDescribed && decoded.operation->isSentBy(called)) << row.name << ": " << exchange;
+                EXPECT_TRUE(decoded.asDescribed && isCalled(*decoded.operation)) << row.name << ": " << exchange;
             }
         }
     }
