@@ -4,7 +4,7 @@
 #include "sim/nodes/board_process.h"
 #include "sim/nodes/node.h"
 #include "sim/system/failure.h"
-#include "tests/nodes/driver_call.h"
+#include "tests/support/driver_call.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -12,6 +12,7 @@
 
 #include "board/rbase_implementation.h"
 #include "board/rbase_shared_implementation/shared_board_state.h"
+#include "shared/mutex_set.h"
 
 namespace tests::locks
 {
