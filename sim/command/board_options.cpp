@@ -36,7 +36,7 @@ void setNumber(BoardOptions &board, const std::string &, const std::string &valu
 
 void setEEPROM(BoardOptions &board, const std::string &, const std::string &value)
 {
-    const EEPROMChip *chip = findEEPROMChip(value.c_str());
+    const EEPROMChip *chip = findEEPROMChip(value);
     if (!chip) {
         TextWords names;
         for (const EEPROMChip &known : eepromChips)
@@ -60,9 +60,8 @@ void setHopper(BoardOptions &board, const std::string &index, const std::string 
 void setSerial(BoardOptions &board, const std::string &index, const std::string &value)
 {
     const auto port = static_cast<unsigned int>(numberFrom(index, "a serial port", 0, 1));
-    const std::vector<std::string> &names = peripheralNames();
-    if (std::find(names.begin(), names.end(), value) == names.end())
-        refuse(value, "peripheral", names);
+    if (std::find(peripheralNames.begin(), peripheralNames.end(), value) == peripheralNames.end())
+        refuse(value, "peripheral", peripheralNames);
     board.peripherals[port] = value;
 }
 
@@ -179,7 +178,7 @@ std::string boardOptionsHelp()
         const std::string usage = option.usage;
         help += "  " + usage + std::string(26 - usage.size(), ' ') + option.help + "\n";
     }
-    return help + "  peripherals: " + join(peripheralNames(), ", ");
+    return help + "  peripherals: " + join(peripheralNames, ", ");
 }
 
 }  // namespace sim

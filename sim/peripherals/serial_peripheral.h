@@ -4,10 +4,9 @@
 
 #include "sim/board/bytes.h"
 #include "sim/board/timeline.h"
+#include "sim/peripherals/peripheral_names.h"
 
 #include <memory>
-#include <string>
-#include <vector>
 
 namespace sim
 {
@@ -43,9 +42,8 @@ protected:
     SerialLine *line_ = nullptr;
 };
 
-/// A peripheral by name: loopback, cctalk, polled, sas; null for any other.
+/// A peripheral by one of the names; null for any other.
 std::unique_ptr<SerialPeripheral> makePeripheral(const std::string &name);
-const std::vector<std::string> &peripheralNames();
 
 /// Sends everything back.
 class Loopback : public SerialPeripheral
