@@ -51,6 +51,12 @@ void setFirmware(BoardOptions &board, const std::string &, const std::string &va
     board.firmwareRunning = oneOf(value, "firmware", "running", "missing");
 }
 
+void setInput(BoardOptions &board, const std::string &index, const std::string &value)
+{
+    const auto input = static_cast<unsigned int>(numberFrom(index, "an input", 0, inputCount - 1));
+    board.inputs[input] = oneOf(value, "input state", "on", "off");
+}
+
 void setHopper(BoardOptions &board, const std::string &index, const std::string &value)
 {
     const auto input = static_cast<unsigned int>(numberFrom(index, "a hopper's input", 0, inputCount - 1));
@@ -70,6 +76,7 @@ constexpr Option options[] = {
     {"number", false, "number=0..7", "the board number on inputs 24 to 26 (0)", setNumber},
     {"eeprom", false, "eeprom=24LC256", "the fitted chip, 24LC01 to 24LC512 (24LC256)", setEEPROM},
     {"firmware", false, "firmware=missing|running", "whether the firmware runs already (missing)", setFirmware},
+    {"input", true, "input9=on", "an input that is on from the start", setInput},
     {"hopper", true, "hopper5=20", "a hopper on input 5 with 20 coins", setHopper},
     {"serial", true, "serial0=cctalk", "what hangs on serial port 0 or 1", setSerial},
 };
@@ -164,6 +171,8 @@ void plugBoards(VirtualBoards &boards, const std::vector<BoardOptions> &options)
             board.eeprom(*wanted.eeprom);
         if (wanted.firmwareRunning.value_or(false))
             board.firmwareRunning();
+        for (const auto &[input, level] : wanted.inputs)
+            board.inputs().set(input, level);
         for (const auto &[input, stock] : wanted.hopperStocks)
             board.hopper(input, stock);
         for (const auto &[port, name] : wanted.peripherals)

@@ -18,6 +18,7 @@ struct BoardOptions {
     std::optional<unsigned int> number;
     std::optional<R20EEPROM> eeprom;
     std::optional<bool> firmwareRunning;
+    std::map<unsigned int, bool> inputs;                ///< that begin at a level
     std::map<unsigned int, unsigned int> hopperStocks;  ///< by input
     std::map<unsigned int, std::string> peripherals;    ///< by serial port
 };

@@ -29,6 +29,7 @@ mistake "24LC512" run --board 0=R35,eeprom=24LC3 -- true
 mistake "loopback" run --board 0=R35,serial0=mouse -- true
 mistake "0 to 1" run --board 0=R35,serial2=cctalk -- true
 mistake "0 to 32" run --board 0=R35,hopper33=1 -- true
+mistake "on, off" run --board 0=R35,input9=high -- true
 mistake "node, preload, auto" run --board 0=R35 --how maybe -- true
 mistake "--share-ipc" run --private-ipc --share-ipc -- true
 mistake "once" run --board 0=R35,hopper5=1,hopper05=2 -- true
