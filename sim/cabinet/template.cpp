@@ -63,7 +63,7 @@ back_door = 0
 std::string templateFor(sim::Model model)
 {
     const std::string chosen = "model = \"" + std::string(sim::nameOf(model)) + "\"" +
-                               (model == sim::Model::R20s ? "" : " ") + "                 # R20, R20s, R35\n\n";
+                               (model == sim::Model::R20s ? "" : " ") + "                  # R20, R20s, R35\n\n";
     const std::string peripherals =
         model == sim::Model::R20 ? "loopback, cctalk, polled" : "loopback, cctalk, polled, sas";
     return beginning + chosen + settings + peripherals + parts;
