@@ -11,10 +11,10 @@ namespace sim
 
 struct EEPROMChip {
     const char *name;  ///< "24LC256"
-    R20EEPROM description;
+    const R20EEPROM &description;
 };
 
-inline const EEPROMChip eepromChips[] = {
+inline constexpr EEPROMChip eepromChips[] = {
     {"24LC01", E24LC01}, {"24LC02", E24LC02}, {"24LC04", E24LC04},   {"24LC08", E24LC08},   {"24LC16", E24LC16},
     {"24LC32", E24LC32}, {"24LC64", E24LC64}, {"24LC128", E24LC128}, {"24LC256", E24LC256}, {"24LC512", E24LC512},
 };

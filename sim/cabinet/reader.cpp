@@ -24,7 +24,7 @@ constexpr unsigned int lastSwitch = 7;
 constexpr unsigned int lastCcTalkCoin = 16;
 constexpr unsigned int mostCoins = 65535;
 constexpr unsigned int lastAddress = 65535;
-const std::vector<std::string> colours{"white", "red", "orange", "yellow", "green", "blue", "purple", "pink"};
+constexpr const char *colours[] = {"white", "red", "orange", "yellow", "green", "blue", "purple", "pink"};
 
 bool needNumber(Fields &fields, const char *key, unsigned int least, unsigned int most, unsigned int &value)
 {
@@ -42,7 +42,7 @@ void readInput(Fields &fields, Part &part)
 
 bool isColour(const std::string &text)
 {
-    const bool named = std::find(colours.begin(), colours.end(), text) != colours.end();
+    const bool named = std::find(std::begin(colours), std::end(colours), text) != std::end(colours);
     return named || (text.size() == 7 && text[0] == '#' &&
                      text.find_first_not_of("0123456789abcdefABCDEF", 1) == std::string::npos);
 }
@@ -51,7 +51,7 @@ void readOutput(Fields &fields, Part &part)
 {
     needNumber(fields, "number", 0, usbOutput37, part.number);
     if (fields.text("colour", part.colour) && !isColour(part.colour)) {
-        std::vector<std::string> allowed = colours;
+        std::vector<std::string> allowed(std::begin(colours), std::end(colours));
         allowed.emplace_back("#RRGGBB");
         fields.wrong("colour", allowed);
     }
@@ -148,8 +148,8 @@ void readSerialPort(Fields &boardFields, unsigned int number, Board &board, Mist
     part.line = lineOf(node->source());
     const std::size_t before = mistakes.count();
     Fields fields(*node, "peripheral", part.line, key, mistakes);
-    fields.word("peripheral", sim::peripheralNames, part.peripheral);
-    fields.need("peripheral", sim::peripheralNames);
+    fields.word("peripheral", sim::peripheralNames(), part.peripheral);
+    fields.need("peripheral", sim::peripheralNames());
     fields.name("name", part.name);
     fields.end();
     if (mistakes.count() == before)

@@ -66,8 +66,9 @@ void setHopper(BoardOptions &board, const std::string &index, const std::string 
 void setSerial(BoardOptions &board, const std::string &index, const std::string &value)
 {
     const auto port = static_cast<unsigned int>(numberFrom(index, "a serial port", 0, 1));
-    if (std::find(peripheralNames.begin(), peripheralNames.end(), value) == peripheralNames.end())
-        refuse(value, "peripheral", peripheralNames);
+    const std::vector<std::string> &names = peripheralNames();
+    if (std::find(names.begin(), names.end(), value) == names.end())
+        refuse(value, "peripheral", names);
     board.peripherals[port] = value;
 }
 
@@ -187,7 +188,7 @@ std::string boardOptionsHelp()
         const std::string usage = option.usage;
         help += "  " + usage + std::string(26 - usage.size(), ' ') + option.help + "\n";
     }
-    return help + "  peripherals: " + join(peripheralNames, ", ");
+    return help + "  peripherals: " + join(peripheralNames(), ", ");
 }
 
 }  // namespace sim

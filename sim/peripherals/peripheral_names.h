@@ -8,7 +8,12 @@
 namespace sim
 {
 
-inline const std::vector<std::string> peripheralNames{"loopback", "cctalk", "polled", "sas"};
+/// Also before a program's own static objects are there.
+inline const std::vector<std::string> &peripheralNames()
+{
+    static const std::vector<std::string> names{"loopback", "cctalk", "polled", "sas"};
+    return names;
+}
 
 }  // namespace sim
 

@@ -22,6 +22,8 @@ run=$!
 eventually "$sim" ctl --run $run input 4 on >/dev/null 2>&1
 wait
 check "ctl reaches it" "open ok 5 16 0 0 0 0" "$(xargs <"$folder/out")"
+check "a cabinet's board" "open Sorvane R35 Board" "$("$sim" run --how preload \
+    --cabinet "$(dirname "$0")/../../examples/cabinets/fruit_machine.toml" -- "$client" <<<$'open 0\nproduct 0' | xargs)"
 check "its status is passed on" 7 "$("$sim" run --how preload -- "$client" <<<"exit 7" 2>/dev/null; echo $?)"
 check "a program that is not there" 127 "$("$sim" run --how preload -- /no/such/program 2>/dev/null; echo $?)"
 
