@@ -1,7 +1,6 @@
 #include "sim/board/eeprom.h"
 
 #include <algorithm>
-#include <cstring>
 #include <iterator>
 
 namespace sim
@@ -20,18 +19,6 @@ unsigned char contentAt(std::size_t address)
 }
 
 }  // namespace
-
-const EEPROMChip eepromChips[10] = {
-    {"24LC01", E24LC01}, {"24LC02", E24LC02}, {"24LC04", E24LC04},   {"24LC08", E24LC08},   {"24LC16", E24LC16},
-    {"24LC32", E24LC32}, {"24LC64", E24LC64}, {"24LC128", E24LC128}, {"24LC256", E24LC256}, {"24LC512", E24LC512},
-};
-
-const EEPROMChip *findEEPROMChip(const char *name)
-{
-    const auto *chip = std::find_if(std::begin(eepromChips), std::end(eepromChips),
-                                    [name](const EEPROMChip &each) { return std::strcmp(each.name, name) == 0; });
-    return chip == std::end(eepromChips) ? nullptr : chip;
-}
 
 void EEPROM::fit(const R20EEPROM &chip)
 {

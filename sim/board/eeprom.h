@@ -6,20 +6,11 @@
 #ifndef SORVANE_SIM_BOARD_EEPROM_H
 #define SORVANE_SIM_BOARD_EEPROM_H
 
-#include "api/sorvaneusb_types.h"
+#include "sim/core/eeprom_chips.h"
 #include "sim/board/part.h"
 
 namespace sim
 {
-
-struct EEPROMChip {
-    const char *name;  ///< "24LC256"
-    R20EEPROM description;
-};
-
-/// The ten chips by name.
-extern const EEPROMChip eepromChips[10];
-const EEPROMChip *findEEPROMChip(const char *name);
 
 class EEPROM : public Part
 {

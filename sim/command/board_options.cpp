@@ -38,7 +38,7 @@ void setNumber(BoardOptions &board, const std::string &, const std::string &valu
 
 void setEEPROM(BoardOptions &board, const std::string &, const std::string &value)
 {
-    const EEPROMChip *chip = findEEPROMChip(value.c_str());
+    const EEPROMChip *chip = findEEPROMChip(value);
     if (!chip) {
         TextWords names;
         for (const EEPROMChip &known : eepromChips)
@@ -51,6 +51,12 @@ void setEEPROM(BoardOptions &board, const std::string &, const std::string &valu
 void setFirmware(BoardOptions &board, const std::string &, const std::string &value)
 {
     board.firmwareRunning = oneOf(value, "firmware", "running", "missing");
+}
+
+void setInput(BoardOptions &board, const std::string &index, const std::string &value)
+{
+    const auto input = static_cast<unsigned int>(numberFrom(index, "an input", 0, inputCount - 1));
+    board.inputs[input] = oneOf(value, "input state", "on", "off");
 }
 
 void setHopper(BoardOptions &board, const std::string &index, const std::string &value)
@@ -79,6 +85,7 @@ constexpr Option options[] = {
     {"number", false, "number=0..7", "the board number on inputs 24 to 26 (0)", setNumber},
     {"eeprom", false, "eeprom=24LC256", "the fitted chip, 24LC01 to 24LC512 (24LC256)", setEEPROM},
     {"firmware", false, "firmware=missing|running", "whether the firmware runs already (missing)", setFirmware},
+    {"input", true, "input9=on", "an input that is on from the start", setInput},
     {"hopper", true, "hopper5=20[@37]", "a hopper on input 5 with 20 coins; its motor on output 37", setHopper},
     {"serial", true, "serial0=cctalk", "what hangs on serial port 0 or 1", setSerial},
 };
@@ -173,6 +180,8 @@ void plugBoards(VirtualBoards &boards, const std::vector<BoardOptions> &options)
             board.eeprom(*wanted.eeprom);
         if (wanted.firmwareRunning.value_or(false))
             board.firmwareRunning();
+        for (const auto &[input, level] : wanted.inputs)
+            board.inputs().set(input, level);
         for (const auto &[input, hopper] : wanted.hoppers)
             board.hopper(input, hopper.stock, hopper.motor);
         for (const auto &[port, name] : wanted.peripherals)

@@ -1,4 +1,6 @@
 // sorvane-sim: virtual boards behind real device nodes.
+#include "sim/command/cabinet_boards.h"
+#include "sim/command/cabinet_command.h"
 #include "sim/command/ctl_command.h"
 #include "sim/command/run_command.h"
 #include "sim/system/failure.h"
@@ -16,6 +18,7 @@ namespace
 
 struct Options {
     TextWords boards;
+    std::optional<std::string> cabinet;
     std::optional<std::string> scenario;
     std::optional<std::string> runId;
     std::optional<std::string> board;
@@ -27,6 +30,7 @@ struct Options {
 void addBoards(CLI::App &command, Options &options)
 {
     command.add_option("--board", options.boards, boardOptionsHelp())->expected(1)->take_all();
+    command.add_option("--cabinet", options.cabinet, "a file that says what the machine is (docs/cabinet.md)");
     command.add_option("--scenario", options.scenario, "a file of commands; `at 1.5s` before one says when");
     const auto privateIpc =
         command.add_flag("--private-ipc", options.privateIpc, "SysV objects of the program's own (the default)");
@@ -38,15 +42,18 @@ void addBoards(CLI::App &command, Options &options)
 RunRequest requestFrom(const Options &options)
 {
     RunRequest request;
-    request.boards = boardsFrom(options.boards);
+    if (options.cabinet)
+        request.boardArguments = boardArguments(cabinetFrom(*options.cabinet));
+    request.boardArguments.insert(request.boardArguments.end(), options.boards.begin(), options.boards.end());
+    request.boards = boardsFrom(request.boardArguments);
     if (request.boards.empty())
-        throw UsageError("there is no board; allowed: --board N=MODEL[,option=value...], as in --board 0=R35");
+        throw UsageError("there is no board; allowed: --board N=MODEL[,option=value...], as in --board 0=R35, and "
+                         "--cabinet FILE");
     if (options.scenario)
         request.scenario = Scenario::read(*options.scenario);
     request.scenario.check(request.boards);
     request.privateIpc = !options.shareIpc;
     request.how = howFrom(options.how);
-    request.boardArguments = options.boards;
     request.scenarioFile = options.scenario.value_or("");
     return request;
 }
@@ -98,9 +105,11 @@ int run(int argc, char **argv)
     ctl->add_option("--run", options.runId, "which boards, where several runs are up");
     ctl->add_option("--board", options.board, "which board, where there are several");
     ctl->prefix_command()->footer(commandsHelp());
+    CLI::App *cabinet = add("cabinet", "check a cabinet file, or begin one");
+    const CabinetCommand cabinetCommand(*cabinet);
     try {
         app.parse(static_cast<int>(programMark - argv), argv);
-        if (marked && (serve->parsed() || ctl->parsed()))
+        if (marked && !run->parsed() && !enter->parsed())
             throw UsageError("a program behind -- is allowed with run and enter only");
         if (run->parsed())
             runWithBoards(requestFrom(options), checked(program));
@@ -108,6 +117,8 @@ int run(int argc, char **argv)
             enterRun(options.runId, checked(program));
         if (serve->parsed())
             return serveBoards(requestFrom(options));
+        if (cabinet->parsed())
+            return cabinetCommand.carryOut();
         return controlBy(options, ctl->remaining());
     } catch (const CLI::Success &asked) {
         return app.exit(asked);

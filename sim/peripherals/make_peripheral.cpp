@@ -20,10 +20,4 @@ std::unique_ptr<SerialPeripheral> makePeripheral(const std::string &name)
     return nullptr;
 }
 
-const std::vector<std::string> &peripheralNames()
-{
-    static const std::vector<std::string> names{"loopback", "cctalk", "polled", "sas"};
-    return names;
-}
-
 }  // namespace sim

@@ -10,6 +10,7 @@ mistake() { # ALLOWED ARGUMENT...
     check "sorvane-sim $*" 2 $?
     contains "sorvane-sim $*" "$allowed" "$output"
 }
+machine=$(dirname "$0")/../../examples/cabinets/fruit_machine.toml
 mistake "run" fly
 mistake "--board" run --boards 0=R35 -- true
 mistake "PROGRAM" run --board 0=R35
@@ -33,6 +34,12 @@ mistake "24LC512" run --board 0=R35,eeprom=24LC3 -- true
 mistake "loopback" run --board 0=R35,serial0=mouse -- true
 mistake "0 to 1" run --board 0=R35,serial2=cctalk -- true
 mistake "0 to 32" run --board 0=R35,hopper33=1 -- true
+mistake "on, off" run --board 0=R35,input9=high -- true
+mistake "No such file" run --cabinet /none -- true
+mistake "one for each number" serve --cabinet "$machine" --board 0=R20
+mistake "run and enter" cabinet check "$machine" -- true
+mistake "FILE is required" cabinet check
+mistake "R20,R20s,R35" cabinet new R36
 mistake "node, preload, auto" run --board 0=R35 --how maybe -- true
 mistake "--share-ipc" run --private-ipc --share-ipc -- true
 mistake "0 to 37" run --board 0=R35,hopper5=1@38 -- true
@@ -78,6 +85,15 @@ done
 need_nodes
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
+
+"$sim" cabinet new R20 >"$folder/cabinet"
+check "a new cabinet" "$folder/cabinet: no mistakes; boards: 1, parts: 15" "$("$sim" cabinet check "$folder/cabinet")"
+echo "side_door = 8" >>"$folder/cabinet"
+check "a mistake" 1 "$("$sim" cabinet check "$folder/cabinet" >"$folder/out" 2>&1; echo $?)"
+contains "a mistake" "$folder/cabinet:$(wc -l <"$folder/cabinet"): " "$(cat "$folder/out")"
+state=$("$sim" run --cabinet "$machine" --board 3=R20 -- "$sim" ctl state)
+contains "a cabinet's board" "stock 20" "$state"
+contains "a board beside the cabinet" "Vexa_3  R20" "$state"
 
 scenario_mistake() { # LINE PART SCENARIO: reported with its line, before the program starts
     local output

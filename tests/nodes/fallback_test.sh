@@ -29,6 +29,8 @@ run=$!
 } >"$folder/orders"
 wait
 check "ctl reaches it" "open ok 5 16 0 0 0 0" "$(xargs <"$folder/out")"
+check "a cabinet's board" "open Sorvane R35 Board" "$("$sim" run --how preload \
+    --cabinet "$(dirname "$0")/../../examples/cabinets/fruit_machine.toml" -- "$client" <<<$'open 0\nproduct 0' | xargs)"
 if [ "$width" -eq 64 ]; then
     # The shell has boards, too, and they are nobody's.
     output=$("${preload[@]}" 0=R35 -- bash -c "$sim ctl hopper 5 stock 20; exit \$?" 2>&1)
