@@ -15,6 +15,7 @@ class Dump:
 
     def __init__(self, path):
         self.label = ""
+        self.total = 0  # where the source lines of inlined functions are known, callgrind lists some twice
         self.own = collections.Counter()
         self.below = collections.Counter()  # by caller and callee
         self.names = {}
@@ -34,6 +35,8 @@ class Dump:
             key, separator, value = line.partition("=")
             if line.startswith("desc: Trigger: Client Request: "):
                 self.label = line.rsplit(": ", 1)[1]
+            elif line.startswith("summary: "):
+                self.total = int(line.split()[1])
             elif key == "ob":
                 object_name = self._name("ob", value)
             elif key == "fn":

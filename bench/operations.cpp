@@ -113,9 +113,9 @@ const std::vector<Operation> &operations()
 Subject::Subject(int model) : model(model)
 {
     driver_board(model);
+    open();
     // Ready is a board whose chip some process has configured; the first opening here looks for it.
     R20EEPROM chip = E24LC64;
-    board.InitPort(0);
     if (!board.ConfigureEEPROM(&chip))
         throw std::runtime_error("the library does not open the board");
     handBoard.locks = ::semget(::ftok("/tmp/Sem_R20Mutex", 1), 0, 0);
@@ -125,13 +125,22 @@ Subject::Subject(int model) : model(model)
     handBoard.eeprom_ready = 1;
 }
 
+void Subject::open()
+{
+    const unsigned char firmwareRuns = 1;
+    driver_answer(&firmwareRuns, 1, 0, 0);
+    board.InitPort(0);
+}
+
 void Subject::makeReady(const Operation &operation, bool keepExchanges)
 {
+    driver_board(model);
     if (operation.opens) {
-        driver_board(model);
         board.close();
         ::close(handBoard.file);
         handBoard.file = -1;
+    } else if (unsigned char type; !board.GetFittedBoard(&type)) {
+        open();
     }
     for (unsigned int k = 0; k < sizeof yielded.bytes; ++k)
         yielded.bytes[k] = static_cast<unsigned char>(k);

@@ -27,7 +27,7 @@ struct Operation {
     bool opens = false;
 };
 
-/// The first does nothing: it is what measuring costs. The last leaves the boards closed.
+/// The first does nothing: it is what measuring costs.
 const std::vector<Operation> &operations();
 
 /// A board of that model, opened through the library and by hand.
@@ -47,9 +47,12 @@ public:
     }
 
     int model;
-    SorvaneUSB board;
+    SorvaneUSB board;  // closed after an operation that opens, until another is made ready
     hand_board handBoard = {};
     result yielded = {};
+
+private:
+    void open();
 };
 
 }  // namespace bench

@@ -16,7 +16,10 @@ void measure(benchmark::State &state, Subject &subject, const Operation &operati
     const hand_operation &hand = subject.byHand(operation);
     subject.makeReady(operation, false);
     for (auto _ : state)
-        benchmark::DoNotOptimize(subject.perform(way, operation, hand));
+        if (!subject.perform(way, operation, hand)) {
+            state.SkipWithError("the operation failed");
+            return;
+        }
 }
 
 }  // namespace

@@ -7,7 +7,7 @@ import subprocess
 
 from counts import Refused, isolated
 
-TURNS = 9
+TURNS = 5
 PROCESSES = (1, 2, 4, 16)
 
 
@@ -17,7 +17,7 @@ def medians(build):
     if not program.exists():
         raise Refused("there is no Google Benchmark of this width")
     done = isolated(build, [program, "--benchmark_format=json", f"--benchmark_repetitions={TURNS}",
-                            "--benchmark_enable_random_interleaving=true", "--benchmark_min_time=0.01",
+                            "--benchmark_enable_random_interleaving=true", "--benchmark_min_time=0.05",
                             "--benchmark_report_aggregates_only=true"])
     if done.returncode == 77:
         raise Refused(done.stdout.strip())
