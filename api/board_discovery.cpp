@@ -1,9 +1,9 @@
 // What the kernel driver publishes about a device number: which model sits behind it, and at which USB speed it runs.
-#include <cstdio>
-#include <cstring>
-
 #include "api/sorvaneusb.h"
 #include "board/models.h"
+
+#include <cstdio>
+#include <cstring>
 
 namespace
 {

@@ -2,17 +2,17 @@
 // shared by copies, and closed by the last of them.
 #include "api/sorvaneusb.h"
 
-#include <cstdio>
-#include <fcntl.h>
-#include <new>
-#include <unistd.h>
-
 #include "api/preparation_lock.h"
 #include "board/exchange.h"
 #include "board/r20_implementation.h"
 #include "board/r20s_implementation.h"
 #include "board/r35_implementation.h"
 #include "board/rbase_shared_implementation/shared_board_state.h"
+
+#include <cstdio>
+#include <fcntl.h>
+#include <new>
+#include <unistd.h>
 
 SorvaneUSB::SorvaneUSB() : implementation(nullptr) {}
 

@@ -1,10 +1,10 @@
 // The operations that are not plain forwards: some need no board, some answer in a way of their own without one, some
 // go to an operation of another name.
-#include <climits>
-#include <cstring>
-
 #include "api/sorvaneusb.h"
 #include "board/rbase_implementation.h"
+
+#include <climits>
+#include <cstring>
 
 // Without any board
 

@@ -1,10 +1,10 @@
 #define _GNU_SOURCE
 #include "bench/by_hand.h"
 
+#include "bench/hand_exchange.h"
+
 #include <stddef.h>
 #include <string.h>
-
-#include "bench/hand_exchange.h"
 
 #ifdef BY_PACKET
 #define exchange exchange_packet

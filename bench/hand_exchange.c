@@ -1,6 +1,8 @@
 #define _GNU_SOURCE
 #include "bench/hand_exchange.h"
 
+#include "bench/answering_driver.h"
+
 #include <errno.h>
 #include <fcntl.h>
 #include <stdio.h>
@@ -8,8 +10,6 @@
 #include <sys/ioctl.h>
 #include <sys/sem.h>
 #include <unistd.h>
-
-#include "bench/answering_driver.h"
 
 static int attribute_begins(int device, const char *name, const char *text)
 {

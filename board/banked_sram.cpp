@@ -1,9 +1,9 @@
 #include "board/banked_sram.h"
 
-#include <algorithm>
-
 #include "board/exchange.h"
 #include "board/transfer_range.h"
+
+#include <algorithm>
 
 namespace
 {

@@ -1,8 +1,8 @@
 #include "board/flat_memory.h"
 
-#include <algorithm>
-
 #include "board/exchange.h"
+
+#include <algorithm>
 
 int readFlatMemory(RBaseImplementation &board, Request request, unsigned long address, unsigned char *data,
                    unsigned long length)

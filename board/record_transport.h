@@ -3,12 +3,12 @@
 #ifndef SORVANE_BOARD_RECORD_TRANSPORT_H
 #define SORVANE_BOARD_RECORD_TRANSPORT_H
 
+#include "board/rbase_implementation.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <sys/ioctl.h>
-
-#include "board/rbase_implementation.h"
 
 /// The driver reads it in the layout of the calling process: 28 bytes from a 32-bit one, 56 from a 64-bit one.
 struct R20sTransferRequest {

@@ -1,10 +1,10 @@
 // The attract mode of a game: finds the first board, looks at its inputs, lets the lamps chase each other, and counts
 // its own starts in a meter in the board's EEPROM.
+#include "report.h"
+
 #include <chrono>
 #include <cstdio>
 #include <thread>
-
-#include "report.h"
 
 namespace
 {

@@ -1,10 +1,10 @@
 // A coin acceptor that speaks the ccTalk protocol: the board polls it by itself, the program collects the answers.
+#include "report.h"
+
 #include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <thread>
-
-#include "report.h"
 
 namespace
 {

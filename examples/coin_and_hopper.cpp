@@ -3,11 +3,11 @@
 //
 // A hopper goes on paying when its program ends: the board runs it by itself. So whoever starts one also stops it on
 // every way out.
+#include "report.h"
+
 #include <chrono>
 #include <cstdio>
 #include <thread>
-
-#include "report.h"
 
 namespace
 {

@@ -1,7 +1,7 @@
 // What a machine checks after it was switched off: who opened it, whether the battery held, which board this is.
-#include <cstdio>
-
 #include "report.h"
+
+#include <cstdio>
 
 namespace
 {

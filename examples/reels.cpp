@@ -4,11 +4,11 @@
 // the virtual boards (docs/virtual_values.md) and keeps them in one place: a ramp entry is the time of a step in
 // milliseconds; `first` counts steps, and only on a reel that is synchronised and has passed its index since does it
 // say where the reel stands; `second` is the steps to go.
+#include "report.h"
+
 #include <chrono>
 #include <cstdio>
 #include <thread>
-
-#include "report.h"
 
 namespace
 {

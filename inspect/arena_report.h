@@ -8,9 +8,9 @@
 #ifndef SORVANE_INSPECT_ARENA_REPORT_H
 #define SORVANE_INSPECT_ARENA_REPORT_H
 
-#include <string>
-
 #include "inspect/arena_contents.h"
+
+#include <string>
 
 struct ArenaReport : ArenaContents {
     bool clean() const { return segmentID == -1 && setID == -1; }

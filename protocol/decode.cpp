@@ -1,8 +1,8 @@
 #include "protocol/decode.h"
 
-#include <algorithm>
-
 #include "protocol/families.h"
+
+#include <algorithm>
 
 namespace protocol
 {

@@ -11,11 +11,11 @@
 #ifndef SORVANE_PROTOCOL_DECODE_H
 #define SORVANE_PROTOCOL_DECODE_H
 
+#include "protocol/operation.h"
+
 #include <span>
 #include <string>
 #include <vector>
-
-#include "protocol/operation.h"
 
 namespace protocol
 {

@@ -1,8 +1,8 @@
 #include "protocol/document.h"
 
-#include <utility>
-
 #include "protocol/families.h"
+
+#include <utility>
 
 namespace protocol
 {

@@ -2,9 +2,9 @@
 #ifndef SORVANE_PROTOCOL_FAMILIES_H
 #define SORVANE_PROTOCOL_FAMILIES_H
 
-#include <span>
-
 #include "protocol/operation.h"
+
+#include <span>
 
 namespace protocol
 {

@@ -5,11 +5,11 @@
 #ifndef SORVANE_PROTOCOL_OPERATION_H
 #define SORVANE_PROTOCOL_OPERATION_H
 
+#include "protocol/field.h"
+
 #include <initializer_list>
 #include <optional>
 #include <string_view>
-
-#include "protocol/field.h"
 
 namespace protocol
 {

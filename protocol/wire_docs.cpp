@@ -1,7 +1,7 @@
 // Prints docs/wire.md.
-#include <cstdio>
-
 #include "protocol/document.h"
+
+#include <cstdio>
 
 int main()
 {

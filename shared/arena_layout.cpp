@@ -1,8 +1,8 @@
 #include "shared/arena_layout.h"
 
-#include <cstring>
-
 #include "shared/store_order.h"
+
+#include <cstring>
 
 bool SharedMemoryObjectID::operator==(const SharedMemoryObjectID &other) const
 {

@@ -6,11 +6,11 @@
 #ifndef SORVANE_SHARED_ARENA_LAYOUT_H
 #define SORVANE_SHARED_ARENA_LAYOUT_H
 
+#include "shared/mutex.h"
+
 #include <cstddef>
 #include <new>
 #include <type_traits>
-
-#include "shared/mutex.h"
 
 struct SharedMemoryObjectID {
     SharedMemoryObjectID() = default;

@@ -1,14 +1,14 @@
 #include "shared/mutex_set.h"
 
-#include <cerrno>
-#include <new>
-#include <sys/ipc.h>
-#include <sys/sem.h>
-
 #include "shared/key_file.h"
 #include "shared/linked_list.h"
 #include "shared/semaphore_set.h"
 #include "shared/thread_sanitizer.h"
+
+#include <cerrno>
+#include <new>
+#include <sys/ipc.h>
+#include <sys/sem.h>
 
 constinit LinuxMutexSet *LinuxMutexSet::MasterListStart = nullptr;
 constinit bool LinuxMutexSet::inForkedChild = false;

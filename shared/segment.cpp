@@ -1,10 +1,10 @@
 #include "shared/segment.h"
 
+#include "shared/key_file.h"
+
 #include <cerrno>
 #include <sys/ipc.h>
 #include <sys/shm.h>
-
-#include "shared/key_file.h"
 
 namespace
 {

@@ -1,10 +1,10 @@
 #include "shared/sharedimp.h"
 
-#include <cstring>
-#include <new>
-
 #include "shared/arena_check.h"
 #include "shared/linked_list.h"
+
+#include <cstring>
+#include <new>
 
 constinit SharedMemoryLocalListElement *SharedMemoryLocalListElement::SharedMemoryLocalListStart = nullptr;
 

@@ -2,9 +2,9 @@
 #ifndef SORVANE_SHARED_SHAREDIMP_H
 #define SORVANE_SHARED_SHAREDIMP_H
 
-#include <optional>
-
 #include "shared/segment.h"
+
+#include <optional>
 
 /// One arena that this process has attached, or tried to: without a segment arenaHeader is null.
 struct SharedMemoryLocalListElement {

@@ -1,13 +1,13 @@
 // The board's serial EEPROM. The firmware drives the chip; it must be told the chip's type first. The type of every
 // board stands in a table that all processes share, under a lock that is held for a whole transfer.
-#include <cstring>
-#include <initializer_list>
-
 #include "board/exchange.h"
 #include "board/flat_memory.h"
 #include "board/rbase_shared_implementation/shared_board_state.h"
 #include "board/transfer_range.h"
 #include "shared/store_order.h"
+
+#include <cstring>
+#include <initializer_list>
 
 namespace
 {

@@ -1,10 +1,10 @@
 // Steady outputs. The board is told the changes; the patterns of both flash periods, which all processes share, are
 // brought up to date before it is told, and the locks are held until it has answered, so that the changes of several
 // processes reach the board in the order in which they changed the patterns.
-#include <cstdint>
-
 #include "board/exchange.h"
 #include "board/rbase_shared_implementation/shared_board_state.h"
+
+#include <cstdint>
 
 namespace
 {

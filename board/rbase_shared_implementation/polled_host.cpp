@@ -1,11 +1,11 @@
 // The board as a polling host: it sends a slot's messages to a peripheral by itself and keeps the answers until they
 // are fetched. A ccTalk slot is an RS232 slot whose framing is that of a ccTalk frame: its length byte is byte 1, and
 // five bytes are not counted by it.
-#include <algorithm>
-
 #include "board/exchange.h"
 #include "board/rbase_shared_implementation/exact_seconds.h"
 #include "board/rbase_shared_implementation/serial_port.h"
+
+#include <algorithm>
 
 namespace
 {

@@ -1,10 +1,10 @@
 // Data of the serial ports: plain bytes, 9-bit words (high byte first on the wire), and bytes or words with the time
 // that the firmware stamped on each.
-#include <algorithm>
-
 #include "board/exchange.h"
 #include "board/rbase_shared_implementation/serial_port.h"
 #include "board/rbase_shared_implementation/shared_board_state.h"
+
+#include <algorithm>
 
 namespace
 {

@@ -1,13 +1,13 @@
 #include "board/rbase_shared_implementation/shared_board_state.h"
 
+#include "shared/mutex_set.h"
+#include "shared/store_order.h"
+
 #include <cstring>
 #include <iterator>
 #include <optional>
 #include <pthread.h>
 #include <unistd.h>
-
-#include "shared/mutex_set.h"
-#include "shared/store_order.h"
 
 constinit SharedMemoryArenaID sharedBlock = {{"R20SharedMemory", 0}, {"R20Mutex", 0, 10}, 65536};
 constinit SharedMemoryObject SharedOutOnCopy = {};

@@ -6,11 +6,11 @@
 #ifndef SORVANE_BOARD_SHARED_BOARD_STATE_H
 #define SORVANE_BOARD_SHARED_BOARD_STATE_H
 
-#include <cstddef>
-#include <cstdint>
-
 #include "api/sorvaneusb_types.h"
 #include "shared/sharedimp.h"
+
+#include <cstddef>
+#include <cstdint>
 
 constexpr int deviceCount = 16;  // device numbers 0 to 15 index every table
 

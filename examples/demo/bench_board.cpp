@@ -2,6 +2,10 @@
 // program itself is unchanged and knows nothing of it.
 //
 // BENCH_BOARD names the model: R20, R20s or R35.
+#include "board/requests.h"
+#include "sim/inprocess/inprocess.h"
+#include "sim/peripherals/cctalk_acceptor.h"
+
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -10,10 +14,6 @@
 #include <string>
 #include <thread>
 #include <vector>
-
-#include "board/requests.h"
-#include "sim/inprocess/inprocess.h"
-#include "sim/peripherals/cctalk_acceptor.h"
 
 namespace
 {

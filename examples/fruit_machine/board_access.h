@@ -3,7 +3,6 @@
 #define SORVANE_EXAMPLES_FRUIT_MACHINE_BOARD_ACCESS_H
 
 #include <sorvaneusb.h>
-
 #include <stdexcept>
 #include <string>
 

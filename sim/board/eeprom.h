@@ -6,8 +6,8 @@
 #ifndef SORVANE_SIM_BOARD_EEPROM_H
 #define SORVANE_SIM_BOARD_EEPROM_H
 
-#include "sim/core/eeprom_chips.h"
 #include "sim/board/part.h"
+#include "sim/core/eeprom_chips.h"
 
 namespace sim
 {

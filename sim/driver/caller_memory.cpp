@@ -1,12 +1,11 @@
 #include "sim/driver/caller_memory.h"
 
-#include <fcntl.h>
-#include <sys/uio.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <fcntl.h>
+#include <sys/uio.h>
+#include <unistd.h>
 #include <vector>
 
 #if __has_include(<valgrind/memcheck.h>)

@@ -3,17 +3,16 @@
 #include "sim/driver/driver.h"
 #include "sim/inprocess/inprocess.h"
 
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
+#include <set>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
-
-#include <algorithm>
-#include <cerrno>
-#include <cstdlib>
-#include <filesystem>
-#include <set>
 
 namespace sim
 {

@@ -3,14 +3,13 @@
 // whatever a checking tool has put in front of it.
 #include "sim/inprocess/board_descriptors.h"
 
-#include <dlfcn.h>
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace
 {

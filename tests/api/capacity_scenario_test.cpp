@@ -1,9 +1,9 @@
 // Results into buffers of known size: never a byte behind the capacity, and what does not fit stays on the board.
-#include <cerrno>
-
 #include "sim/peripherals/make_peripheral.h"
 #include "sim/peripherals/polled_device.h"
 #include "tests/support/open_board.h"
+
+#include <cerrno>
 
 namespace tests::capacity
 {

@@ -1,7 +1,7 @@
 // Coins in and coins out: counted pulses and hoppers that pay.
-#include <cerrno>
-
 #include "tests/support/open_board.h"
+
+#include <cerrno>
 
 namespace tests::coins
 {

@@ -1,8 +1,8 @@
 // Loading a board's firmware, and the preparation that follows it: which EEPROM is found, and its configuration.
+#include "tests/support/open_board.h"
+
 #include <fstream>
 #include <iterator>
-
-#include "tests/support/open_board.h"
 
 namespace tests::firmware
 {

@@ -1,7 +1,7 @@
 // Lamps on outputs: steady, flashing, pulsed and dimmed, as they show on the board while the time goes by.
-#include <cerrno>
-
 #include "tests/support/open_board.h"
+
+#include <cerrno>
 
 namespace tests::lamps
 {

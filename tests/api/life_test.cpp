@@ -1,10 +1,10 @@
 // Opening, sharing and closing boards: who holds the device node, and what a failure leaves behind.
+#include "tests/support/open_board.h"
+
 #include <climits>
 #include <cstring>
 #include <fcntl.h>
 #include <vector>
-
-#include "tests/support/open_board.h"
 
 namespace tests::life
 {

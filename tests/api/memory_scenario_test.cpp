@@ -1,7 +1,7 @@
 // What the board moves by itself: SPI transfers with a slave, SEC messages, and recordings into the SRAM.
-#include <numeric>
-
 #include "tests/support/open_board.h"
+
+#include <numeric>
 
 namespace tests::memory_scenario
 {

@@ -1,7 +1,7 @@
 // SRAM and EEPROM: bounds, chunks, and answers that are shorter or longer than asked for.
-#include <functional>
-
 #include "tests/support/open_board.h"
+
+#include <functional>
 
 namespace tests::memory
 {

@@ -1,11 +1,11 @@
 // Peripherals that the board polls by itself, and a SAS host that polls the board.
-#include <cstring>
-
 #include "sim/peripherals/cctalk_acceptor.h"
 #include "sim/peripherals/make_peripheral.h"
 #include "sim/peripherals/polled_device.h"
 #include "sim/peripherals/sas_host.h"
 #include "tests/support/open_board.h"
+
+#include <cstring>
 
 namespace tests::polling
 {

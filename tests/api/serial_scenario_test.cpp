@@ -1,9 +1,9 @@
 // Bytes and 9-bit words through the serial ports: chunks out, everything that waits in, parity, and a lost game.
-#include <cerrno>
-#include <numeric>
-
 #include "sim/peripherals/make_peripheral.h"
 #include "tests/support/open_board.h"
+
+#include <cerrno>
+#include <numeric>
 
 namespace tests::serial
 {

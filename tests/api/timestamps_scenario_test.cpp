@@ -1,7 +1,7 @@
 // Timestamped batches: kept per device, handed out item by item.
-#include <cerrno>
-
 #include "tests/support/open_board.h"
+
+#include <cerrno>
 
 namespace tests::timestamps
 {

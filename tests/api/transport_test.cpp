@@ -1,8 +1,8 @@
 // What the two driver protocols make of what can go wrong, through the public door to any request.
+#include "tests/support/open_board.h"
+
 #include <cerrno>
 #include <cstring>
-
-#include "tests/support/open_board.h"
 
 namespace tests::transport
 {

@@ -1,8 +1,8 @@
 // A failure in the middle of an operation; a board that is pulled off, and what it takes to go on when it is back.
+#include "tests/support/open_board.h"
+
 #include <cerrno>
 #include <functional>
-
-#include "tests/support/open_board.h"
 
 namespace tests::unplug
 {

@@ -1,7 +1,7 @@
+#include "tests/api/wire_table.h"
+
 #include <cmath>
 #include <cstring>
-
-#include "tests/api/wire_table.h"
 
 namespace tests
 {

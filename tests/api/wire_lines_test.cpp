@@ -1,12 +1,12 @@
 // The description of the protocol, held against the bytes of the wire table.
-#include <fstream>
-#include <set>
-#include <sstream>
-
 #include "protocol/decode.h"
 #include "protocol/document.h"
 #include "protocol/families.h"
 #include "tests/api/wire_table.h"
+
+#include <fstream>
+#include <set>
+#include <sstream>
 
 namespace tests
 {

@@ -4,13 +4,13 @@
 #ifndef SORVANE_TESTS_API_WIRE_TABLE_H
 #define SORVANE_TESTS_API_WIRE_TABLE_H
 
+#include "tests/support/open_board.h"
+
 #include <functional>
 #include <string>
 #include <tuple>
 #include <utility>
 #include <vector>
-
-#include "tests/support/open_board.h"
 
 namespace tests
 {

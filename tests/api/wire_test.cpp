@@ -1,8 +1,8 @@
-#include <set>
-#include <sstream>
-
 #include "board/requests.h"
 #include "tests/api/wire_table.h"
+
+#include <set>
+#include <sstream>
 
 namespace tests
 {

@@ -1,4 +1,8 @@
 // Which locks an operation takes, in which order, and what a child has of them.
+#include "board/rbase_implementation.h"
+#include "board/rbase_shared_implementation/shared_board_state.h"
+#include "shared/mutex_set.h"
+
 #include <atomic>
 #include <functional>
 #include <gtest/gtest.h>
@@ -9,10 +13,6 @@
 #include <thread>
 #include <unistd.h>
 #include <vector>
-
-#include "board/rbase_implementation.h"
-#include "board/rbase_shared_implementation/shared_board_state.h"
-#include "shared/mutex_set.h"
 
 namespace tests::locks
 {

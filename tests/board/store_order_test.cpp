@@ -1,5 +1,9 @@
 // A process may be killed between any two instructions. Here the processor stops behind each one, and what lies in
 // shared memory must be in order there.
+#include "board/rbase_implementation.h"
+#include "board/rbase_shared_implementation/shared_board_state.h"
+#include "shared/arena_check.h"
+
 #include <csignal>
 #include <cstring>
 #include <functional>
@@ -7,10 +11,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 #include <x86intrin.h>
-
-#include "board/rbase_implementation.h"
-#include "board/rbase_shared_implementation/shared_board_state.h"
-#include "shared/arena_check.h"
 
 namespace tests::store_order
 {

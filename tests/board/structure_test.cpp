@@ -1,17 +1,17 @@
 // What no exchange shows: sizes and places of everything that other programs, processes or the driver see, and the
 // order of the virtual operations.
-#include <cstddef>
-#include <cstring>
-#include <gtest/gtest.h>
-#include <type_traits>
-#include <vector>
-
 #include "api/sorvaneusb.h"
 #include "board/r20_implementation.h"
 #include "board/r20s_implementation.h"
 #include "board/r35_implementation.h"
 #include "board/rbase_shared_implementation/shared_board_state.h"
 #include "shared/mutex_set.h"
+
+#include <cstddef>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <type_traits>
+#include <vector>
 
 namespace tests::structure
 {

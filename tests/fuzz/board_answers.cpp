@@ -1,13 +1,13 @@
 // Every operation of a board, its arguments and all that the board answers made by the fuzzer. Buffers have exactly the
 // size that the header asks for.
+#include "tests/fuzz/fuzz_driver.h"
+
 #include <array>
 #include <functional>
 #include <memory>
 #include <tuple>
 #include <type_traits>
 #include <vector>
-
-#include "tests/fuzz/fuzz_driver.h"
 
 namespace fuzz
 {

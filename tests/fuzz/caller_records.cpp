@@ -1,8 +1,8 @@
 // The records that a caller fills in: whatever stands in them, what is sent keeps to the lengths that the board knows,
 // nothing is read behind the record, and nothing but a time that is too long is changed in it.
-#include <memory>
-
 #include "tests/fuzz/fuzz_driver.h"
+
+#include <memory>
 
 namespace fuzz
 {

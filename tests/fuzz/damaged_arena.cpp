@@ -1,9 +1,9 @@
 // An arena and its tables with anything in them: nothing is read or written outside, and every walk ends.
-#include <memory>
-
 #include "board/rbase_shared_implementation/shared_board_state.h"
 #include "shared/arena_check.h"
 #include "tests/fuzz/fuzz_driver.h"
+
+#include <memory>
 
 namespace fuzz
 {

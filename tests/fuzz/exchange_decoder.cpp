@@ -1,10 +1,10 @@
 // The words of an exchange: whatever bytes travelled, on whatever pipe, they become one line that leaves no byte out.
-#include <algorithm>
-#include <vector>
-
 #include "protocol/decode.h"
 #include "protocol/families.h"
 #include "tests/fuzz/fuzz_input.h"
+
+#include <algorithm>
+#include <vector>
 
 namespace
 {

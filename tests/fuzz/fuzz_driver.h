@@ -5,9 +5,9 @@
 #ifndef SORVANE_TESTS_FUZZ_FUZZ_DRIVER_H
 #define SORVANE_TESTS_FUZZ_FUZZ_DRIVER_H
 
-#include <sorvaneusb.h>
-
 #include "tests/fuzz/fuzz_input.h"
+
+#include <sorvaneusb.h>
 
 namespace fuzz
 {

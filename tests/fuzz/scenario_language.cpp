@@ -1,9 +1,9 @@
 // The language of scenarios and of `ctl`, and the words of --board: whatever is written, it is carried out or refused
 // with a UsageError.
-#include <sstream>
-
 #include "sim/command/scenario.h"
 #include "tests/fuzz/fuzz_input.h"
+
+#include <sstream>
 
 namespace
 {

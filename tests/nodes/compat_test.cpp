@@ -3,9 +3,8 @@
 #include "sim/driver/driver.h"
 #include "sim/nodes/node.h"
 
-#include <gtest/gtest.h>
-
 #include <cstring>
+#include <gtest/gtest.h>
 #include <linux/fuse.h>
 #include <sys/mman.h>
 #include <sys/socket.h>

@@ -8,6 +8,8 @@
 //   pointers                    every wrong pointer in turn: "refused", or what was let through
 //   product N, speed N          the attribute, or an error
 //   flood COUNT INTERVAL        ModifyOutputs COUNT times with growing patterns, under SIGALRM every INTERVAL us
+#include "tests/support/driver_call.h"
+
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
@@ -24,8 +26,6 @@
 #include <sys/time.h>
 #include <unistd.h>
 #include <vector>
-
-#include "tests/support/driver_call.h"
 
 namespace
 {

@@ -1,11 +1,11 @@
 // Programs that open the same boards at once, from outside: it is not linked with the library, and runs where
 // opening_test.sh has put six boards, the models at full and at high speed, with their device numbers as board numbers.
+#include "tests/processes/outside.h"
+
 #include <cstdlib>
 #include <sstream>
 #include <thread>
 #include <vector>
-
-#include "tests/processes/outside.h"
 
 namespace opening
 {

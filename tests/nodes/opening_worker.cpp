@@ -7,6 +7,8 @@
 //
 // What opens answers with result, code and how often its exchanges so far began a download, ended one and configured
 // the EEPROM: "1 0 1 1 2".
+#include "tests/support/driver_call.h"
+
 #include <csignal>
 #include <cstdarg>
 #include <iostream>
@@ -17,8 +19,6 @@
 #include <sys/syscall.h>
 #include <sys/time.h>
 #include <unistd.h>
-
-#include "tests/support/driver_call.h"
 
 namespace
 {

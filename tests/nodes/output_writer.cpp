@@ -1,11 +1,10 @@
 // Switches one output of a board off and on, again and again, and leaves it on:
 //   output_writer DEVICE OUTPUT TIMES|SECONDSs
 // It ends at the first error; otherwise it prints the number of its changes.
-#include <sorvaneusb.h>
-
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <sorvaneusb.h>
 #include <string>
 
 namespace

@@ -1,11 +1,11 @@
 // One board driven by many processes at once: no change is lost, none overtakes another, no item comes twice.
+#include "tests/processes/outside.h"
+#include "tests/processes/shared_board.h"
+
 #include <algorithm>
 #include <iterator>
 #include <sstream>
 #include <vector>
-
-#include "tests/processes/outside.h"
-#include "tests/processes/shared_board.h"
 
 namespace tests::boards
 {

@@ -1,14 +1,14 @@
 // Every system call of a life with a board fails once, and from then on for ever. This program does not use the
 // library: it starts the lives and looks at segment and semaphores from outside.
+#include "tests/processes/outside.h"
+#include "tests/processes/shared_board.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <random>
 #include <sstream>
 #include <sys/sem.h>
 #include <vector>
-
-#include "tests/processes/outside.h"
-#include "tests/processes/shared_board.h"
 
 namespace tests::faults
 {

@@ -11,9 +11,9 @@
 #ifndef SORVANE_TESTS_PROCESSES_FAULTY_CALLS_H
 #define SORVANE_TESTS_PROCESSES_FAULTY_CALLS_H
 
-#include <string>
-
 #include "tests/support/board_calls.h"
+
+#include <string>
 
 namespace tests
 {

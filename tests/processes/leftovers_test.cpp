@@ -1,12 +1,12 @@
 // What processes find that others left behind: half made, damaged, or not theirs.
+#include "tests/processes/outside.h"
+
 #include <cstring>
 #include <fcntl.h>
 #include <memory>
 #include <sys/sem.h>
 #include <sys/shm.h>
 #include <unistd.h>
-
-#include "tests/processes/outside.h"
 
 namespace tests::leftovers
 {

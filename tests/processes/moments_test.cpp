@@ -1,10 +1,10 @@
 // A process stopped before and after each of its system calls, and between its instructions, and then killed or let go
 // on: alone, beside one that lives on, and while another lives its whole life or waits for that.
+#include "tests/processes/scene.h"
+
 #include <algorithm>
 #include <random>
 #include <vector>
-
-#include "tests/processes/scene.h"
 
 namespace tests::moments
 {

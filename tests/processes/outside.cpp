@@ -1,5 +1,7 @@
 #include "tests/processes/outside.h"
 
+#include "tests/processes/shared_board.h"
+
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -11,8 +13,6 @@
 #include <sys/sem.h>
 #include <sys/shm.h>
 #include <unistd.h>
-
-#include "tests/processes/shared_board.h"
 
 namespace tests
 {

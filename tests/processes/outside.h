@@ -2,14 +2,14 @@
 #ifndef SORVANE_TESTS_PROCESSES_OUTSIDE_H
 #define SORVANE_TESTS_PROCESSES_OUTSIDE_H
 
+#include "inspect/arena_report.h"
+#include "tests/processes/peer.h"
+
 #include <chrono>
 #include <gtest/gtest.h>
 #include <map>
 #include <string>
 #include <vector>
-
-#include "inspect/arena_report.h"
-#include "tests/processes/peer.h"
 
 namespace tests
 {

@@ -1,13 +1,14 @@
 // The driver behind a peer's boards: they have a blank EEPROM and run a firmware, but where PEER_MODEL names their
 // model they have to be given one. Their node is the file of the shared board, so that a lock on it is nobody else's.
-#include <algorithm>
-#include <cstdlib>
-#include <cstring>
+#include "tests/processes/peer_driver.h"
 
 #include "board/rbase_shared_implementation/shared_board_state.h"
 #include "tests/processes/faulty_calls.h"
-#include "tests/processes/peer_driver.h"
 #include "tests/processes/shared_board.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
 
 namespace tests
 {

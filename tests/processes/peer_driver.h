@@ -2,9 +2,9 @@
 #ifndef SORVANE_TESTS_PROCESSES_PEER_DRIVER_H
 #define SORVANE_TESTS_PROCESSES_PEER_DRIVER_H
 
-#include <string>
-
 #include "tests/support/board_calls.h"
+
+#include <string>
 
 namespace tests
 {

@@ -1,5 +1,10 @@
 // The program behind peer.h: it drives boards of its own driver. A line is a verb and its arguments, with the device in
 // front of it where it is not the shared board's: "3 bit 12 1".
+#include "board/rbase_shared_implementation/shared_board_state.h"
+#include "tests/processes/faulty_calls.h"
+#include "tests/processes/peer_driver.h"
+#include "tests/processes/shared_board.h"
+
 #include <array>
 #include <cctype>
 #include <csignal>
@@ -13,11 +18,6 @@
 #include <sstream>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include "board/rbase_shared_implementation/shared_board_state.h"
-#include "tests/processes/faulty_calls.h"
-#include "tests/processes/peer_driver.h"
-#include "tests/processes/shared_board.h"
 
 namespace tests
 {

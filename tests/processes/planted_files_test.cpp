@@ -1,5 +1,7 @@
 // What this user or another leaves at the names that the library uses: nothing of it is changed, nothing is written
 // through it, and the library works all the same. This program does not use the library.
+#include "tests/processes/outside.h"
+
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
@@ -7,8 +9,6 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include "tests/processes/outside.h"
 
 namespace tests::planted
 {

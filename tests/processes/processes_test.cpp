@@ -1,5 +1,7 @@
 // How processes come, share and go. This program does not use the library: it looks at segment and semaphores from
 // outside and sends other processes in and out.
+#include "tests/processes/outside.h"
+
 #include <algorithm>
 #include <dlfcn.h>
 #include <sys/sem.h>
@@ -8,8 +10,6 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include "tests/processes/outside.h"
 
 namespace tests::processes
 {

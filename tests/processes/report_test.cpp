@@ -1,4 +1,7 @@
 // The report by which all the others judge: it names every damage, and nothing while processes come and go.
+#include "tests/processes/outside.h"
+#include "tests/processes/shared_board.h"
+
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -6,9 +9,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
-
-#include "tests/processes/outside.h"
-#include "tests/processes/shared_board.h"
 
 namespace tests::reports
 {

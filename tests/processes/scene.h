@@ -2,15 +2,15 @@
 #ifndef SORVANE_TESTS_PROCESSES_SCENE_H
 #define SORVANE_TESTS_PROCESSES_SCENE_H
 
+#include "tests/processes/outside.h"
+#include "tests/processes/shared_board.h"
+#include "tests/processes/tracer.h"
+
 #include <iterator>
 #include <memory>
 #include <optional>
 #include <sstream>
 #include <vector>
-
-#include "tests/processes/outside.h"
-#include "tests/processes/shared_board.h"
-#include "tests/processes/tracer.h"
 
 namespace tests::moments
 {

@@ -1,4 +1,6 @@
 // Processes that start and leave at the same instant, and what they leave to each other.
+#include "tests/processes/outside.h"
+
 #include <fcntl.h>
 #include <memory>
 #include <random>
@@ -6,8 +8,6 @@
 #include <unistd.h>
 #include <utility>
 #include <vector>
-
-#include "tests/processes/outside.h"
 
 namespace tests::starts
 {

@@ -4,9 +4,9 @@
 #ifndef SORVANE_TESTS_PROCESSES_TRACER_H
 #define SORVANE_TESTS_PROCESSES_TRACER_H
 
-#include <string>
-
 #include "tests/processes/peer.h"
+
+#include <string>
 
 namespace tests
 {

@@ -1,12 +1,12 @@
 // Runs of blocks, in an arena of the test's own.
+#include "shared/arena_check.h"
+
 #include <cstring>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <sys/ipc.h>
 #include <sys/shm.h>
 #include <vector>
-
-#include "shared/arena_check.h"
 
 namespace tests::arena
 {

@@ -1,12 +1,12 @@
 // Mutexes and their sets inside one process, under a name of their own.
+#include "shared/mutex_set.h"
+
 #include <cstring>
 #include <gtest/gtest.h>
 #include <sys/ipc.h>
 #include <sys/sem.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include "shared/mutex_set.h"
 
 namespace tests::mutex
 {

@@ -1,5 +1,6 @@
 // The cabinet file: what is read, how parts are found, and how each mistake is told.
 #include "sim/cabinet/cabinet.h"
+
 #include "sim/cabinet/template.h"
 #include "sim/command/board_actions.h"
 #include "sim/command/board_options.h"

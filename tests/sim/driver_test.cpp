@@ -3,11 +3,10 @@
 
 #include "tests/sim/sim_test.h"
 
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstring>
+#include <sys/mman.h>
+#include <unistd.h>
 
 namespace sim::driver_test
 {

@@ -1,15 +1,15 @@
 // The process's own calls reach the boards at their paths, and everything else at the C library.
 #include "sim/inprocess/inprocess.h"
+
 #include "tests/sim/sim_test.h"
 
+#include <cerrno>
+#include <cstdio>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include <cerrno>
-#include <cstdio>
 
 extern "C" int __open64_2(const char *path, int flags);
 

@@ -1,13 +1,13 @@
 #include "tests/support/board_calls.h"
 
+#include "tests/support/driver_call.h"
+
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
-
-#include "tests/support/driver_call.h"
 
 namespace tests
 {

@@ -2,12 +2,12 @@
 #ifndef SORVANE_TESTS_SUPPORT_OPEN_BOARD_H
 #define SORVANE_TESTS_SUPPORT_OPEN_BOARD_H
 
+#include "sim/inprocess/inprocess.h"
+
 #include <gtest/gtest.h>
 #include <numeric>
 #include <sorvaneusb.h>
 #include <string>
-
-#include "sim/inprocess/inprocess.h"
 
 namespace tests
 {

@@ -1,10 +1,10 @@
 // What is promised to the threads of one program: boards of their own, or one board under one lock. The locks of the
 // state that all boards share hold between threads as they do between processes.
+#include "tests/support/open_board.h"
+
 #include <mutex>
 #include <thread>
 #include <vector>
-
-#include "tests/support/open_board.h"
 
 namespace tests
 {
