@@ -11,18 +11,18 @@
 class PreparationLock
 {
 public:
-    explicit PreparationLock(int deviceHandle) : deviceHandle(deviceHandle)
+    explicit PreparationLock(int deviceHandle) : deviceHandle_(deviceHandle)
     {
         while (::flock(deviceHandle, LOCK_EX) == -1 && errno == EINTR) {
         }
     }
     /// Not left to closing: a child that was forked meanwhile has the open file too, and would keep the lock.
-    ~PreparationLock() { ::flock(deviceHandle, LOCK_UN); }
+    ~PreparationLock() { ::flock(deviceHandle_, LOCK_UN); }
     PreparationLock(const PreparationLock &) = delete;
     PreparationLock &operator=(const PreparationLock &) = delete;
 
 private:
-    int deviceHandle;
+    int deviceHandle_;
 };
 
 #endif

@@ -34,7 +34,7 @@ struct Run {
 Run run(Subject &subject, const Operation &operation, Way way)
 {
     const hand_operation &hand = subject.byHand(operation);
-    const std::string name = std::string(operation.name) + (way == Way::library ? "/library" : "/hand");
+    const std::string name = std::string(operation.name) + (way == Way::Library ? "/library" : "/hand");
     Run run = {};
     subject.makeReady(operation, true);
     run.stack = bench::stackDepth([&] { subject.perform(way, operation, hand); });
@@ -89,8 +89,8 @@ int main(int argc, char **argv)
         for (const Operation &operation : bench::operations()) {
             if (!subject.has(operation))
                 continue;
-            const Run library = run(subject, operation, Way::library);
-            const Run hand = run(subject, operation, Way::byHand);
+            const Run library = run(subject, operation, Way::Library);
+            const Run hand = run(subject, operation, Way::ByHand);
             std::printf("{\"operation\": \"%s\", \"exchanges\": %u, \"same\": %s, \"heap\": [%u, %u], "
                         "\"stack\": [%zu, %zu]}\n",
                         operation.name, library.exchanges, sameWork(library, hand) ? "true" : "false",

@@ -17,7 +17,7 @@ struct Answer {
     unsigned int period = 0;  // every so-manieth exchange is answered by no byte
 };
 
-enum class Way { library, byHand };
+enum class Way { Library, ByHand };
 
 struct Operation {
     const char *name;  // in by_hand.c, too
@@ -43,7 +43,7 @@ public:
     void makeReady(const Operation &operation, bool keepExchanges);
     int perform(Way way, const Operation &operation, const hand_operation &hand)
     {
-        return way == Way::library ? operation.library(board, yielded) : hand.run(&handBoard, &yielded);
+        return way == Way::Library ? operation.library(board, yielded) : hand.run(&handBoard, &yielded);
     }
 
     int model;

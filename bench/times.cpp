@@ -34,8 +34,8 @@ int main(int argc, char **argv)
                 continue;
             const std::string name = std::string(operation.name) + (subject == &r20 ? "/R20/" : "/R35/");
             benchmark::RegisterBenchmark((name + "library").c_str(), measure, std::ref(*subject), operation,
-                                         Way::library);
-            benchmark::RegisterBenchmark((name + "hand").c_str(), measure, std::ref(*subject), operation, Way::byHand);
+                                         Way::Library);
+            benchmark::RegisterBenchmark((name + "hand").c_str(), measure, std::ref(*subject), operation, Way::ByHand);
         }
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();

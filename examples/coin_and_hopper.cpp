@@ -22,18 +22,18 @@ constexpr unsigned short coinsToPay = 5;
 class HopperStop
 {
 public:
-    explicit HopperStop(SorvaneUSB &board) : board(board) {}
+    explicit HopperStop(SorvaneUSB &board) : board_(board) {}
     ~HopperStop()
     {
         // An R20 cannot be told to stop (error 25); it ends by itself after the coins that it was asked for.
-        if (!board.StopHopperCoinRelease(hopperInput) && board.GetLastError() == usbErrorNotSupported)
-            board.ClearErrors();
+        if (!board_.StopHopperCoinRelease(hopperInput) && board_.GetLastError() == usbErrorNotSupported)
+            board_.ClearErrors();
     }
     HopperStop(const HopperStop &) = delete;
     HopperStop &operator=(const HopperStop &) = delete;
 
 private:
-    SorvaneUSB &board;
+    SorvaneUSB &board_;
 };
 
 bool countCoins(SorvaneUSB &board)

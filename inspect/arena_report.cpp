@@ -49,7 +49,7 @@ key_t existingKey(const char *path, ArenaReport &report)
 class QuietArena
 {
 public:
-    explicit QuietArena(int setID) : setID(setID)
+    explicit QuietArena(int setID) : setId_(setID)
     {
         if (setID == -1 || ::semctl(setID, 0, GETVAL) <= 0)
             return;  // nobody is registered
@@ -59,25 +59,25 @@ public:
         do
             result = orGone(::semtimedop(setID, &take, 1, &patience));
         while (result == -1 && errno == EINTR);
-        held = result == 0;
-        late = result == -1;
+        held_ = result == 0;
+        late_ = result == -1;
     }
     ~QuietArena()
     {
         sembuf give = {arenaMutex, +1, SEM_UNDO};
-        while (held && ::semop(setID, &give, 1) == -1 && errno == EINTR) {
+        while (held_ && ::semop(setId_, &give, 1) == -1 && errno == EINTR) {
         }
     }
     QuietArena(const QuietArena &) = delete;
     QuietArena &operator=(const QuietArena &) = delete;
 
-    bool isHeld() const { return held; }
-    bool isLate() const { return late; }
+    bool isHeld() const { return held_; }
+    bool isLate() const { return late_; }
 
 private:
-    int setID;
-    bool held = false;
-    bool late = false;
+    int setId_;
+    bool held_ = false;
+    bool late_ = false;
 };
 
 /// Whether whoever took a semaphore last has died with it: it did not change while that was looked up.

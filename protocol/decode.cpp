@@ -15,29 +15,29 @@ using Values = std::vector<Value>;
 
 Value rawValue(std::string_view name, Bytes bytes)
 {
-    return {name, Kind::bytes, {}, {bytes.begin(), bytes.end()}, {}};
+    return {name, Kind::Bytes, {}, {bytes.begin(), bytes.end()}, {}};
 }
 
 /// How many bytes the field has, of `left` at most; more than that where it does not fit.
 std::size_t sizeOf(const Field &field, const Values &before, std::size_t left)
 {
-    if (field.extent == Extent::fixed)
+    if (field.extent == Extent::Fixed)
         return std::size_t{field.times - 1U} * field.stride + field.size;
-    if (field.extent == Extent::rest)
+    if (field.extent == Extent::Rest)
         return left;
     const auto counter =
         std::find_if(before.begin(), before.end(), [&](const Value &v) { return v.name == field.counter; });
     if (counter == before.end())
         return left + 1;
     const std::size_t count = counter->numbers.front();
-    return field.extent == Extent::bitsCounted ? (count + 7) / 8 : count;
+    return field.extent == Extent::BitsCounted ? (count + 7) / 8 : count;
 }
 
 std::optional<std::uint32_t> numberOf(const Field &field, Bytes bytes)
 {
     std::uint32_t number = 0;
     for (std::size_t n = 0; n < field.size; ++n)
-        number = number << 8 | bytes[field.order == ByteOrder::highFirst ? n : field.size - 1U - n];
+        number = number << 8 | bytes[field.order == ByteOrder::HighFirst ? n : field.size - 1U - n];
     if (!field.codes)
         return number * field.scale;
     for (Codes code = field.codes; code->meaning; ++code) {
@@ -51,8 +51,8 @@ std::optional<Value> valueOf(const Field &field, Bytes bytes)
 {
     Value value = {field.name, field.kind, {}, {}, field.unit};
     switch (field.kind) {
-    case Kind::number:
-    case Kind::numbers:
+    case Kind::Number:
+    case Kind::Numbers:
         for (std::size_t element = 0; element < field.times; ++element) {
             const std::optional<std::uint32_t> number = numberOf(field, bytes.subspan(element * field.stride));
             if (!number)
@@ -60,14 +60,14 @@ std::optional<Value> valueOf(const Field &field, Bytes bytes)
             value.numbers.push_back(*number);
         }
         break;
-    case Kind::bits:
+    case Kind::Bits:
         for (std::uint32_t bit = 0; bit < bytes.size() * 8; ++bit) {
             if (bytes[bit / 8] >> bit % 8 & 1)
                 value.numbers.push_back(bit);
         }
         break;
-    case Kind::bytes:
-    case Kind::text:
+    case Kind::Bytes:
+    case Kind::Text:
         value.bytes.assign(bytes.begin(), bytes.end());
         break;
     }
@@ -102,7 +102,7 @@ void addArguments(Decoded &decoded, const Exchange &exchange)
     std::optional<Values> fields;
     if (operation) {
         if (const std::optional<std::uint32_t> port = operation->portOn(exchange.pipe))
-            decoded.arguments.push_back({"port", Kind::number, {*port}, {}, {}});
+            decoded.arguments.push_back({"port", Kind::Number, {*port}, {}, {}});
         const std::size_t chosen = operation->choice.bytes.size();
         fields = fieldsOf(operation->payload, exchange.payload, chosen ? operation->choice.place + chosen : 0);
     }
@@ -161,7 +161,7 @@ Decoded decode(const Exchange &exchange)
                        ? decoded.operation->name
                        : "request " + std::to_string(exchange.request) + " on pipe " + std::to_string(exchange.pipe);
     addArguments(decoded, exchange);
-    if (exchange.outcome == Outcome::success)
+    if (exchange.outcome == Outcome::Success)
         addResults(decoded, exchange);
     return decoded;
 }
@@ -169,12 +169,12 @@ Decoded decode(const Exchange &exchange)
 bool isText(const Value &value)
 {
     const auto isPrintable = [](char c) { return ' ' <= c && c <= '~'; };
-    return value.kind == Kind::text && std::all_of(value.bytes.begin(), value.bytes.end(), isPrintable);
+    return value.kind == Kind::Text && std::all_of(value.bytes.begin(), value.bytes.end(), isPrintable);
 }
 
 std::string textOf(const Value &value, std::size_t mostBytes)
 {
-    if (value.kind == Kind::bytes || value.kind == Kind::text) {
+    if (value.kind == Kind::Bytes || value.kind == Kind::Text) {
         const std::string_view shown = std::string_view(value.bytes).substr(0, mostBytes);
         const std::string more =
             shown.size() < value.bytes.size() ? "... (" + std::to_string(value.bytes.size()) + " bytes)" : "";
@@ -197,9 +197,9 @@ std::string line(const Decoded &decoded, std::size_t mostBytes)
         text += std::string(argument.name) + '=' + textOf(argument, mostBytes);
     }
     text += ") = ";
-    if (decoded.outcome == Outcome::failed)
+    if (decoded.outcome == Outcome::Failed)
         return text + "failed";
-    if (decoded.outcome == Outcome::refused)
+    if (decoded.outcome == Outcome::Refused)
         return text + "status " + std::to_string(decoded.status);
     if (decoded.results.empty())
         return text + "ok";

@@ -21,9 +21,9 @@ namespace protocol
 {
 
 enum class Outcome {
-    success,
-    refused,  ///< board or driver gave a status other than 0
-    failed    ///< the driver call failed, nothing is known of the board
+    Success,
+    Refused,  ///< board or driver gave a status other than 0
+    Failed    ///< the driver call failed, nothing is known of the board
 };
 
 /// As it went over the driver, without the driver's own packing. The bytes belong to the caller.
@@ -32,7 +32,7 @@ struct Exchange {
     unsigned char request;
     int pipe;
     std::span<const unsigned char> payload = {};
-    Outcome outcome = Outcome::success;
+    Outcome outcome = Outcome::Success;
     int status = 0;                              ///< of a refusal
     std::span<const unsigned char> answer = {};  ///< looked at after success only
 };
@@ -40,7 +40,7 @@ struct Exchange {
 /// One argument or result.
 struct Value {
     std::string_view name;  ///< static storage
-    Kind kind = Kind::number;
+    Kind kind = Kind::Number;
     std::vector<std::uint32_t> numbers;  ///< one for number; those of the bits that are set for bits
     std::string bytes;                   ///< of bytes and text, whatever they are
     std::string_view unit;               ///< of the numbers; empty: the firmware's own
@@ -52,7 +52,7 @@ struct Decoded {
     const Operation *operation = nullptr;  ///< its row; null where the model has no such request
     std::string name;                      ///< the operation's, or "request 200 on pipe 1"
     std::vector<Value> arguments;          ///< a serial port first, then the payload's fields
-    Outcome outcome = Outcome::success;
+    Outcome outcome = Outcome::Success;
     int status = 0;
     std::vector<Value> results;  ///< the answer's fields; none unless it succeeded
     bool asDescribed = false;    ///< false: payload or answer is told as raw bytes

@@ -35,13 +35,13 @@ std::string placeOf(const Field &field, const Field *before)
     const std::string from =
         field.follows ? "behind `" + std::string(before->name) + '`' : "from " + number(field.place);
     switch (field.extent) {
-    case Extent::rest:
+    case Extent::Rest:
         return from + ", all that follows";
-    case Extent::counted:
+    case Extent::Counted:
         return from + ", `" + field.counter + "` bytes";
-    case Extent::bitsCounted:
+    case Extent::BitsCounted:
         return from + ", `" + field.counter + "` / 8 bytes, rounded up";
-    case Extent::fixed:
+    case Extent::Fixed:
         break;
     }
     std::string text;
@@ -57,14 +57,14 @@ std::string placeOf(const Field &field, const Field *before)
 std::string formOf(const Field &field)
 {
     switch (field.kind) {
-    case Kind::number:
-    case Kind::numbers:
-        return field.size == 1 ? "number" : field.order == ByteOrder::highFirst ? "high first" : "low first";
-    case Kind::bits:
+    case Kind::Number:
+    case Kind::Numbers:
+        return field.size == 1 ? "number" : field.order == ByteOrder::HighFirst ? "high first" : "low first";
+    case Kind::Bits:
         return "bits";
-    case Kind::bytes:
+    case Kind::Bytes:
         return "bytes";
-    case Kind::text:
+    case Kind::Text:
         return "text or bytes";
     }
     return "";
@@ -72,7 +72,7 @@ std::string formOf(const Field &field)
 
 std::string rangeOf(const Field &field)
 {
-    const bool isNumber = field.kind == Kind::number || field.kind == Kind::numbers;
+    const bool isNumber = field.kind == Kind::Number || field.kind == Kind::Numbers;
     if (!isNumber || field.codes)
         return "";
     const std::string range = number(field.least) + " to " + number(field.most);

@@ -13,20 +13,20 @@ namespace protocol
 {
 
 enum class Kind : unsigned char {
-    number,   ///< one number
-    numbers,  ///< as many numbers as the field has elements
-    bits,     ///< the numbers of the bits that are set: bit n is bit n % 8 of byte n / 8
-    bytes,    ///< a byte string
-    text      ///< a byte string that may be text, such as what travels on a serial line
+    Number,   ///< one number
+    Numbers,  ///< as many numbers as the field has elements
+    Bits,     ///< the numbers of the bits that are set: bit n is bit n % 8 of byte n / 8
+    Bytes,    ///< a byte string
+    Text      ///< a byte string that may be text, such as what travels on a serial line
 };
 
-enum class ByteOrder : unsigned char { lowFirst, highFirst };
+enum class ByteOrder : unsigned char { LowFirst, HighFirst };
 
 enum class Extent : unsigned char {
-    fixed,        ///< size bytes
-    counted,      ///< as many bytes as the field of the name `counter` says
-    bitsCounted,  ///< the same, and the counter counts bits: what they need, in whole bytes
-    rest          ///< all that follows
+    Fixed,        ///< size bytes
+    Counted,      ///< as many bytes as the field of the name `counter` says
+    BitsCounted,  ///< the same, and the counter counts bits: what they need, in whole bytes
+    Rest          ///< all that follows
 };
 
 /// What a wire value stands for, where that is no multiple of it.
@@ -40,12 +40,12 @@ using Codes = const Code *;
 
 struct Field {
     const char *name = "";
-    Kind kind = Kind::number;
+    Kind kind = Kind::Number;
     unsigned char place = 0;  ///< the first byte; of no meaning where the field follows another
     bool follows = false;     ///< it stands behind the field before it, whose length varies
-    Extent extent = Extent::fixed;
+    Extent extent = Extent::Fixed;
     unsigned char size = 1;  ///< bytes of one element
-    ByteOrder order = ByteOrder::lowFirst;
+    ByteOrder order = ByteOrder::LowFirst;
     unsigned char times = 1;   ///< elements
     unsigned char stride = 0;  ///< bytes from one element to the next
     const char *counter = nullptr;
@@ -67,7 +67,7 @@ struct Field {
     constexpr Field each(unsigned char newTimes, unsigned char newStride) const
     {
         Field field = *this;
-        field.kind = Kind::numbers;
+        field.kind = Kind::Numbers;
         field.times = newTimes;
         field.stride = newStride;
         return field;
@@ -79,7 +79,7 @@ struct Field {
         field.scale = newScale;
         return field;
     }
-    constexpr Field countedBy(const char *newCounter, Extent newExtent = Extent::counted) const
+    constexpr Field countedBy(const char *newCounter, Extent newExtent = Extent::Counted) const
     {
         Field field = *this;
         field.counter = newCounter;
@@ -118,19 +118,19 @@ constexpr Field number(const char *name, unsigned char place, unsigned char size
 }
 constexpr Field u8(const char *name, unsigned char place)
 {
-    return number(name, place, 1, ByteOrder::lowFirst);
+    return number(name, place, 1, ByteOrder::LowFirst);
 }
 constexpr Field u16be(const char *name, unsigned char place)
 {
-    return number(name, place, 2, ByteOrder::highFirst);
+    return number(name, place, 2, ByteOrder::HighFirst);
 }
 constexpr Field u16le(const char *name, unsigned char place)
 {
-    return number(name, place, 2, ByteOrder::lowFirst);
+    return number(name, place, 2, ByteOrder::LowFirst);
 }
 constexpr Field u32le(const char *name, unsigned char place)
 {
-    return number(name, place, 4, ByteOrder::lowFirst);
+    return number(name, place, 4, ByteOrder::LowFirst);
 }
 
 constexpr Field string(const char *name, unsigned char place, Kind kind, unsigned char size)
@@ -140,21 +140,21 @@ constexpr Field string(const char *name, unsigned char place, Kind kind, unsigne
     field.place = place;
     field.kind = kind;
     field.size = size;
-    field.extent = size ? Extent::fixed : Extent::rest;
+    field.extent = size ? Extent::Fixed : Extent::Rest;
     return field;
 }
 constexpr Field bits(const char *name, unsigned char place, unsigned char size)
 {
-    return string(name, place, Kind::bits, size);
+    return string(name, place, Kind::Bits, size);
 }
 /// Of a fixed size, or else all that follows.
 constexpr Field bytes(const char *name, unsigned char place, unsigned char size = 0)
 {
-    return string(name, place, Kind::bytes, size);
+    return string(name, place, Kind::Bytes, size);
 }
 constexpr Field text(const char *name, unsigned char place)
 {
-    return string(name, place, Kind::text, 0);
+    return string(name, place, Kind::Text, 0);
 }
 
 }  // namespace protocol

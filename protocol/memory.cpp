@@ -69,7 +69,7 @@ constexpr Operation spiRows[] = {
      "SendSPI",
      {sendBits, u8("receiveBits", 1).upTo(160), u8("spiOption", 2),
       bytes("txData", 3)
-          .countedBy("sendBits", Extent::bitsCounted)
+          .countedBy("sendBits", Extent::BitsCounted)
           .noted("from SendSEC: two header bytes, the number of data bytes, these, and the sum of all modulo 256")},
      {bytes("rxData", 0)},
      {"SendSEC"}},

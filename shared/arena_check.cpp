@@ -44,11 +44,11 @@ bool chainIsWhole(SharedMemoryArenaHeader *header, unsigned int blockCount)
 ArenaState examineArena(SharedMemoryArenaHeader *header, const SharedMemoryArenaID &id, unsigned int size)
 {
     if (header->blockCount == 0 && isPartOfNewHeader(header, id, size) && isZeroBehindHeader(header, size))
-        return ArenaState::unfinished;
+        return ArenaState::Unfinished;
     if (!(header->arenaID.objectID == id.objectID))
-        return ArenaState::foreign;
+        return ArenaState::Foreign;
     const unsigned int blockCount = blocksInSegment(size);
     if (header->blockCount != blockCount || header->buildCount == 0 || !chainIsWhole(header, blockCount))
-        return ArenaState::corrupt;
-    return ArenaState::whole;
+        return ArenaState::Corrupt;
+    return ArenaState::Whole;
 }

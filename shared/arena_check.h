@@ -6,10 +6,10 @@
 #include "shared/arena_layout.h"
 
 enum class ArenaState {
-    whole,       // a header of ours and a chain of runs that covers all blocks
-    unfinished,  // no header yet: zeros, or what its maker had stored of it before it died
-    corrupt,     // carries our name, but header or chain are damaged
-    foreign,     // somebody else's segment under our key
+    Whole,       // a header of ours and a chain of runs that covers all blocks
+    Unfinished,  // no header yet: zeros, or what its maker had stored of it before it died
+    Corrupt,     // carries our name, but header or chain are damaged
+    Foreign,     // somebody else's segment under our key
 };
 
 ArenaState examineArena(SharedMemoryArenaHeader *header, const SharedMemoryArenaID &id, unsigned int size);

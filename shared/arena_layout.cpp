@@ -49,15 +49,15 @@ SharedMemoryBlockHeader *SharedMemoryArenaHeader::block(unsigned int index)
 
 SharedMemoryBlockHeader *RunWalk::next()
 {
-    index += length;
-    length = 0;
-    if (index >= blockCount)
+    index_ += length_;
+    length_ = 0;
+    if (index_ >= blockCount_)
         return nullptr;
-    SharedMemoryBlockHeader *run = header->block(index);
+    SharedMemoryBlockHeader *run = header_->block(index_);
     const unsigned int said = *static_cast<volatile unsigned int *>(&run->blockCount);
-    if (said == 0 || said > blockCount - index)
+    if (said == 0 || said > blockCount_ - index_)
         return nullptr;
-    length = said;
+    length_ = said;
     return run;
 }
 
@@ -74,7 +74,7 @@ constexpr unsigned int blocksFor(unsigned int bytes)
 
 SharedMemoryBlockHeader *ArenaBlocks::find(const SharedMemoryObjectID &id) const
 {
-    RunWalk walk(header, count);
+    RunWalk walk(header_, count_);
     while (SharedMemoryBlockHeader *run = walk.next())
         if (run->objectID == id)
             return run;
@@ -84,14 +84,14 @@ SharedMemoryBlockHeader *ArenaBlocks::find(const SharedMemoryObjectID &id) const
 SharedMemoryBlockHeader *ArenaBlocks::allocate(unsigned int bytes) const
 {
     const unsigned int needed = blocksFor(bytes);
-    RunWalk walk(header, count);
+    RunWalk walk(header_, count_);
     while (SharedMemoryBlockHeader *run = walk.next()) {
         if (run->useCount != 0 || walk.runLength() < needed || needed == 0)
             continue;
         const unsigned int remainder = walk.runLength() - needed;
         if (remainder != 0) {
             // The rest becomes a run of its own inside the run that still covers it, then the run is shortened.
-            SharedMemoryBlockHeader *rest = header->block(walk.runIndex() + needed);
+            SharedMemoryBlockHeader *rest = header_->block(walk.runIndex() + needed);
             rest->useCount = 0;
             rest->blockCount = remainder;
             storesBeforeAreDone();
@@ -106,7 +106,7 @@ SharedMemoryBlockHeader *ArenaBlocks::allocate(unsigned int bytes) const
 
 void ArenaBlocks::reclaimUnnamed() const
 {
-    RunWalk walk(header, count);
+    RunWalk walk(header_, count_);
     while (SharedMemoryBlockHeader *run = walk.next())
         if (run->useCount != 0 && run->objectID.name[0] == '\0')
             run->useCount = 0;
@@ -115,6 +115,6 @@ void ArenaBlocks::reclaimUnnamed() const
 bool ArenaBlocks::holds(const SharedMemoryBlockHeader *run, unsigned int bytes) const
 {
     const unsigned int needed = blocksFor(bytes);
-    const auto index = static_cast<unsigned int>(run - header->block(0));
-    return run->blockCount >= needed && index + needed <= count;
+    const auto index = static_cast<unsigned int>(run - header_->block(0));
+    return run->blockCount >= needed && index + needed <= count_;
 }

@@ -90,27 +90,27 @@ constexpr unsigned int blocksInSegment(unsigned int size)
 class RunWalk
 {
 public:
-    RunWalk(SharedMemoryArenaHeader *header, unsigned int blockCount) : header(header), blockCount(blockCount) {}
+    RunWalk(SharedMemoryArenaHeader *header, unsigned int blockCount) : header_(header), blockCount_(blockCount) {}
 
     /// The next run, or null. Its length is read once, so that a change behind our back cannot lead past the end.
     SharedMemoryBlockHeader *next();
-    unsigned int runLength() const { return length; }
-    unsigned int runIndex() const { return index; }
+    unsigned int runLength() const { return length_; }
+    unsigned int runIndex() const { return index_; }
     /// After the last run: whether the runs cover all blocks.
-    bool reachedEnd() const { return index + length == blockCount; }
+    bool reachedEnd() const { return index_ + length_ == blockCount_; }
 
 private:
-    SharedMemoryArenaHeader *header;
-    unsigned int blockCount;
-    unsigned int index = 0;
-    unsigned int length = 0;
+    SharedMemoryArenaHeader *header_;
+    unsigned int blockCount_;
+    unsigned int index_ = 0;
+    unsigned int length_ = 0;
 };
 
 /// The blocks of an arena, as many as its segment has.
 class ArenaBlocks
 {
 public:
-    ArenaBlocks(SharedMemoryArenaHeader *header, unsigned int count) : header(header), count(count) {}
+    ArenaBlocks(SharedMemoryArenaHeader *header, unsigned int count) : header_(header), count_(count) {}
 
     SharedMemoryBlockHeader *find(const SharedMemoryObjectID &id) const;
     /// First fit over the free runs; the rest of a longer run becomes a free run.
@@ -122,8 +122,8 @@ public:
     bool holds(const SharedMemoryBlockHeader *run, unsigned int bytes) const;
 
 private:
-    SharedMemoryArenaHeader *header;
-    unsigned int count;
+    SharedMemoryArenaHeader *header_;
+    unsigned int count_;
 };
 
 #endif

@@ -52,18 +52,18 @@ public:
 class MutexGuard
 {
 public:
-    explicit MutexGuard(Mutex *mutex) : held(mutex && mutex->Lock() ? mutex : nullptr) {}
+    explicit MutexGuard(Mutex *mutex) : held_(mutex && mutex->Lock() ? mutex : nullptr) {}
     ~MutexGuard()
     {
-        if (held)
-            held->UnLock();
+        if (held_)
+            held_->UnLock();
     }
-    bool holds() const { return held != nullptr; }
+    bool holds() const { return held_ != nullptr; }
     MutexGuard(const MutexGuard &) = delete;
     MutexGuard &operator=(const MutexGuard &) = delete;
 
 private:
-    Mutex *held;
+    Mutex *held_;
 };
 
 #endif

@@ -64,18 +64,18 @@ bool LinuxMutex::UnLock()
 
 LinuxMutexSet::LinuxMutexSet(const MutexID &id) : mutexID(id)
 {
-    semaphoreSetID = Join(Missing::make);
+    semaphoreSetID = Join(Missing::Make);
 }
 
 LinuxMutexSet::~LinuxMutexSet()
 {
-    if (semaphoreSetID != -1 && registered)
+    if (semaphoreSetID != -1 && registered_)
         Leave();
 }
 
 int LinuxMutexSet::Join(Missing missing)
 {
-    registered = false;
+    registered_ = false;
     if (mutexID.count < 1 || mutexID.count >= mostSemaphores || mutexID.number < 0 || mutexID.number >= mostSemaphores)
         return -1;
     const int semaphores = mutexID.count + 1;
@@ -84,7 +84,7 @@ int LinuxMutexSet::Join(Missing missing)
         return -1;
     for (int tries = 0; tries < mostTries; ++tries) {
         int id = ::semget(key, semaphores, 0666);
-        if (id == -1 && errno == ENOENT && missing == Missing::make) {
+        if (id == -1 && errno == ENOENT && missing == Missing::Make) {
             id = ::semget(key, semaphores, IPC_CREAT | IPC_EXCL | 0666);
             if (id == -1 && errno == EEXIST)
                 continue;
@@ -92,14 +92,14 @@ int LinuxMutexSet::Join(Missing missing)
         if (id == -1)
             return -1;
         switch (joinSet(id, semaphores)) {
-        case Joining::done:
-            registered = true;
+        case Joining::Done:
+            registered_ = true;
             return id;
-        case Joining::full:
+        case Joining::Full:
             return id;
-        case Joining::failed:
+        case Joining::Failed:
             return -1;
-        case Joining::again:
+        case Joining::Again:
             break;
         }
     }
@@ -132,8 +132,8 @@ void LinuxMutexSet::Leave() const
 int LinuxMutexSet::Rejoin(int goneID)
 {
     if (semaphoreSetID == goneID) {
-        semaphoreSetID = Join(Missing::leave);
-        if (registered && inForkedChild)
+        semaphoreSetID = Join(Missing::Leave);
+        if (registered_ && inForkedChild)
             Leave();
     }
     return semaphoreSetID;

@@ -70,13 +70,13 @@ public:
     LinuxMutexSet *next = nullptr;
 
 private:
-    enum class Missing { make, leave };
+    enum class Missing { Make, Leave };
     int Join(Missing missing);
     void Leave() const;
 
     static bool inForkedChild;
 
-    bool registered = false;
+    bool registered_ = false;
 };
 
 #endif

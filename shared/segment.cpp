@@ -48,11 +48,11 @@ bool LinuxSharedMemory::Create()
         if (segmentID == -1)
             return false;
         switch (Attach()) {
-        case Outcome::attached:
+        case Outcome::Attached:
             return true;
-        case Outcome::failed:
+        case Outcome::Failed:
             return false;
-        case Outcome::removedMeanwhile:
+        case Outcome::RemovedMeanwhile:
             break;
         }
     }
@@ -66,16 +66,16 @@ LinuxSharedMemory::Outcome LinuxSharedMemory::Attach()
         const bool removed = errno == EIDRM || errno == EINVAL;
         if (!meFirst)
             segmentID = -1;  // never looked at, so not ours to remove
-        return removed ? Outcome::removedMeanwhile : Outcome::failed;
+        return removed ? Outcome::RemovedMeanwhile : Outcome::Failed;
     }
     shmid_ds status;
     if (::shmctl(segmentID, IPC_STAT, &status) == 0 && markedForRemoval(status)) {
         ::shmdt(attached);
         segmentID = -1;
-        return Outcome::removedMeanwhile;
+        return Outcome::RemovedMeanwhile;
     }
     address = attached;
-    return Outcome::attached;
+    return Outcome::Attached;
 }
 
 bool LinuxSharedMemory::Delete()

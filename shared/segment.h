@@ -50,7 +50,7 @@ public:
     unsigned char meFirst = 0;
 
 private:
-    enum class Outcome { attached, removedMeanwhile, failed };
+    enum class Outcome { Attached, RemovedMeanwhile, Failed };
     Outcome Attach();
 };
 

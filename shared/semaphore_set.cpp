@@ -19,10 +19,10 @@ bool semaphoreOperation(int setID, sembuf *operations, unsigned int count)
 Joining outcomeOf(bool succeeded)
 {
     if (succeeded)
-        return Joining::done;
+        return Joining::Done;
     if (errno == ERANGE)
-        return Joining::full;
-    return setIsGone(errno) ? Joining::again : Joining::failed;
+        return Joining::Full;
+    return setIsGone(errno) ? Joining::Again : Joining::Failed;
 }
 
 /// Where all semaphores are 0 nobody has initialised the set, or whoever made it died before.
@@ -54,7 +54,7 @@ bool setIsGone(int error)
 Joining joinSet(int setID, int semaphores)
 {
     if (initialiseAndRegister(setID, semaphores))
-        return Joining::done;
+        return Joining::Done;
     if (errno != EAGAIN)
         return outcomeOf(false);
     return outcomeOf(registerOnceFree(setID));

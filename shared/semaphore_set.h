@@ -11,10 +11,10 @@ constexpr int mostSemaphores = 250;
 bool setIsGone(int error);
 
 enum class Joining {
-    done,
-    full,   // the counter of registrations is
-    again,  // the set was removed meanwhile
-    failed,
+    Done,
+    Full,   // the counter of registrations is
+    Again,  // the set was removed meanwhile
+    Failed,
 };
 /// Registers this process, and initialises a set that nobody has. Waits while the first mutex is held.
 Joining joinSet(int setID, int semaphores);

@@ -45,17 +45,17 @@ SharedMemoryArenaHeader *arenaIn(LinuxSharedMemory &memory)
         return build();  // whatever the check would look for, it is zeros
     auto *header = static_cast<SharedMemoryArenaHeader *>(memory.address);
     switch (examineArena(header, memory.arenaID, memory.GetSize())) {
-    case ArenaState::whole:
+    case ArenaState::Whole:
         return header;
-    case ArenaState::unfinished:
+    case ArenaState::Unfinished:
         if (memory.Alone())
             return build();
         memory.Abandon();  // or the next one would not be alone either
         return nullptr;
-    case ArenaState::foreign:
+    case ArenaState::Foreign:
         memory.Abandon();
         return nullptr;
-    case ArenaState::corrupt:
+    case ArenaState::Corrupt:
         return nullptr;
     }
     return nullptr;

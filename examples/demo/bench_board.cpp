@@ -41,23 +41,23 @@ void visitMachine(sim::VirtualBoard &board)
 class Bench
 {
 public:
-    Bench() : board(sim::inProcessBoards().plug(0, modelFromEnvironment()))
+    Bench() : board_(sim::inProcessBoards().plug(0, modelFromEnvironment()))
     {
-        if (board.model() != sim::Model::R20)
-            board.highSpeed();
-        board.boardNumber(3).eeprom(E24LC64).hopper(5, 3);
-        board.serialPeripheral(0, std::make_unique<sim::CcTalkAcceptor>());
-        board.inputs().set(1, true);
-        board.inputs().set(17, true);
-        board.switches().open(2);
-        board.switches().close(2);
-        visitor = std::thread(visitMachine, std::ref(board));
+        if (board_.model() != sim::Model::R20)
+            board_.highSpeed();
+        board_.boardNumber(3).eeprom(E24LC64).hopper(5, 3);
+        board_.serialPeripheral(0, std::make_unique<sim::CcTalkAcceptor>());
+        board_.inputs().set(1, true);
+        board_.inputs().set(17, true);
+        board_.switches().open(2);
+        board_.switches().close(2);
+        visitor_ = std::thread(visitMachine, std::ref(board_));
     }
 
     ~Bench()
     {
-        visitor.join();
-        const auto guard = board.lock();
+        visitor_.join();
+        const auto guard = board_.lock();
         std::printf("  -- the board saw: %s\n", requests().c_str());
         std::printf("  -- it is left with: %s\n", outputs().c_str());
     }
@@ -75,7 +75,7 @@ private:
             if (count > 0)
                 text += (text.empty() ? "" : ", ") + last + (count > 1 ? " x" + std::to_string(count) : "");
         };
-        for (const sim::Exchange &exchange : board.exchanges()) {
+        for (const sim::Exchange &exchange : board_.exchanges()) {
             const char *name = nameOfRequest(exchange.request, exchange.pipe);
             const std::string now = name ? name : "?";
             if (now != last) {
@@ -93,13 +93,13 @@ private:
     {
         std::string text;
         for (unsigned int n = 0; n <= usbOutput37; ++n)
-            if (board.outputs().lit(n))
+            if (board_.outputs().lit(n))
                 text += (text.empty() ? "output " : ", ") + std::to_string(n);
         return text.empty() ? "all outputs off" : text + " on";
     }
 
-    sim::VirtualBoard &board;
-    std::thread visitor;
+    sim::VirtualBoard &board_;
+    std::thread visitor_;
 } bench;
 
 }  // namespace

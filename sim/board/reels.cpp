@@ -12,7 +12,6 @@ constexpr unsigned char modeStop = 0;
 constexpr unsigned char modeForward = 1;
 constexpr unsigned char modeForwardEndless = 2;
 constexpr unsigned char modeBackwardEndless = 254;
-constexpr unsigned char modeBackward = 255;
 constexpr unsigned int untilStopped = 0xFFFF;
 
 }  // namespace

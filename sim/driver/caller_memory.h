@@ -11,9 +11,9 @@ namespace sim
 {
 
 /// Which of the two layouts a caller's records have.
-enum class CallerWidth { bits32, bits64 };
+enum class CallerWidth { Bits32, Bits64 };
 
-constexpr CallerWidth ownWidth = sizeof(void *) == 4 ? CallerWidth::bits32 : CallerWidth::bits64;
+constexpr CallerWidth ownWidth = sizeof(void *) == 4 ? CallerWidth::Bits32 : CallerWidth::Bits64;
 
 /// A place in the caller's memory and what belongs there.
 struct MemoryPiece {

@@ -52,10 +52,10 @@ void put32le(unsigned char *to, std::uint32_t value)
 std::optional<Record> readRecord(std::uint64_t address, CallerWidth width, CallerMemory &memory)
 {
     std::array<unsigned char, longestRecord> bytes{};
-    const std::size_t size = width == CallerWidth::bits32 ? 28 : longestRecord;
+    const std::size_t size = width == CallerWidth::Bits32 ? 28 : longestRecord;
     if (!memory.read(address, bytes.data(), size))
         return std::nullopt;
-    if (width == CallerWidth::bits32)
+    if (width == CallerWidth::Bits32)
         return Record{u32le(bytes, 0),  u32le(bytes, 4),  u32le(bytes, 8), u32le(bytes, 12),
                       u32le(bytes, 16), u32le(bytes, 20), bytes[24]};
     return Record{u64le(bytes, 0),  u32le(bytes, 8),  u64le(bytes, 16), u64le(bytes, 24),
@@ -64,7 +64,7 @@ std::optional<Record> readRecord(std::uint64_t address, CallerWidth width, Calle
 
 std::size_t countSize(CallerWidth width)
 {
-    return width == CallerWidth::bits32 ? 4 : 8;
+    return width == CallerWidth::Bits32 ? 4 : 8;
 }
 
 // Asked with the board's lock held.

@@ -101,7 +101,7 @@ void ioctl(fuse_req_t request, fuse_ino_t, unsigned int number, void *argument, 
 {
     const std::shared_ptr<VirtualBoard> board = boardOf(request);
     const pid_t caller = fuse_req_ctx(request)->pid;
-    const CallerWidth width = flags & FUSE_IOCTL_COMPAT ? CallerWidth::bits32 : CallerWidth::bits64;
+    const CallerWidth width = flags & FUSE_IOCTL_COMPAT ? CallerWidth::Bits32 : CallerWidth::Bits64;
     const auto address = reinterpret_cast<std::uintptr_t>(argument);
     const DriverCall call{file->fh, [node = nodeOf(request), caller](Nanoseconds time) {
                               node->passTime(time);

@@ -27,7 +27,7 @@ sim::Bytes bytesOf(std::istream &words)
 
 /// "78/1 0A 1F" and what came back, decoded.
 protocol::Decoded decode(Model model, const std::string &wire, const std::string &answered = "",
-                         Outcome outcome = Outcome::success, int status = 0)
+                         Outcome outcome = Outcome::Success, int status = 0)
 {
     std::istringstream words(wire);
     std::istringstream answerWords(answered);
@@ -217,7 +217,7 @@ TEST(WireLines, KnowEveryExchangeOfTheWireTable)
         };
         for (const Model model : {Model::R20, Model::R20s, Model::R35}) {
             for (const std::string &exchange : exchangesOf(row, model)) {
-                const protocol::Decoded decoded = decode(model, exchange, "", Outcome::refused, 33);
+                const protocol::Decoded decoded = decode(model, exchange, "", Outcome::Refused, 33);
                 EXPECT_TRUE(decoded.asDescribed && isCalled(*decoded.operation)) << row.name << ": " << exchange;
             }
         }
@@ -226,8 +226,8 @@ TEST(WireLines, KnowEveryExchangeOfTheWireTable)
 
 TEST(WireLines, TellWhyNothingCame)
 {
-    EXPECT_EQ(line(decode(Model::R20, "21/5", "01", Outcome::refused, -2)), "GetClock() = status -2");
-    EXPECT_EQ(line(decode(Model::R20, "21/5", "01", Outcome::failed)), "GetClock() = failed");
+    EXPECT_EQ(line(decode(Model::R20, "21/5", "01", Outcome::Refused, -2)), "GetClock() = status -2");
+    EXPECT_EQ(line(decode(Model::R20, "21/5", "01", Outcome::Failed)), "GetClock() = failed");
 }
 
 TEST(WireLines, AreCutOnRequest)

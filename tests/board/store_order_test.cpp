@@ -61,9 +61,9 @@ TEST(StoreOrder, NothingIsOutOfOrderBehindAnyInstruction)
         std::function<bool()> inOrder;
     } table[] = {
         {"a header", [&] { new (header) SharedMemoryArenaHeader(id, bytes); },
-         [&] { return examineArena(header, id, bytes) <= ArenaState::unfinished; }},
+         [&] { return examineArena(header, id, bytes) <= ArenaState::Unfinished; }},
         {"a run that is split", [&] { header->AllocateBlock(200); },
-         [&] { return examineArena(header, id, bytes) == ArenaState::whole; }},
+         [&] { return examineArena(header, id, bytes) == ArenaState::Whole; }},
         {"a name", [&] { header->block(0)->Name(name); },
          [&] { return header->block(0)->objectID.name[0] == '\0' || header->block(0)->objectID == name; }},
         {"a chip", [&] { board.ConfigureEEPROM(&chip); },

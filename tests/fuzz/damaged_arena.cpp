@@ -73,19 +73,20 @@ class Table
 {
 public:
     Table(SharedMemoryObject &handle, std::size_t bytes, Input &input)
-        : handle(handle), original(handle.object), memory(new unsigned char[sizeof(SharedMemoryBlockHeader) + bytes]())
+        : handle_(handle), original_(handle.object),
+          memory_(new unsigned char[sizeof(SharedMemoryBlockHeader) + bytes]())
     {
-        handle.object = reinterpret_cast<SharedMemoryBlockHeader *>(memory.get());
-        input.fill(memory.get() + sizeof(SharedMemoryBlockHeader), bytes);
+        handle.object = reinterpret_cast<SharedMemoryBlockHeader *>(memory_.get());
+        input.fill(memory_.get() + sizeof(SharedMemoryBlockHeader), bytes);
     }
-    ~Table() { handle.object = original; }
+    ~Table() { handle_.object = original_; }
     Table(const Table &) = delete;
     Table &operator=(const Table &) = delete;
 
 private:
-    SharedMemoryObject &handle;
-    SharedMemoryBlockHeader *original;
-    std::unique_ptr<unsigned char[]> memory;
+    SharedMemoryObject &handle_;
+    SharedMemoryBlockHeader *original_;
+    std::unique_ptr<unsigned char[]> memory_;
 };
 
 void useTables(Input &input)

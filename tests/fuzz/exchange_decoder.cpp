@@ -69,7 +69,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     if (change(input, payload))
         fuzz::require(lineOf(exchange, payload, answer) != told, "another payload is another line");
     const std::string toldThen = lineOf(exchange, payload, answer);
-    if (change(input, answer) && exchange.outcome == protocol::Outcome::success)
+    if (change(input, answer) && exchange.outcome == protocol::Outcome::Success)
         fuzz::require(lineOf(exchange, payload, answer) != toldThen, "another answer is another line");
     return 0;
 }

@@ -15,7 +15,7 @@ namespace fuzz
 class Input
 {
 public:
-    Input(const std::uint8_t *data, std::size_t size) : next(data), left(size) {}
+    Input(const std::uint8_t *data, std::size_t size) : next_(data), left_(size) {}
 
     template <class Value>
     Value take()
@@ -26,21 +26,21 @@ public:
     }
     void fill(void *memory, std::size_t count)
     {
-        const std::size_t given = std::min(count, left);
+        const std::size_t given = std::min(count, left_);
         if (count)
             std::memset(memory, 0, count);
         if (given)
-            std::memcpy(memory, next, given);
-        next += given;
-        left -= given;
+            std::memcpy(memory, next_, given);
+        next_ += given;
+        left_ -= given;
     }
     /// 0 to most.
     unsigned int upTo(unsigned int most) { return take<std::uint16_t>() % (most + 1); }
-    bool ended() const { return left == 0; }
+    bool ended() const { return left_ == 0; }
 
 private:
-    const std::uint8_t *next;
-    std::size_t left;
+    const std::uint8_t *next_;
+    std::size_t left_;
 };
 
 /// Ends the run where a promise is broken that no sanitizer knows of.

@@ -29,13 +29,13 @@ void ctl(const std::string &command)
 /// Takes its firmware from a board.
 void replug(int device, const std::string &slowness = "300us")
 {
-    for (const std::string command : {" unplug", " plug", (" slow " + slowness).c_str()})
+    for (const std::string &command : {std::string(" unplug"), std::string(" plug"), " slow " + slowness})
         ctl(std::to_string(device) + command);
 }
 
 /// A program that does these orders from its start on; one in two is of the other width.
 struct Program {
-    explicit Program(std::initializer_list<std::string> orders) : peer(width(), Peer::Start::held)
+    explicit Program(std::initializer_list<std::string> orders) : peer(width(), Peer::Start::Held)
     {
         peer.release();
         for (const std::string &order : orders)

@@ -55,7 +55,7 @@ Life live(const std::string &faults, int model = 3)
     startNewBoard();
     ::setenv("SORVANE_FAULTS", faults.c_str(), 1);
     ::setenv("PEER_MODEL", std::to_string(model).c_str(), 1);
-    Peer peer(ownWidth(), Peer::Start::held);
+    Peer peer(ownWidth(), Peer::Start::Held);
     ::unsetenv("SORVANE_FAULTS");
     ::unsetenv("PEER_MODEL");
     peer.release();

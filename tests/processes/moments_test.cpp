@@ -17,10 +17,10 @@ const std::vector<std::string> lockedOperations =
             "SetOffPeriodOutputBit ConfigureEEPROM CheckEEPROM ReadEEPROM WriteEEPROM ReceiveByteWithTimestamp "
             "ReceiveByteWithTimestamp9BitData");
 
-const Setting joinings[] = {{loading, Company::joiner},
-                            {leaving, Company::joiner},
-                            {loading, Company::joiner, Fate::goesOn},
-                            {leaving, Company::joiner, Fate::goesOn}};
+const Setting joinings[] = {{loading, Company::Joiner},
+                            {leaving, Company::Joiner},
+                            {loading, Company::Joiner, Fate::GoesOn},
+                            {leaving, Company::Joiner, Fate::GoesOn}};
 
 struct Stop {
     std::string where;
@@ -58,7 +58,7 @@ Count endAtEach(const Setting &setting, const std::vector<Stop> &stops, const st
         SCOPED_TRACE("\"" + setting.part.line + "\", " + std::to_string(moment.instruction) + " instructions of " +
                      std::to_string(stop.instructions) + " behind stop " + std::to_string(moment.stop) + ", " +
                      stop.where + ", company " + std::to_string(static_cast<int>(setting.company)) +
-                     (setting.fate == Fate::isKilled ? ", then killed" : ", then going on"));
+                     (setting.fate == Fate::IsKilled ? ", then killed" : ", then going on"));
         Scene scene(setting);
         EXPECT_TRUE(scene.reach(moment) && scene.process().where() == stop.where) << "it was not reached";
         count.waited += scene.end();
@@ -112,7 +112,7 @@ Count endBetweenInstructions(const Setting &setting, std::size_t mostPerStretch)
 TEST_F(Processes, AreKilledAtEachSystemCallOfLoadingOpeningAndLeaving)
 {
     for (Rounds rounds("killed at each call of load, open and unload", 1); rounds.another();) {
-        for (Company company : {Company::none, Company::survivor}) {
+        for (Company company : {Company::None, Company::Survivor}) {
             const std::size_t points =
                 endAtEachCall({loading, company}, {"openat", "semget", "semop", "shmget", "shmat", "shmctl"}).points +
                 endAtEachCall({opening, company}, {"flock", "semop", "ioctl"}).points +
@@ -126,7 +126,7 @@ TEST_F(Processes, AreKilledAtEachSystemCallOfEachLockedOperation)
 {
     for (Rounds rounds("killed at each call of the locked operations", 1); rounds.another();)
         for (const std::string &operation : lockedOperations)
-            for (Company company : {Company::none, Company::survivor})
+            for (Company company : {Company::None, Company::Survivor})
                 rounds.note("points", endAtEachCall({{"do " + operation}, company}, {"semop", "ioctl"}).points);
 }
 
@@ -135,7 +135,7 @@ TEST_F(Processes, AreKilledOrGoOnWhileOthersJoin)
     for (Rounds rounds("killed or going on while another joins", 1); rounds.another();) {
         for (const Setting &setting : joinings) {
             const Count atCalls = endAtEachCall(setting, {"semop", "shmctl"});
-            const Count between = setting.fate == Fate::goesOn ? endBetweenInstructions(setting, 1) : Count();
+            const Count between = setting.fate == Fate::GoesOn ? endBetweenInstructions(setting, 1) : Count();
             EXPECT_GT(atCalls.waited, 0u);
             rounds.note("points", atCalls.points + between.points);
             rounds.note("points that made the other wait", atCalls.waited + between.waited);
@@ -156,12 +156,12 @@ class KilledBetweenInstructions : public Processes, public testing::WithParamInt
 const Part setBit = {"do SetOutputBit"}, setAll = {"do SetOnPeriodOutputs"}, configure = {"do ConfigureEEPROM"};
 const Part take = {"do ReceiveByteWithTimestamp"};
 const Stretches stretches[] = {
-    {"Loading", {{loading, Company::none}, {loading, Company::survivor}}, 1, 3},
+    {"Loading", {{loading, Company::None}, {loading, Company::Survivor}}, 1, 3},
     {"OperationsThatChangeTables",
-     {{setBit, Company::survivor}, {setAll, Company::survivor}, {configure, Company::survivor}},
+     {{setBit, Company::Survivor}, {setAll, Company::Survivor}, {configure, Company::Survivor}},
      5,
      10},
-    {"TakingAnItem", {{take, Company::survivor, Fate::isKilled, 1}, {take, Company::survivor}}, 20, 40},
+    {"TakingAnItem", {{take, Company::Survivor, Fate::IsKilled, 1}, {take, Company::Survivor}}, 20, 40},
 };
 INSTANTIATE_TEST_SUITE_P(Of, KilledBetweenInstructions, testing::ValuesIn(stretches),
                          [](const auto &info) { return info.param.what; });

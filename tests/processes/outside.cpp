@@ -34,17 +34,17 @@ bool longRun()
     return std::getenv("SORVANE_STRESS_SECONDS") != nullptr;
 }
 
-Rounds::Rounds(const std::string &what, int few, int atLeast) : what(what), fewest(longRun() ? atLeast : few)
+Rounds::Rounds(const std::string &what, int few, int atLeast) : what_(what), fewest_(longRun() ? atLeast : few)
 {
     if (emulated())
-        fewest = (fewest + 9) / 10;
-    seconds = longRun() ? std::atof(std::getenv("SORVANE_STRESS_SECONDS")) : 0;
+        fewest_ = (fewest_ + 9) / 10;
+    seconds_ = longRun() ? std::atof(std::getenv("SORVANE_STRESS_SECONDS")) : 0;
 }
 
 Rounds::~Rounds()
 {
-    std::printf("    %s: %d rounds", what.c_str(), done());
-    for (const auto &[name, value] : notes)
+    std::printf("    %s: %d rounds", what_.c_str(), done());
+    for (const auto &[name, value] : notes_)
         std::printf(", %lu %s", value, name.c_str());
     std::printf(" in %.1f s\n", passed());
     std::fflush(stdout);
@@ -52,14 +52,14 @@ Rounds::~Rounds()
 
 double Rounds::passed() const
 {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
 }
 
 bool Rounds::another()
 {
     // One that has failed need not fail a thousand times more.
-    const bool goOn = !testing::Test::HasFailure() && (count < fewest || passed() < seconds);
-    ++count;
+    const bool goOn = !testing::Test::HasFailure() && (count_ < fewest_ || passed() < seconds_);
+    ++count_;
     return goOn;
 }
 

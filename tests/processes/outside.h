@@ -28,19 +28,19 @@ public:
     Rounds &operator=(const Rounds &) = delete;
 
     bool another();
-    int done() const { return count - 1; }
+    int done() const { return count_ - 1; }
     /// Adds to a number of the figure.
-    void note(const std::string &name, unsigned long value) { notes[name] += value; }
+    void note(const std::string &name, unsigned long value) { notes_[name] += value; }
 
 private:
     double passed() const;
 
-    std::string what;
-    int fewest;
-    double seconds;  // to go on for
-    int count = 0;
-    std::map<std::string, unsigned long> notes;
-    std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
+    std::string what_;
+    int fewest_;
+    double seconds_;  // to go on for
+    int count_ = 0;
+    std::map<std::string, unsigned long> notes_;
+    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
 
 /// The words of a text.

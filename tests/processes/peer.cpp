@@ -42,8 +42,8 @@ Peer::Peer(const std::string &program, Start start, int gate)
     int ends[2];
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0)
         throw std::runtime_error("socketpair");
-    process = ::fork();
-    if (process == 0) {
+    process_ = ::fork();
+    if (process_ == 0) {
         char released;
         ::dup2(ends[1], 0);
         ::dup2(ends[1], 1);
@@ -56,29 +56,29 @@ Peer::Peer(const std::string &program, Start start, int gate)
         ::_exit(127);
     }
     ::close(ends[1]);
-    wire = ends[0];
-    if (start == Start::now)
+    wire_ = ends[0];
+    if (start == Start::Now)
         release();
-    if (start == Start::now && gate == -1)
+    if (start == Start::Now && gate == -1)
         awaitReady();
 }
 
 Peer::Peer(Peer &&other) noexcept
-    : process(std::exchange(other.process, -1)), wire(std::exchange(other.wire, -1)), ready(other.ready)
+    : process_(std::exchange(other.process_, -1)), wire_(std::exchange(other.wire_, -1)), ready_(other.ready_)
 {
 }
 
 Peer::~Peer()
 {
-    if (process != -1)
+    if (process_ != -1)
         kill();
-    if (wire != -1)
-        ::close(wire);
+    if (wire_ != -1)
+        ::close(wire_);
 }
 
 void Peer::awaitReady(int milliseconds)
 {
-    if (std::exchange(ready, true))
+    if (std::exchange(ready_, true))
         return;
     const std::string line = answer(milliseconds);
     if (line != "ready")
@@ -88,7 +88,7 @@ void Peer::awaitReady(int milliseconds)
 void Peer::tell(const std::string &line)
 {
     const std::string text = line + "\n";
-    if (::send(wire, text.data(), text.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(text.size()))
+    if (::send(wire_, text.data(), text.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(text.size()))
         throw std::runtime_error("the peer is gone");
 }
 
@@ -98,14 +98,14 @@ std::string Peer::answer(int milliseconds)
         throw std::runtime_error("no answer within " + std::to_string(milliseconds) + " ms");
     std::string line;
     char character;
-    while (::read(wire, &character, 1) == 1 && character != '\n')
+    while (::read(wire_, &character, 1) == 1 && character != '\n')
         line += character;
     return line;
 }
 
 bool Peer::answers(int milliseconds) const
 {
-    pollfd waiting = {wire, POLLIN, 0};
+    pollfd waiting = {wire_, POLLIN, 0};
     return ::poll(&waiting, 1, milliseconds) == 1;
 }
 
@@ -118,7 +118,7 @@ std::string Peer::ask(const std::string &line, int milliseconds)
 bool Peer::wait()
 {
     int status = -1;
-    ::waitpid(std::exchange(process, -1), &status, 0);
+    ::waitpid(std::exchange(process_, -1), &status, 0);
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
@@ -130,7 +130,7 @@ bool Peer::quit()
 
 void Peer::kill()
 {
-    ::kill(process, SIGKILL);
+    ::kill(process_, SIGKILL);
     wait();
 }
 

@@ -22,10 +22,10 @@ bool hasOtherWidth();
 class Peer
 {
 public:
-    enum class Start { now, held };
+    enum class Start { Now, Held };
 
     /// With a gate, a descriptor, it stops just before it loads the library, says "gate" and waits for the gate's end.
-    explicit Peer(const std::string &program = ownWidth(), Start start = Start::now, int gate = -1);
+    explicit Peer(const std::string &program = ownWidth(), Start start = Start::Now, int gate = -1);
     ~Peer();
     Peer(Peer &&other) noexcept;
     Peer &operator=(Peer &&) = delete;
@@ -45,14 +45,14 @@ public:
     bool wait();
     bool quit();
     void kill();
-    pid_t id() const { return process; }
+    pid_t id() const { return process_; }
 
 private:
     static constexpr int patience = 10000;
 
-    pid_t process = -1;
-    int wire = -1;
-    bool ready = false;
+    pid_t process_ = -1;
+    int wire_ = -1;
+    bool ready_ = false;
 };
 
 }  // namespace tests

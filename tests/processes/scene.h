@@ -20,14 +20,14 @@ constexpr int wholeBatch = 50;  // items of the stream that the other takes befo
 
 inline const Part loading = {""}, leaving = {"quit"}, opening = {"do open"};
 
-enum class Company { none, survivor, joiner };
-enum class Fate { isKilled, goesOn };
+enum class Company { None, Survivor, Joiner };
+enum class Fate { IsKilled, GoesOn };
 
 /// What the process is stopped in, beside whom, and what becomes of it.
 struct Setting {
     Part part;
     Company company;
-    Fate fate = Fate::isKilled;
+    Fate fate = Fate::IsKilled;
     int drained = wholeBatch;
 };
 
@@ -40,58 +40,58 @@ struct Moment {
 class Scene
 {
 public:
-    explicit Scene(const Setting &setting) : setting(setting), nextItem(firstItem + setting.drained)
+    explicit Scene(const Setting &setting) : setting_(setting), nextItem_(firstItem + setting.drained)
     {
         startNewBoard();
         sharedBoard().nextItem = firstItem;
-        if (setting.company == Company::survivor) {
-            survivor = std::make_unique<Peer>(eitherWidth());
-            EXPECT_EQ(survivor->ask("bit 0 1"), "1");
-            survivor->ask("drain " + std::to_string(setting.drained));
+        if (setting.company == Company::Survivor) {
+            survivor_ = std::make_unique<Peer>(eitherWidth());
+            EXPECT_EQ(survivor_->ask("bit 0 1"), "1");
+            survivor_->ask("drain " + std::to_string(setting.drained));
         }
-        victim = std::make_unique<Traced>(ownWidth());
+        victim_ = std::make_unique<Traced>(ownWidth());
         if (!setting.part.loading() && setting.part.line != opening.line) {
-            victim->beginWith(opening);
-            while (victim->next()) {
+            victim_->beginWith(opening);
+            while (victim_->next()) {
             }
         }
-        victim->beginWith(setting.part);
+        victim_->beginWith(setting.part);
     }
     ~Scene() { removeEverything(); }
     Scene(const Scene &) = delete;
     Scene &operator=(const Scene &) = delete;
 
-    Traced &process() { return *victim; }
+    Traced &process() { return *victim_; }
 
     bool reach(const Moment &moment)
     {
         for (std::size_t k = 0; k < moment.stop; ++k)
-            if (!victim->next())
+            if (!victim_->next())
                 return false;
-        return victim->stepInstructions(moment.instruction);
+        return victim_->stepInstructions(moment.instruction);
     }
 
     /// Lets the fate come, and looks at who lives on, at who starts before or after, and at what is left at last. True
     /// when somebody had to wait for it: only a holder of the arena's mutex makes others wait.
     bool end()
     {
-        const bool waits = setting.company == Company::joiner && arenaMutexHolder() == victim->peer.id();
+        const bool waits = setting_.company == Company::Joiner && arenaMutexHolder() == victim_->peer.id();
         std::optional<Peer> joiner;
-        if (setting.company == Company::joiner) {
-            joiner.emplace(eitherWidth(), Peer::Start::held).release();
+        if (setting_.company == Company::Joiner) {
+            joiner.emplace(eitherWidth(), Peer::Start::Held).release();
             if (waits) {
                 EXPECT_FALSE(joiner->answers(30)) << "it joined although the arena's mutex is held";
             } else {
                 expectWholeLife(*joiner);
             }
         }
-        if (setting.fate == Fate::goesOn)
-            victim->release();
+        if (setting_.fate == Fate::GoesOn)
+            victim_->release();
         else
-            victim->peer.kill();
+            victim_->peer.kill();
         if (waits)
             expectWholeLife(*joiner);
-        setting.fate == Fate::goesOn ? expectGoingOn() : expectNothingLost();
+        setting_.fate == Fate::GoesOn ? expectGoingOn() : expectNothingLost();
         return waits;
     }
 
@@ -103,41 +103,41 @@ private:
     void expectWholeLife(Peer &peer) const
     {
         expectAtWork(peer, 3, patience);
-        expectPattern(peer, survivor ? 0x0D : 0x08);
+        expectPattern(peer, survivor_ ? 0x0D : 0x08);
         const ArenaReport report = reportArena();
         EXPECT_EQ(report.text(), "");
-        EXPECT_GE(report.registrations, survivor ? 2 : 1);
+        EXPECT_GE(report.registrations, survivor_ ? 2 : 1);
         EXPECT_TRUE(peer.quit());
     }
 
     void expectGoingOn() const
     {
-        if (setting.part.loading())
-            expectAtWork(victim->peer, 2);
-        EXPECT_TRUE(setting.part.leaving() ? victim->peer.wait() : victim->peer.quit());
+        if (setting_.part.loading())
+            expectAtWork(victim_->peer, 2);
+        EXPECT_TRUE(setting_.part.leaving() ? victim_->peer.wait() : victim_->peer.quit());
         expectNothingLeft();
     }
 
     void expectNothingLost() const
     {
-        if (survivor) {
-            EXPECT_EQ(survivor->ask("bit 2 1", patience), "1");
-            expectPattern(*survivor, 0x05);
-            if (setting.part.line.find("9Bit") == std::string::npos)  // mixing both forms shifts the items by right
-                expectStream(*survivor);
+        if (survivor_) {
+            EXPECT_EQ(survivor_->ask("bit 2 1", patience), "1");
+            expectPattern(*survivor_, 0x05);
+            if (setting_.part.line.find("9Bit") == std::string::npos)  // mixing both forms shifts the items by right
+                expectStream(*survivor_);
         }
         Peer newcomer(eitherWidth());
         expectWholeLife(newcomer);
-        EXPECT_TRUE(!survivor || survivor->quit());
+        EXPECT_TRUE(!survivor_ || survivor_->quit());
         // A process that is killed before it has registered leaves nothing, nor does one that has left already.
-        const bool registered = !setting.part.loading() && !setting.part.leaving();
+        const bool registered = !setting_.part.loading() && !setting_.part.leaving();
         expectOnlyRegistrationsLeft("all left", registered, 1);
     }
 
     /// The outputs of those that live are as they wanted them; the victim's own change has happened or not.
     void expectPattern(Peer &peer, unsigned int own) const
     {
-        const std::string &line = setting.part.line;
+        const std::string &line = setting_.part.line;
         const bool whole = line.find("Outputs") != std::string::npos && line.find("Modify") == std::string::npos;
         for (const char *pattern : {"on", "off"}) {
             const std::string hex = peer.ask(pattern);
@@ -155,16 +155,16 @@ private:
         std::istringstream numbers(peer.ask("drain 60"));
         const std::vector<int> items(std::istream_iterator<int>(numbers), {});
         ASSERT_EQ(items.size(), 60u);
-        const bool batchDied = nextItem == 200 && items[0] == 300;
-        EXPECT_TRUE(items[0] == nextItem || items[0] == nextItem + 1 || batchDied) << items[0];
+        const bool batchDied = nextItem_ == 200 && items[0] == 300;
+        EXPECT_TRUE(items[0] == nextItem_ || items[0] == nextItem_ + 1 || batchDied) << items[0];
         for (std::size_t k = 1; k < items.size(); ++k)
             ASSERT_EQ(items[k], items[k - 1] + 1) << "item " << k << " after the kill";
     }
 
-    Setting setting;
-    int nextItem;
-    std::unique_ptr<Peer> survivor;
-    std::unique_ptr<Traced> victim;
+    Setting setting_;
+    int nextItem_;
+    std::unique_ptr<Peer> survivor_;
+    std::unique_ptr<Traced> victim_;
 };
 
 }  // namespace tests::moments

@@ -21,34 +21,34 @@ class Gate
 public:
     Gate()
     {
-        if (::pipe2(ends, O_CLOEXEC) != 0)
+        if (::pipe2(ends_, O_CLOEXEC) != 0)
             throw std::runtime_error("no gate");
     }
     ~Gate()
     {
-        for (int end : ends)
+        for (int end : ends_)
             ::close(end);
     }
     Gate(const Gate &) = delete;
     Gate &operator=(const Gate &) = delete;
 
-    void add(const char *program) { waiting.emplace_back(program, Peer::Start::now, ends[0]); }
+    void add(const char *program) { waiting_.emplace_back(program, Peer::Start::Now, ends_[0]); }
     void waitForAll()
     {
-        for (Peer &peer : waiting)
+        for (Peer &peer : waiting_)
             ASSERT_EQ(peer.answer(patience), "gate");
     }
     std::vector<Peer> &open()
     {
-        ::close(std::exchange(ends[1], -1));
-        return waiting;
+        ::close(std::exchange(ends_[1], -1));
+        return waiting_;
     }
 
     static constexpr int patience = 30000;  // ms
 
 private:
-    int ends[2];
-    std::vector<Peer> waiting;
+    int ends_[2];
+    std::vector<Peer> waiting_;
 };
 
 class StartAndLeave : public BothWidths
@@ -148,7 +148,7 @@ TEST_F(Processes, ProcessesKilledAtRandomMomentsHoldNobodyUp)
         const int state = ++driversKilled % 2;
         EXPECT_EQ(survivor.ask("bit 33 " + std::to_string(state), 1000), "1");
         EXPECT_EQ(survivor.ask("on").substr(8), state ? "02" : "00");
-        Peer starting(eitherWidth(), Peer::Start::held);
+        Peer starting(eitherWidth(), Peer::Start::Held);
         starting.release();
         std::this_thread::sleep_for(std::chrono::microseconds(random() % 4000));
         starting.kill();

@@ -45,7 +45,7 @@ constexpr auto requestOf(int request)
 
 }  // namespace
 
-Traced::Traced(const std::string &program) : peer(program, Peer::Start::held)
+Traced::Traced(const std::string &program) : peer(program, Peer::Start::Held)
 {
     const auto options = reinterpret_cast<void *>(PTRACE_O_TRACESYSGOOD | PTRACE_O_TRACEEXEC | PTRACE_O_EXITKILL);
     if (::ptrace(PTRACE_SEIZE, peer.id(), nullptr, options) != 0)
@@ -58,7 +58,7 @@ Traced::Traced(const std::string &program) : peer(program, Peer::Start::held)
 
 bool Traced::possible()
 {
-    Peer victim("/bin/true", Peer::Start::held);
+    Peer victim("/bin/true", Peer::Start::Held);
     return ::ptrace(PTRACE_SEIZE, victim.id(), nullptr, nullptr) == 0;
 }
 
@@ -71,12 +71,12 @@ void Traced::resume(int request)
                 0 ||
             ::waitpid(peer.id(), &status, 0) != peer.id())
             throw std::runtime_error("the traced process was lost");
-        alive = WIFSTOPPED(status);
-        if (!alive || WSTOPSIG(status) == (SIGTRAP | 0x80) || WSTOPSIG(status) == SIGTRAP)
+        alive_ = WIFSTOPPED(status);
+        if (!alive_ || WSTOPSIG(status) == (SIGTRAP | 0x80) || WSTOPSIG(status) == SIGTRAP)
             break;
         signal = status >> 16 ? 0 : WSTOPSIG(status);  // one of the process's own: it gets it
     }
-    if (alive)
+    if (alive_)
         look();
 }
 
@@ -86,23 +86,23 @@ void Traced::look()
     const auto size = reinterpret_cast<void *>(sizeof info);
     if (::ptrace(requestOf(PTRACE_GET_SYSCALL_INFO), peer.id(), size, &info) <= 0)
         throw std::runtime_error("the kernel does not tell where a traced process stands");
-    compat = info.arch == AUDIT_ARCH_I386;
-    instruction = info.instruction_pointer;
-    atCall = info.op == PTRACE_SYSCALL_INFO_ENTRY || info.op == PTRACE_SYSCALL_INFO_EXIT;
-    before = info.op == PTRACE_SYSCALL_INFO_ENTRY;
-    if (!before)
+    compat_ = info.arch == AUDIT_ARCH_I386;
+    instruction_ = info.instruction_pointer;
+    atCall_ = info.op == PTRACE_SYSCALL_INFO_ENTRY || info.op == PTRACE_SYSCALL_INFO_EXIT;
+    before_ = info.op == PTRACE_SYSCALL_INFO_ENTRY;
+    if (!before_)
         return;  // afterwards number and arguments are those of the call before
-    number = info.entry.nr;
+    number_ = info.entry.nr;
     for (int k = 0; k < 6; ++k)
-        arguments[k] = info.entry.args[k];
+        arguments_[k] = info.entry.args[k];
 }
 
 std::string Traced::where() const
 {
-    std::string name = compat && number == narrowIpc ? nameIn(narrowIpcCalls, arguments[0] & 0xFFFF)
-                       : compat                      ? nameIn(narrowCalls, number)
-                                                     : nameIn(wideCalls, number);
-    return name + (before ? " before" : " after");
+    std::string name = compat_ && number_ == narrowIpc ? nameIn(narrowIpcCalls, arguments_[0] & 0xFFFF)
+                       : compat_                       ? nameIn(narrowCalls, number_)
+                                                       : nameIn(wideCalls, number_);
+    return name + (before_ ? " before" : " after");
 }
 
 bool Traced::isInTemporary(unsigned long long path) const
@@ -117,42 +117,42 @@ bool Traced::isInTemporary(unsigned long long path) const
 bool Traced::isStart(const Part &wanted) const
 {
     if (wanted.loading())
-        return where() == "openat before" && isInTemporary(arguments[1]);
-    return where() == "read after" && arguments[0] == 0;
+        return where() == "openat before" && isInTemporary(arguments_[1]);
+    return where() == "read after" && arguments_[0] == 0;
 }
 
 bool Traced::isOver() const
 {
     const std::string here = where();
-    return here == "exit before" || (here == "write before" && arguments[0] == 1);
+    return here == "exit before" || (here == "write before" && arguments_[0] == 1);
 }
 
 void Traced::beginWith(const Part &wanted)
 {
-    part = wanted;
-    if (!part.loading())
-        peer.tell(part.line);
+    part_ = wanted;
+    if (!part_.loading())
+        peer.tell(part_.line);
     do
         resume(PTRACE_SYSCALL);
-    while (alive && !isStart(part));
-    if (!alive)
-        throw std::runtime_error("the process ended before \"" + part.line + "\"");
+    while (alive_ && !isStart(part_));
+    if (!alive_)
+        throw std::runtime_error("the process ended before \"" + part_.line + "\"");
 }
 
 bool Traced::next()
 {
     resume(PTRACE_SYSCALL);
-    return alive && !isOver();
+    return alive_ && !isOver();
 }
 
 bool Traced::stepInstruction()
 {
     errno = 0;
-    const long code = ::ptrace(PTRACE_PEEKTEXT, peer.id(), reinterpret_cast<void *>(instruction), nullptr) & 0xFFFF;
+    const long code = ::ptrace(PTRACE_PEEKTEXT, peer.id(), reinterpret_cast<void *>(instruction_), nullptr) & 0xFFFF;
     if (errno != 0 || code == 0x050F || code == 0x80CD || code == 0x340F)  // syscall, int 0x80, sysenter
         return false;
     resume(PTRACE_SINGLESTEP);
-    return alive;
+    return alive_;
 }
 
 bool Traced::stepInstructions(std::size_t count)
@@ -167,7 +167,7 @@ bool Traced::stepInstructions(std::size_t count)
 
 void Traced::release()
 {
-    if (alive)
+    if (alive_)
         ::ptrace(PTRACE_DETACH, peer.id(), nullptr, nullptr);
 }
 

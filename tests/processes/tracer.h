@@ -49,14 +49,14 @@ private:
     void look();
     bool isInTemporary(unsigned long long path) const;
 
-    Part part;
-    bool alive = true;
-    bool atCall = false;
-    bool before = false;
-    bool compat = false;                // a 32-bit process
-    unsigned long long number = ~0ULL;  // none yet
-    unsigned long long arguments[6] = {};
-    unsigned long long instruction = 0;
+    Part part_;
+    bool alive_ = true;
+    bool atCall_ = false;
+    bool before_ = false;
+    bool compat_ = false;                // a 32-bit process
+    unsigned long long number_ = ~0ULL;  // none yet
+    unsigned long long arguments_[6] = {};
+    unsigned long long instruction_ = 0;
 };
 
 }  // namespace tests

@@ -1,5 +1,6 @@
 // Runs of blocks, in an arena of the test's own.
 #include "shared/arena_check.h"
+#include "shared/sharedimp.h"
 
 #include <cstring>
 #include <filesystem>
@@ -53,7 +54,7 @@ TEST(Arena, GivesTheFirstRunThatIsLongEnoughAndSplitsIt)
         EXPECT_EQ(arena.header->AllocateBlock(tooMuch), nullptr) << tooMuch;
     EXPECT_TRUE(arena.header->AllocateBlock(rest));
     EXPECT_EQ(new (arena.header) SharedMemoryBlockHeader, nullptr);
-    EXPECT_EQ(examineArena(arena.header, arena.id, 65536), ArenaState::whole);
+    EXPECT_EQ(examineArena(arena.header, arena.id, 65536), ArenaState::Whole);
 }
 
 TEST(Arena, FindsAnObjectByNameAndNumber)

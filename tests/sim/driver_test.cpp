@@ -63,7 +63,7 @@ void putNumber(Bytes &to, std::size_t at, std::uint64_t number, std::size_t size
 
 Bytes recordBytes(const RecordFields &fields, CallerWidth width)
 {
-    const std::size_t word = width == CallerWidth::bits32 ? 4 : 8;
+    const std::size_t word = width == CallerWidth::Bits32 ? 4 : 8;
     Bytes record(7 * word, 0xCC);
     putNumber(record, 0, fields.statusWord, word);
     putNumber(record, word, fields.pipeIndex, 4);
@@ -89,8 +89,8 @@ public:
     CallerPages caller;
 };
 
-INSTANTIATE_TEST_SUITE_P(Widths, RecordTest, testing::Values(CallerWidth::bits32, CallerWidth::bits64),
-                         [](const auto &info) { return info.param == CallerWidth::bits32 ? "bits32" : "bits64"; });
+INSTANTIATE_TEST_SUITE_P(Widths, RecordTest, testing::Values(CallerWidth::Bits32, CallerWidth::Bits64),
+                         [](const auto &info) { return info.param == CallerWidth::Bits32 ? "bits32" : "bits64"; });
 
 TEST_P(RecordTest, PayloadAnswerLengthAndStatusArrive)
 {
@@ -99,7 +99,7 @@ TEST_P(RecordTest, PayloadAnswerLengthAndStatusArrive)
     EXPECT_EQ(call({}), 0);
     EXPECT_EQ(caller.get(0x1300, 6), (Bytes{2, 0, 0, 0, 1, 0xA5}));
     EXPECT_EQ(caller.get(0x1100, 5), (Bytes{0, 0, 0, 0, 0xA5}));
-    const Bytes count = GetParam() == CallerWidth::bits32 ? Bytes{5, 0, 0, 0, 0xA5, 0xA5, 0xA5, 0xA5, 0xA5}
+    const Bytes count = GetParam() == CallerWidth::Bits32 ? Bytes{5, 0, 0, 0, 0xA5, 0xA5, 0xA5, 0xA5, 0xA5}
                                                           : Bytes{5, 0, 0, 0, 0, 0, 0, 0, 0xA5};
     EXPECT_EQ(caller.get(0x1400, 9), count);
 
