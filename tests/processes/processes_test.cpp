@@ -119,10 +119,11 @@ TEST_F(Processes, AFullCountOfRegistrationsCostsNobodyTheLocks)
     EXPECT_EQ(valueOf(2), 1);
 }
 
-TEST_F(Processes, AChildThatFindsASetMadeAnewDoesNotRegisterForEver)
+TEST_F(Processes, AForkedChildTearsNothingDownAndRegistersNowhereForEver)
 {
     Peer peer;
-    peer.ask("do open");
+    EXPECT_EQ(peer.ask("fork exit 4"), "exited");
+    expectShared(1, "it was not the last one");
     EXPECT_EQ(peer.ask("lock 1"), "ok");
     ::semctl(semaphores(), 0, IPC_RMID);
     Peer next;
@@ -136,6 +137,7 @@ TEST_F(Processes, AChildThatFindsASetMadeAnewDoesNotRegisterForEver)
 TEST_F(Processes, ASetThatVanishesIsLookedUpByItsName)
 {
     Peer peer;
+    peer.ask("do open");
     ::semctl(semaphores(), 0, IPC_RMID);
     Peer next;  // makes a new one
     EXPECT_EQ(next.ask("lock 3"), "ok");
