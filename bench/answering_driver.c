@@ -120,6 +120,7 @@ int open(const char *path, int flags, ...)
         *(void **)&libc_open = dlsym(RTLD_NEXT, "open");
     va_list arguments;
     va_start(arguments, flags);
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): it has just been started
     const unsigned int mode = flags & O_CREAT ? va_arg(arguments, unsigned int) : 0;
     va_end(arguments);
     return libc_open(instead_of(path), flags, mode);

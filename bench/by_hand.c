@@ -7,9 +7,9 @@
 #include <string.h>
 
 #ifdef BY_PACKET
-#define exchange exchange_packet
+#define EXCHANGE exchange_packet
 #else
-#define exchange exchange_record
+#define EXCHANGE exchange_record
 #endif
 
 enum { on_lock = 2, off_lock = 3, eeprom_lock = 4 };
@@ -20,7 +20,7 @@ static volatile const unsigned int some_input = 12, some_output = 12, some_state
 static int ask(const struct hand_board *board, unsigned int pipe, unsigned char request, unsigned char *in)
 {
     unsigned long count;
-    return exchange(board->file, pipe, request, NULL, 0, in, &count);
+    return EXCHANGE(board->file, pipe, request, NULL, 0, in, &count);
 }
 
 static int tell(const struct hand_board *board, unsigned int pipe, unsigned char request, const unsigned char *out,
@@ -28,7 +28,7 @@ static int tell(const struct hand_board *board, unsigned int pipe, unsigned char
 {
     unsigned char in[256];
     unsigned long count;
-    return exchange(board->file, pipe, request, out, length, in, &count);
+    return EXCHANGE(board->file, pipe, request, out, length, in, &count);
 }
 
 static int nothing(struct hand_board *board, union result *result)
@@ -70,7 +70,7 @@ static int get_parallel_hopper_status(struct hand_board *board, union result *re
     const unsigned char out[] = {5};
     unsigned char in[256];
     unsigned long count;
-    if (!exchange(board->file, 1, 113, out, sizeof out, in, &count))
+    if (!EXCHANGE(board->file, 1, 113, out, sizeof out, in, &count))
         return 0;
     result->number = in[0];
     result->bytes[4] = in[1];
@@ -120,7 +120,7 @@ static int read_eeprom(struct hand_board *board, union result *result)
     const unsigned char out[] = {58, 16, 0};
     unsigned long count;
     lock(board->locks, eeprom_lock);
-    const int done = exchange(board->file, 2, 5, out, sizeof out, result->bytes, &count);
+    const int done = EXCHANGE(board->file, 2, 5, out, sizeof out, result->bytes, &count);
     unlock(board->locks, eeprom_lock);
     return done && count == 58;
 }
@@ -130,7 +130,7 @@ static int read_sram(struct hand_board *board, union result *result)
 {
     const unsigned char out[] = {58, 16, 0};
     unsigned long count;
-    return exchange(board->file, 6, 70, out, sizeof out, result->bytes, &count) && count == 58;
+    return EXCHANGE(board->file, 6, 70, out, sizeof out, result->bytes, &count) && count == 58;
 }
 
 static int write_sram(struct hand_board *board, union result *result)
@@ -144,7 +144,7 @@ static int read_sram(struct hand_board *board, union result *result)
 {
     const unsigned char out[] = {58, 0, 1, 16, 0};
     unsigned long count;
-    return exchange(board->file, 6, 116, out, sizeof out, result->bytes, &count) && count == 58;
+    return EXCHANGE(board->file, 6, 116, out, sizeof out, result->bytes, &count) && count == 58;
 }
 
 static int write_sram(struct hand_board *board, union result *result)
@@ -202,7 +202,7 @@ static int receive(struct hand_board *board, union result *result)
 {
     unsigned long length = 0, count;
     do {
-        if (!exchange(board->file, 4, 99, NULL, 0, result->bytes + length, &count))
+        if (!EXCHANGE(board->file, 4, 99, NULL, 0, result->bytes + length, &count))
             return 0;
         length += count;
     } while (count);
@@ -222,7 +222,7 @@ static int receive_polled_message(struct hand_board *board, union result *result
     unsigned char in[256];
     unsigned long length = 0, count;
     do {
-        if (!exchange(board->file, 4, 105, out, sizeof out, in, &count))
+        if (!EXCHANGE(board->file, 4, 105, out, sizeof out, in, &count))
             return 0;
         if (count > 2) {
             memcpy(result->bytes + length, in + 2, count - 2);
@@ -247,7 +247,7 @@ static int send_spi(struct hand_board *board, union result *result)
     unsigned char out[3 + 4] = {32, 32, 0};
     unsigned long count;
     memcpy(out + 3, result->bytes, 4);
-    if (!exchange(board->file, 7, 96, out, sizeof out, in, &count))
+    if (!EXCHANGE(board->file, 7, 96, out, sizeof out, in, &count))
         return 0;
     memcpy(result->bytes, in, count);
     return 1;

@@ -25,6 +25,7 @@ inline std::size_t stackDepth(const std::function<void()> &call)
     makecontext(
         &there, [] { (*todo)(); }, 0);
     swapcontext(&here, &there);
+    todo = nullptr;
     const auto deepest = std::find_if(stack.begin(), stack.end(), [](unsigned char byte) { return byte != paint; });
     return static_cast<std::size_t>(stack.end() - deepest);
 }

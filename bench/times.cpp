@@ -15,7 +15,7 @@ void measure(benchmark::State &state, Subject &subject, const Operation &operati
 {
     const hand_operation &hand = subject.byHand(operation);
     subject.makeReady(operation, false);
-    for (auto _ : state)
+    for (auto _ : state)  // NOLINT(clang-analyzer-deadcode.DeadStores): the loop of Google Benchmark
         if (!subject.perform(way, operation, hand)) {
             state.SkipWithError("the operation failed");
             return;

@@ -9,9 +9,3 @@ int RBaseImplementation::SetupErrorHandling()
 }
 
 void RBaseImplementation::ReleaseErrorHandling() {}
-
-int RBaseImplementation::Fail(_usbErrorCode error)
-{
-    SetLastError(error);
-    return 0;
-}

@@ -153,7 +153,11 @@ public:
     static _usbErrorCode error_no;
 
     /// Leaves the code for the caller and returns 0, the result of the failed operation.
-    [[gnu::cold, gnu::noinline]] static int Fail(_usbErrorCode error);
+    [[gnu::cold, gnu::noinline]] static int Fail(_usbErrorCode error)
+    {
+        SetLastError(error);
+        return 0;
+    }
 
     int EEPROMConfigured(int device);
     int UncheckedReadEEPROM(unsigned short address, unsigned char *data, unsigned int length);

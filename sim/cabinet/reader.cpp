@@ -176,9 +176,12 @@ void readSettings(Fields &fields, Board &board)
     for (const sim::Model model : sim::everyModel)
         models.emplace_back(sim::nameOf(model));
     std::string chosen;
-    if (fields.word("model", models, chosen))
-        board.model = *std::find_if(std::begin(sim::everyModel), std::end(sim::everyModel),
-                                    [&chosen](sim::Model model) { return chosen == sim::nameOf(model); });
+    if (fields.word("model", models, chosen)) {
+        for (const sim::Model model : sim::everyModel) {
+            if (chosen == sim::nameOf(model))
+                board.model = model;
+        }
+    }
     fields.need("model", models);
     fields.choice("speed", "high", "full", board.highSpeed);
     fields.number("number", 0, lastBoardNumber, board.number);

@@ -44,9 +44,10 @@ int CabinetCommand::check() const
 
 int CabinetCommand::printTemplate() const
 {
-    const auto *model = std::find_if(std::begin(everyModel), std::end(everyModel),
-                                     [this](Model each) { return model_ == nameOf(each); });
-    std::fputs(cabinet::templateFor(*model).c_str(), stdout);
+    for (const Model model : everyModel) {
+        if (model_ == nameOf(model))
+            std::fputs(cabinet::templateFor(model).c_str(), stdout);
+    }
     return 0;
 }
 

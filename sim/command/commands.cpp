@@ -52,7 +52,7 @@ std::vector<NumberedState> statesOf(VirtualBoards &boards, const std::vector<int
 
 std::vector<int> checkedNumbers(const VirtualBoards &boards, std::optional<int> deviceNo)
 {
-    const std::vector<int> numbers = plugged(boards);
+    std::vector<int> numbers = plugged(boards);
     if (!deviceNo)
         return numbers;
     if (std::find(numbers.begin(), numbers.end(), *deviceNo) == numbers.end())

@@ -30,7 +30,7 @@ std::string findProgram(const std::string &name)
         return name;
     const char *path = std::getenv("PATH");
     for (const std::string &folder : splitAt(path ? path : "/bin:/usr/bin", ':')) {
-        const std::string candidate = (folder.empty() ? "." : folder) + "/" + name;
+        std::string candidate = (folder.empty() ? "." : folder) + "/" + name;
         if (::access(candidate.c_str(), X_OK) == 0)
             return candidate;
     }
@@ -105,7 +105,7 @@ std::string libraryOfWidth(unsigned char width)
 std::string libraryForScripts()
 {
     for (const unsigned char width : {ELFCLASS64, ELFCLASS32}) {
-        if (const std::string library = libraryOfWidth(width); !library.empty())
+        if (std::string library = libraryOfWidth(width); !library.empty())
             return library;
     }
     throw std::runtime_error(std::string(libraryName) + " is neither in " + folderOfThisProgram() +
@@ -124,7 +124,7 @@ std::string libraryFor(const std::string &program)
         throw refusal("it runs with more rights than its user and takes no library");
     if (!binary.isDynamic)
         throw refusal("it is statically linked and takes no library; only device nodes reach it");
-    const std::string library = libraryOfWidth(binary.width);
+    std::string library = libraryOfWidth(binary.width);
     if (library.empty()) {
         const std::string width = binary.width == ELFCLASS32 ? "32" : "64";
         throw refusal("it is a " + width + "-bit program and there is no " + libraryName +

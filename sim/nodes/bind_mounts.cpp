@@ -75,7 +75,7 @@ void replaceByBindMounts(const std::string &directory, const std::function<bool(
     permitted(::mount("tmpfs", directory.c_str(), "tmpfs", MS_NOSUID, "mode=755"), "mounting on " + directory);
     for (const std::string &name : names) {
         if (!leftOut(name))
-            bindEntry(original.get(), name, directory + "/" + name);
+            bindEntry(original.get(), name, std::string(directory).append("/").append(name));
     }
 }
 

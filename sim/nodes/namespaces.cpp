@@ -138,7 +138,7 @@ MountedDevices mountDevices(const std::vector<int> &deviceNos, const std::string
     mountFuse(devices.attributes, "/sys/class/Vexa", S_IFDIR);
     for (const auto &[deviceNo, fuse] : devices.nodes) {
         const std::string node = nodeOf(deviceNo);
-        OwnedFd(checked(::open(node.c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0666), "making " + node));
+        const OwnedFd made(checked(::open(node.c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0666), "making " + node));
         mountFuse(fuse, node, S_IFREG);
     }
     return devices;

@@ -25,8 +25,8 @@ public:
     const Channel &channel() const { return channel_; }
 
 private:
-    Channel channel_;
-    pid_t id_;
+    Channel channel_{};
+    pid_t id_ = -1;
 };
 
 }  // namespace sim

@@ -33,6 +33,7 @@ WireCase recording(const char *name, const std::vector<unsigned int> &inputs, un
                    unsigned short length, const std::string &expected)
 {
     std::vector<_usbInputBitId> ids;
+    ids.reserve(inputs.size());
     for (const unsigned int input : inputs)
         ids.push_back(_usbInputBitId(input));
     return call(name, expected, &U::ConfigureRecordingInputs, ids, address, length).notOnR20();
@@ -91,6 +92,7 @@ WireCases memoryCases()
         row("ConfigureEEPROM sends the highest address high byte first", "3/2 40 02 7F FF 51",
             [](U &usb) { return usb.ConfigureEEPROM(&E24LC256); }),
         row("ConfigureEEPROM(null)", "error 30", [](U &usb) { return usb.ConfigureEEPROM(nullptr); }),
+        // NOLINTNEXTLINE(modernize-use-nullptr): it is that spelling which has to find its form
         row("ConfigureEEPROM(NULL)", "error 30", [](U &usb) { return usb.ConfigureEEPROM(NULL); }),
         row("ConfigureEEPROM(null constant)", "error 30",
             [](U &usb) { return usb.ConfigureEEPROM(static_cast<const R20EEPROM *>(nullptr)); }),

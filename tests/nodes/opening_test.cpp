@@ -22,7 +22,9 @@ constexpr int chunks[deviceCount] = {279, 64, 255, 57, 258, 58};  // of the imag
 
 void ctl(const std::string &command)
 {
-    const std::string line = std::string(std::getenv("SORVANE_SIM")) + " ctl --board " + command;
+    const char *const sim = std::getenv("SORVANE_SIM");
+    ASSERT_TRUE(sim) << "opening_test.sh says where sorvane-sim is";
+    const std::string line = std::string(sim) + " ctl --board " + command;
     ASSERT_EQ(std::system(line.c_str()), 0) << line;
 }
 
@@ -196,6 +198,7 @@ TEST_F(Opening, LoadingTheFirmwareAloneWaitsToo)
 {
     ctl("4 fail status 99 count 2 request 72");
     std::vector<Program> programs;
+    programs.reserve(2);
     for (int k = 0; k < 2; ++k)
         programs.push_back(Program({"open 4"}));
     Sum refused, loaded;

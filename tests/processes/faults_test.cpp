@@ -118,7 +118,9 @@ protected:
         const char *every = std::getenv("SORVANE_EVERY");
         const unsigned int stride = every ? static_cast<unsigned int>(std::atoi(every)) : 1;
         for (unsigned int n = 1 + std::random_device()() % stride;; n += stride) {
-            const std::string faults = call + " " + std::to_string(n) + " " + often + " " + std::to_string(error);
+            std::string faults = call;
+            for (const std::string &word : {std::to_string(n), often, std::to_string(error)})
+                faults.append(" ").append(word);
             SCOPED_TRACE(faults + besides);
             const Life life = live(faults + besides, model);
             EXPECT_TRUE(life.inOrder);

@@ -23,22 +23,29 @@ namespace
 /// An emulator makes the start of a process some thirty times as long.
 bool emulated()
 {
-    const char *emulator = std::getenv("SORVANE_EMULATOR");
-    return sizeof(void *) == 4 && emulator && *emulator;
+    const char *emulator = sizeof(void *) == 4 ? std::getenv("SORVANE_EMULATOR") : nullptr;
+    return emulator && *emulator;
+}
+
+/// Of each test, as scripts/stress asks for it; otherwise null.
+const char *secondsAsked()
+{
+    return std::getenv("SORVANE_STRESS_SECONDS");
 }
 
 }  // namespace
 
 bool longRun()
 {
-    return std::getenv("SORVANE_STRESS_SECONDS") != nullptr;
+    return secondsAsked() != nullptr;
 }
 
 Rounds::Rounds(const std::string &what, int few, int atLeast) : what_(what), fewest_(longRun() ? atLeast : few)
 {
     if (emulated())
         fewest_ = (fewest_ + 9) / 10;
-    seconds_ = longRun() ? std::atof(std::getenv("SORVANE_STRESS_SECONDS")) : 0;
+    const char *const seconds = secondsAsked();
+    seconds_ = seconds ? std::atof(seconds) : 0;
 }
 
 Rounds::~Rounds()

@@ -75,9 +75,7 @@ TEST_F(Processes, AreReportedWithoutAFindingWhileTheyComeAndGo)
         std::exit(1);
     }
     for (Rounds rounds("lives under the report's eyes", 20); rounds.another();) {
-        std::vector<Peer> peers;
-        for (int k = 0; k < 3; ++k)
-            peers.emplace_back(eitherWidth());
+        Peer peers[] = {Peer(eitherWidth()), Peer(eitherWidth()), Peer(eitherWidth())};
         for (Peer &peer : peers) {
             EXPECT_EQ(peer.ask("bit 1 1"), "1");
             EXPECT_TRUE(peer.quit());
