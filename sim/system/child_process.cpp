@@ -9,7 +9,9 @@ namespace sim
 
 ChildProcess::ChildProcess(const std::function<void(Channel)> &life)
 {
-    auto [here, there] = Channel::pair();
+    std::pair<Channel, Channel> ends = Channel::pair();
+    Channel &here = ends.first;
+    Channel &there = ends.second;
     id_ = checked(::fork(), "starting a process");
     if (id_ == 0) {
         here.close();
