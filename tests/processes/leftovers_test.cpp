@@ -18,8 +18,8 @@ TEST_F(Processes, AMakerThatDiedIsFollowedByWhoeverComesNext)
     for (std::size_t written : {0u, 7u, 60u, 116u, 124u}) {
         ASSERT_NE(::semget(::ftok(setKeyFile, 1), allMutexes + 1, IPC_CREAT | 0666), -1);
         unsigned char header[128] = {};
-        std::memcpy(header, "R20SharedMemory", 15);
-        std::memcpy(header + 56, "R20Mutex", 8);
+        std::memcpy(header, "R20SharedMemory", sizeof "R20SharedMemory");
+        std::memcpy(header + 56, "R20Mutex", sizeof "R20Mutex");
         header[108] = allMutexes;
         header[118] = 1;
         header[120] = 1;

@@ -93,7 +93,7 @@ TEST(Segment, IsMadeOnceAndRemovedByTheLast)
     EXPECT_EQ(descriptors(), before) << "its key file is closed again";
     EXPECT_TRUE(first.MeFirst());
     EXPECT_EQ(first.GetSize(), 4096u);
-    std::strcpy(static_cast<char *>(first.address), "mark");
+    std::memcpy(first.address, "mark", sizeof "mark");
     LinuxSharedMemory second(id);
     EXPECT_FALSE(second.MeFirst());
     EXPECT_STREQ(static_cast<char *>(second.address), "mark");

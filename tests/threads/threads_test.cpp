@@ -18,6 +18,7 @@ template <typename Work>
 void inThreads(int count, Work work)
 {
     std::vector<std::thread> threads;
+    threads.reserve(static_cast<std::size_t>(count));
     for (int number = 0; number < count; ++number)
         threads.emplace_back(work, number);
     for (std::thread &thread : threads)
