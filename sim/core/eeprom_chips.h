@@ -4,6 +4,7 @@
 
 #include "api/sorvaneusb_types.h"
 
+#include <cstddef>
 #include <string_view>
 
 namespace sim
@@ -14,20 +15,11 @@ struct EEPROMChip {
     const R20EEPROM &description;
 };
 
-inline constexpr EEPROMChip eepromChips[] = {
-    {"24LC01", E24LC01}, {"24LC02", E24LC02}, {"24LC04", E24LC04},   {"24LC08", E24LC08},   {"24LC16", E24LC16},
-    {"24LC32", E24LC32}, {"24LC64", E24LC64}, {"24LC128", E24LC128}, {"24LC256", E24LC256}, {"24LC512", E24LC512},
-};
+constexpr std::size_t eepromChipCount = 10;
+extern const EEPROMChip eepromChips[eepromChipCount];
 
 /// Null for any other name.
-inline const EEPROMChip *findEEPROMChip(std::string_view name)
-{
-    for (const EEPROMChip &chip : eepromChips) {
-        if (chip.name == name)
-            return &chip;
-    }
-    return nullptr;
-}
+const EEPROMChip *findEEPROMChip(std::string_view name);
 
 }  // namespace sim
 
