@@ -9,6 +9,7 @@
 #include <optional>
 #include <sched.h>
 #include <sys/sem.h>
+#include <sys/shm.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -94,7 +95,9 @@ TEST(Locks, OfAnArenaAreTakenToJoinAndToLeave)
     const SharedMemoryArenaID id = {{"TestLocks", 0}, {"TestLocksMutex", 0, 1}, 4096};
     Mutex *mutex = Mutex::GetLocalMutex(id.mutexID);
     List *element = nullptr;
-    EXPECT_TRUE(waitsFor(mutex, [&] { element = List::GetSharedMemoryArenaHeader(id); }));
+    const auto noSegment = [] { EXPECT_EQ(::shmget(::ftok("/tmp/TestLocks", 1), 0, 0), -1); };
+    EXPECT_TRUE(waitsFor(
+        mutex, [&] { element = List::GetSharedMemoryArenaHeader(id); }, noSegment));
     EXPECT_TRUE(waitsFor(mutex, [&] { List::ReleaseSharedMemoryElement(element); }));
     Mutex::ReleaseLocalMutex(mutex);
 }

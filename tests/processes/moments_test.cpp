@@ -35,6 +35,9 @@ std::vector<Stop> stopsOf(const Setting &setting, std::size_t furthest = 0)
     std::vector<Stop> stops;
     do {
         Stop stop{scene.process().where()};
+        if (segment() != -1 && arenaMutexHolder() == 0) {
+            EXPECT_EQ(Attached().text(batches), "R20BUFFERS") << "the mutex is free before the last object is made";
+        }
         while (stop.where.ends_with("after") && stop.instructions < furthest && scene.process().stepInstruction())
             ++stop.instructions;
         stops.push_back(stop);

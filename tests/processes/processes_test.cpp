@@ -137,7 +137,7 @@ TEST_F(Processes, AForkedChildTearsNothingDownAndRegistersNowhereForEver)
 TEST_F(Processes, ASetThatVanishesIsLookedUpByItsName)
 {
     Peer peer;
-    peer.ask("do open");
+    peer.ask("do open");  // which takes the lock, too
     ::semctl(semaphores(), 0, IPC_RMID);
     Peer next;  // makes a new one
     EXPECT_EQ(next.ask("lock 3"), "ok");
