@@ -48,8 +48,8 @@ SOURCES = {".c", ".cpp", ".h", ".S"}
 def sources(root):
     """Every source file by its name from the root; hidden folders and builds are left out."""
     for folder, folders, names in os.walk(root):
-        folders[:] = [name for name in folders
-                      if not name.startswith(".") and not (pathlib.Path(folder) / name / "CMakeCache.txt").exists()]
+        folders[:] = [name for name in folders if not name.startswith(".") and name != "build"
+                      and not (pathlib.Path(folder) / name / "CMakeCache.txt").exists()]
         for path in (pathlib.Path(folder) / name for name in names):
             if path.suffix in SOURCES:
                 yield path.relative_to(root).as_posix()
