@@ -28,8 +28,10 @@ MAY_INCLUDE = {
     "sim/inprocess": ["sim/core", "sim/board", "sim/driver"],
     "sim/nodes": ["sim/core", "sim/board", "sim/driver", "sim/system"],
     "sim/cabinet": ["sim/core", "sim/peripherals"],
-    "sim/command": ["sim/core", "sim/peripherals", "sim/board", "sim/system", "sim/inprocess", "sim/nodes",
-                    "sim/cabinet", "board/requests.h"],
+    "sim/language": ["sim/core", "sim/peripherals", "sim/board", "sim/cabinet", "board/requests.h"],
+    "sim/control": ["sim/core", "sim/board", "sim/system", "sim/nodes", "sim/cabinet", "sim/language"],
+    "sim/command": ["sim/core", "sim/board", "sim/system", "sim/inprocess", "sim/nodes", "sim/cabinet", "sim/language",
+                    "sim/control"],
     "tools": ["api/sorvaneusb.h", "inspect", "protocol"],
     "examples": ["api/sorvaneusb.h"],
     # Stands in for the bench on which the examples would run.
