@@ -1,8 +1,8 @@
 // sorvane-sim: virtual boards behind real device nodes.
-#include "sim/language/cabinet_boards.h"
 #include "sim/command/cabinet_command.h"
 #include "sim/command/ctl_command.h"
 #include "sim/command/run_command.h"
+#include "sim/language/cabinet_boards.h"
 #include "sim/system/failure.h"
 
 #include <CLI/CLI.hpp>
@@ -42,8 +42,10 @@ void addBoards(CLI::App &command, Options &options)
 RunRequest requestFrom(const Options &options)
 {
     RunRequest request;
+    request.cabinetFile = options.cabinet.value_or("");
     if (options.cabinet)
-        request.boardArguments = boardArguments(cabinetFrom(*options.cabinet));
+        request.cabinet = cabinetFrom(*options.cabinet);
+    request.boardArguments = boardArguments(request.cabinet);
     request.boardArguments.insert(request.boardArguments.end(), options.boards.begin(), options.boards.end());
     request.boards = boardsFrom(request.boardArguments);
     if (request.boards.empty())
@@ -51,7 +53,7 @@ RunRequest requestFrom(const Options &options)
                          "--cabinet FILE");
     if (options.scenario)
         request.scenario = Scenario::read(*options.scenario);
-    request.scenario.check(request.boards);
+    request.scenario.check(request.boards, request.cabinet);
     request.privateIpc = !options.shareIpc;
     request.how = howFrom(options.how);
     request.scenarioFile = options.scenario.value_or("");

@@ -133,14 +133,14 @@ std::string libraryFor(const std::string &program)
     return library;
 }
 
-// The library reads the scenario once more, inside the program and perhaps from another directory.
-std::string fileReadAgain(const std::string &scenario)
+// The library reads these files once more, inside the program and perhaps from another directory.
+std::string fileReadAgain(const char *option, const std::string &file)
 {
-    const std::unique_ptr<char, void (*)(void *)> path(::realpath(scenario.c_str(), nullptr), std::free);
+    const std::unique_ptr<char, void (*)(void *)> path(::realpath(file.c_str(), nullptr), std::free);
     struct stat attributes {
     };
     if (!path || ::stat(path.get(), &attributes) != 0 || !S_ISREG(attributes.st_mode))
-        throw UsageError("--scenario \"" + scenario +
+        throw UsageError(std::string(option) + " \"" + file +
                          "\": inside a program it is read again; allowed is a regular file");
     return path.get();
 }
@@ -150,7 +150,9 @@ std::string fileReadAgain(const std::string &scenario)
 void executePreloaded(const RunRequest &request, const TextWords &program)
 {
     if (!request.scenarioFile.empty())
-        ::setenv(preloadScenario, fileReadAgain(request.scenarioFile).c_str(), 1);
+        ::setenv(preloadScenario, fileReadAgain("--scenario", request.scenarioFile).c_str(), 1);
+    if (!request.cabinetFile.empty())
+        ::setenv(preloadCabinet, fileReadAgain("--cabinet", request.cabinetFile).c_str(), 1);
     const std::string library = libraryFor(program[0]);
     const char *others = std::getenv("LD_PRELOAD");
     ::setenv("LD_PRELOAD", (library + (others ? ":" + std::string(others) : "")).c_str(), 1);

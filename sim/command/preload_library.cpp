@@ -2,8 +2,8 @@
 // of its own.
 #include "sim/control/control_socket.h"
 #include "sim/control/preload_environment.h"
-#include "sim/language/scenario.h"
 #include "sim/inprocess/inprocess.h"
+#include "sim/language/scenario.h"
 #include "sim/system/signals.h"
 
 #include <cerrno>
@@ -37,15 +37,18 @@ void inBackground(Body body)
 void begin(const char *boardArguments)
 {
     plugBoards(inProcessBoards(), boardsFrom(splitWords(boardArguments)));
+    const char *cabinetFile = std::getenv(preloadCabinet);
+    static const cabinet::Cabinet machine = cabinetFile ? cabinet::Cabinet::read(cabinetFile) : cabinet::Cabinet();
     const char *file = std::getenv(preloadScenario);
     scenario = new Scenario(file ? Scenario::read(file) : Scenario());
     const char *process = std::getenv(preloadProgram);
     if (process && process == std::to_string(::getpid()))
         program = ::getpid();
-    scenario->prepare(inProcessBoards());
-    static ControlServer control(inProcessBoards(), newRunName());
+    static Session session{inProcessBoards(), machine};
+    scenario->prepare(session);
+    static ControlServer control(inProcessBoards(), machine, newRunName());
     inBackground([] { control.answerAll(); });
-    inBackground([] { scenario->play(inProcessBoards(), reached); });
+    inBackground([] { scenario->play(session, reached); });
 }
 
 [[gnu::constructor]] void beginWithTheProgram()

@@ -1,7 +1,7 @@
 #include "sim/command/run_command.h"
 
-#include "sim/control/control_socket.h"
 #include "sim/command/preload.h"
+#include "sim/control/control_socket.h"
 #include "sim/nodes/attributes.h"
 #include "sim/nodes/board_process.h"
 #include "sim/nodes/key_files.h"
@@ -29,18 +29,19 @@ void serve(BoardService &service, const RunRequest &request, const RunName &name
     SteadyClock clock;
     VirtualBoards boards(clock);
     plugBoards(boards, request.boards);
-    ControlServer control(boards, name);
+    ControlServer control(boards, request.cabinet, name);
+    Session session{boards, request.cabinet};
     MountedDevices devices = service.receiveDevices();
     Attributes attributes(boards, std::move(devices.attributes));
     std::vector<std::unique_ptr<Node>> nodes;
     for (auto &[deviceNo, device] : devices.nodes)
         nodes.push_back(std::make_unique<Node>(boards, deviceNo, std::move(device)));
-    request.scenario.prepare(boards);
+    request.scenario.prepare(session);
     std::thread([&control] { control.answerAll(); }).detach();
     service.ready();
     std::atomic<std::size_t> reached = 0;
     if (service.waitForStart()) {
-        std::thread([&] { request.scenario.play(boards, reached); }).detach();
+        std::thread([&] { request.scenario.play(session, reached); }).detach();
         service.waitForEnd();
         request.scenario.reportUnplayed(reached);
     }
