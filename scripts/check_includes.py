@@ -28,7 +28,7 @@ MAY_INCLUDE = {
     "sim/inprocess": ["sim/core", "sim/board", "sim/driver"],
     "sim/nodes": ["sim/core", "sim/board", "sim/driver", "sim/system"],
     "sim/cabinet": ["sim/core", "sim/peripherals"],
-    "sim/language": ["sim/core", "sim/peripherals", "sim/board", "sim/cabinet", "board/requests.h"],
+    "sim/language": ["sim/core", "sim/peripherals", "sim/board", "sim/system", "sim/cabinet", "board/requests.h"],
     "sim/control": ["sim/core", "sim/board", "sim/system", "sim/nodes", "sim/cabinet", "sim/language"],
     "sim/command": ["sim/core", "sim/board", "sim/system", "sim/inprocess", "sim/nodes", "sim/cabinet", "sim/language",
                     "sim/control"],

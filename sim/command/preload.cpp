@@ -133,6 +133,14 @@ std::string libraryFor(const std::string &program)
     return library;
 }
 
+std::string quoted(const TextWords &words)
+{
+    std::string line;
+    for (const std::string &word : words)
+        line += (line.empty() ? "\"" : " \"") + word + "\"";
+    return line;
+}
+
 // The library reads these files once more, inside the program and perhaps from another directory.
 std::string fileReadAgain(const char *option, const std::string &file)
 {
@@ -147,21 +155,23 @@ std::string fileReadAgain(const char *option, const std::string &file)
 
 }  // namespace
 
-void executePreloaded(const RunRequest &request, const TextWords &program)
+void executePreloaded(const RunRequest &request)
 {
     if (!request.scenarioFile.empty())
         ::setenv(preloadScenario, fileReadAgain("--scenario", request.scenarioFile).c_str(), 1);
     if (!request.cabinetFile.empty())
         ::setenv(preloadCabinet, fileReadAgain("--cabinet", request.cabinetFile).c_str(), 1);
-    const std::string library = libraryFor(program[0]);
+    const std::string library = libraryFor(request.program[0]);
     const char *others = std::getenv("LD_PRELOAD");
     ::setenv("LD_PRELOAD", (library + (others ? ":" + std::string(others) : "")).c_str(), 1);
-    ::setenv(preloadBoards, join(request.boardArguments, " ").c_str(), 1);
+    ::setenv(preloadBoards, quoted(request.boardArguments).c_str(), 1);
+    if (!request.name.empty())
+        ::setenv(preloadName, request.name.c_str(), 1);
     ::setenv(preloadProgram, std::to_string(::getpid()).c_str(), 1);
     // Only who may do it gets it; the program can do without.
     if (request.privateIpc)
         (void)::unshare(CLONE_NEWIPC);
-    execute(program);
+    execute(request.program);
 }
 
 }  // namespace sim

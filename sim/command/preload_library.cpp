@@ -1,8 +1,9 @@
 // The library that puts virtual boards into a program which it is loaded into. Every process of the program has boards
 // of its own.
-#include "sim/control/control_socket.h"
+#include "sim/control/control_server.h"
 #include "sim/control/preload_environment.h"
 #include "sim/inprocess/inprocess.h"
+#include "sim/language/kept_memories.h"
 #include "sim/language/scenario.h"
 #include "sim/system/signals.h"
 
@@ -10,6 +11,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <signal.h>
 #include <sys/syscall.h>
 #include <thread>
 #include <unistd.h>
@@ -19,12 +22,28 @@ namespace
 
 using namespace sim;
 
-// Never destroyed: a thread plays it while the program ends.
-const Scenario *scenario = nullptr;
+// What the threads of the boards use while the program ends, so it is never destroyed.
+struct Preloaded {
+    std::vector<BoardOptions> options;
+    cabinet::Cabinet cabinet;
+    Scenario scenario;
+    Session session{inProcessBoards(), cabinet};
+};
+
+const Preloaded *preloaded = nullptr;
 std::atomic<std::size_t> reached = 0;
 // The program itself, until it has said what was not reached. The processes that it starts end for reasons of their
 // own.
 std::atomic<pid_t> program = 0;
+
+TextWords commandLine()
+{
+    std::ifstream file("/proc/self/cmdline");
+    TextWords words;
+    for (std::string word; std::getline(file, word, '\0');)
+        words.push_back(word);
+    return words;
+}
 
 // The program's signals are not for the threads of the boards.
 template <class Body>
@@ -36,19 +55,25 @@ void inBackground(Body body)
 
 void begin(const char *boardArguments)
 {
-    plugBoards(inProcessBoards(), boardsFrom(splitWords(boardArguments)));
-    const char *cabinetFile = std::getenv(preloadCabinet);
-    static const cabinet::Cabinet machine = cabinetFile ? cabinet::Cabinet::read(cabinetFile) : cabinet::Cabinet();
-    const char *file = std::getenv(preloadScenario);
-    scenario = new Scenario(file ? Scenario::read(file) : Scenario());
     const char *process = std::getenv(preloadProgram);
-    if (process && process == std::to_string(::getpid()))
+    const bool isProgram = process && process == std::to_string(::getpid());
+    const char *cabinetFile = std::getenv(preloadCabinet);
+    const char *scenarioFile = std::getenv(preloadScenario);
+    const char *name = isProgram ? std::getenv(preloadName) : nullptr;
+    auto *all = new Preloaded{boardsFrom(splitWords(boardArguments)),
+                              cabinetFile ? cabinet::Cabinet::read(cabinetFile) : cabinet::Cabinet(),
+                              scenarioFile ? Scenario::read(scenarioFile) : Scenario()};
+    plugBoards(inProcessBoards(), all->options);
+    if (isProgram)
+        keepMemories(inProcessBoards(), all->options);
+    auto *control = new ControlServer(inProcessBoards(), all->cabinet, newRunName(name ? name : ""), commandLine(),
+                                      [] { ::kill(::getpid(), SIGTERM); });
+    preloaded = all;
+    if (isProgram)
         program = ::getpid();
-    static Session session{inProcessBoards(), machine};
-    scenario->prepare(session);
-    static ControlServer control(inProcessBoards(), machine, newRunName());
-    inBackground([] { control.answerAll(); });
-    inBackground([] { scenario->play(session, reached); });
+    all->scenario.prepare(all->session);
+    inBackground([control] { control->answerAll(); });
+    inBackground([all] { all->scenario.play(all->session, reached); });
 }
 
 [[gnu::constructor]] void beginWithTheProgram()
@@ -67,8 +92,10 @@ void begin(const char *boardArguments)
 [[gnu::destructor]] void endWithTheProgram()
 {
     pid_t self = ::getpid();
-    if (program.compare_exchange_strong(self, 0))
-        scenario->reportUnplayed(reached);
+    if (program.compare_exchange_strong(self, 0)) {
+        preloaded->scenario.reportUnplayed(reached);
+        endMemories(inProcessBoards(), preloaded->options);
+    }
 }
 
 }  // namespace

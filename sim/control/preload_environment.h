@@ -5,9 +5,10 @@
 namespace sim
 {
 
-constexpr char preloadBoards[] = "SORVANE_SIM_BOARDS";      // the words of --board, blanks between them
+constexpr char preloadBoards[] = "SORVANE_SIM_BOARDS";      // the words of --board, each in quotes
 constexpr char preloadCabinet[] = "SORVANE_SIM_CABINET";    // a file
 constexpr char preloadScenario[] = "SORVANE_SIM_SCENARIO";  // a file
+constexpr char preloadName[] = "SORVANE_SIM_NAME";          // of the run
 constexpr char preloadProgram[] = "SORVANE_SIM_PROGRAM";    // the process that says what was not reached
 
 }  // namespace sim
