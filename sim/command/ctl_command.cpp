@@ -1,7 +1,7 @@
 #include "sim/command/ctl_command.h"
 
-#include "sim/command/commands.h"
-#include "sim/command/control_socket.h"
+#include "sim/language/commands.h"
+#include "sim/control/control_socket.h"
 #include "sim/command/follow.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 #ifndef SORVANE_SIM_COMMAND_CTL_COMMAND_H
 #define SORVANE_SIM_COMMAND_CTL_COMMAND_H
 
-#include "sim/command/words.h"
+#include "sim/language/words.h"
 
 #include <optional>
 

@@ -1,6 +1,6 @@
 #include "sim/command/follow.h"
 
-#include "sim/command/control_socket.h"
+#include "sim/control/control_socket.h"
 #include "sim/system/signals.h"
 
 #include <cstdio>

@@ -1,5 +1,5 @@
 // sorvane-sim: virtual boards behind real device nodes.
-#include "sim/command/cabinet_boards.h"
+#include "sim/language/cabinet_boards.h"
 #include "sim/command/cabinet_command.h"
 #include "sim/command/ctl_command.h"
 #include "sim/command/run_command.h"

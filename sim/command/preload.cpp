@@ -1,6 +1,6 @@
 #include "sim/command/preload.h"
 
-#include "sim/command/preload_environment.h"
+#include "sim/control/preload_environment.h"
 #include "sim/system/failure.h"
 #include "sim/system/program.h"
 

@@ -1,8 +1,8 @@
 // The library that puts virtual boards into a program which it is loaded into. Every process of the program has boards
 // of its own.
-#include "sim/command/control_socket.h"
-#include "sim/command/preload_environment.h"
-#include "sim/command/scenario.h"
+#include "sim/control/control_socket.h"
+#include "sim/control/preload_environment.h"
+#include "sim/language/scenario.h"
 #include "sim/inprocess/inprocess.h"
 #include "sim/system/signals.h"
 

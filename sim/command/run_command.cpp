@@ -1,6 +1,6 @@
 #include "sim/command/run_command.h"
 
-#include "sim/command/control_socket.h"
+#include "sim/control/control_socket.h"
 #include "sim/command/preload.h"
 #include "sim/nodes/attributes.h"
 #include "sim/nodes/board_process.h"

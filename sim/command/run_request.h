@@ -2,7 +2,7 @@
 #ifndef SORVANE_SIM_COMMAND_RUN_REQUEST_H
 #define SORVANE_SIM_COMMAND_RUN_REQUEST_H
 
-#include "sim/command/scenario.h"
+#include "sim/language/scenario.h"
 
 namespace sim
 {

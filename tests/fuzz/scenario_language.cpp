@@ -1,6 +1,6 @@
 // The language of scenarios and of `ctl`, and the words of --board: whatever is written, it is carried out or refused
 // with a UsageError.
-#include "sim/command/scenario.h"
+#include "sim/language/scenario.h"
 #include "tests/fuzz/fuzz_input.h"
 
 #include <sstream>

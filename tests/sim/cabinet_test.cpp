@@ -2,9 +2,9 @@
 #include "sim/cabinet/cabinet.h"
 
 #include "sim/cabinet/template.h"
-#include "sim/command/board_actions.h"
-#include "sim/command/board_options.h"
-#include "sim/command/cabinet_boards.h"
+#include "sim/language/board_actions.h"
+#include "sim/language/board_options.h"
+#include "sim/language/cabinet_boards.h"
 #include "tests/sim/sim_test.h"
 
 namespace

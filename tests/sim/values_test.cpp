@@ -9,8 +9,8 @@
 //   input 3 on             any command of `ctl`
 //
 // A comment may begin with the table's board, and with `first` and what comes before each of its lines.
-#include "sim/command/board_options.h"
-#include "sim/command/commands.h"
+#include "sim/language/board_options.h"
+#include "sim/language/commands.h"
 #include "tests/sim/sim_test.h"
 
 #include <fstream>

@@ -1,9 +1,9 @@
 // The boards of a cabinet file as the words of --board, so that both are plugged in one way.
-#ifndef SORVANE_SIM_COMMAND_CABINET_BOARDS_H
-#define SORVANE_SIM_COMMAND_CABINET_BOARDS_H
+#ifndef SORVANE_SIM_LANGUAGE_CABINET_BOARDS_H
+#define SORVANE_SIM_LANGUAGE_CABINET_BOARDS_H
 
 #include "sim/cabinet/cabinet.h"
-#include "sim/command/words.h"
+#include "sim/language/words.h"
 
 namespace sim
 {

@@ -1,6 +1,6 @@
-#include "sim/command/control_socket.h"
+#include "sim/control/control_socket.h"
 
-#include "sim/command/commands.h"
+#include "sim/language/commands.h"
 #include "sim/system/failure.h"
 
 #include <array>

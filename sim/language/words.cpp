@@ -1,4 +1,4 @@
-#include "sim/command/words.h"
+#include "sim/language/words.h"
 
 #include <cctype>
 #include <cerrno>

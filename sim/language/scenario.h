@@ -1,10 +1,10 @@
 // A script of commands: one a line, `#` begins a comment, `at 1.5s` before a command says when, counted from the start
 // of the program. A line without `at` is carried out before the program starts, wherever it stands in the file.
-#ifndef SORVANE_SIM_COMMAND_SCENARIO_H
-#define SORVANE_SIM_COMMAND_SCENARIO_H
+#ifndef SORVANE_SIM_LANGUAGE_SCENARIO_H
+#define SORVANE_SIM_LANGUAGE_SCENARIO_H
 
-#include "sim/command/board_options.h"
-#include "sim/command/commands.h"
+#include "sim/language/board_options.h"
+#include "sim/language/commands.h"
 
 #include <atomic>
 #include <iosfwd>

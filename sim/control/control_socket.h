@@ -1,11 +1,11 @@
 // Both ends of `ctl`. A request is the words of a command, a 0 byte behind each; the answer is one byte, the exit
 // status for the asking side, and a text. One exchange for each connection.
-#ifndef SORVANE_SIM_COMMAND_CONTROL_SOCKET_H
-#define SORVANE_SIM_COMMAND_CONTROL_SOCKET_H
+#ifndef SORVANE_SIM_CONTROL_CONTROL_SOCKET_H
+#define SORVANE_SIM_CONTROL_CONTROL_SOCKET_H
 
 #include "sim/board/virtual_boards.h"
-#include "sim/command/run_names.h"
-#include "sim/command/words.h"
+#include "sim/control/run_names.h"
+#include "sim/language/words.h"
 #include "sim/system/descriptors.h"
 
 namespace sim

@@ -1,7 +1,7 @@
-#include "sim/command/run_names.h"
+#include "sim/control/run_names.h"
 
-#include "sim/command/preload_environment.h"
-#include "sim/command/words.h"
+#include "sim/control/preload_environment.h"
+#include "sim/language/words.h"
 #include "sim/nodes/run_link.h"
 #include "sim/system/failure.h"
 

@@ -1,8 +1,8 @@
-#include "sim/command/commands.h"
+#include "sim/language/commands.h"
 
-#include "sim/command/board_actions.h"
-#include "sim/command/state_json.h"
-#include "sim/command/state_text.h"
+#include "sim/language/board_actions.h"
+#include "sim/language/state_json.h"
+#include "sim/language/state_text.h"
 
 #include <algorithm>
 

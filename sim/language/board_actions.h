@@ -1,9 +1,9 @@
 // The table of everything that can be done to a board by command.
-#ifndef SORVANE_SIM_COMMAND_BOARD_ACTIONS_H
-#define SORVANE_SIM_COMMAND_BOARD_ACTIONS_H
+#ifndef SORVANE_SIM_LANGUAGE_BOARD_ACTIONS_H
+#define SORVANE_SIM_LANGUAGE_BOARD_ACTIONS_H
 
 #include "sim/board/virtual_board.h"
-#include "sim/command/words.h"
+#include "sim/language/words.h"
 
 namespace sim
 {

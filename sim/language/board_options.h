@@ -1,9 +1,9 @@
 // The boards of a run: `--board N=MODEL[,option=value...]`.
-#ifndef SORVANE_SIM_COMMAND_BOARD_OPTIONS_H
-#define SORVANE_SIM_COMMAND_BOARD_OPTIONS_H
+#ifndef SORVANE_SIM_LANGUAGE_BOARD_OPTIONS_H
+#define SORVANE_SIM_LANGUAGE_BOARD_OPTIONS_H
 
 #include "sim/board/virtual_boards.h"
-#include "sim/command/words.h"
+#include "sim/language/words.h"
 
 #include <map>
 

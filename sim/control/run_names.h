@@ -1,7 +1,7 @@
 // The names of the runs on this machine. A run listens on an abstract socket of its name, which the kernel forgets when
 // the run ends, however it ends.
-#ifndef SORVANE_SIM_COMMAND_RUN_NAMES_H
-#define SORVANE_SIM_COMMAND_RUN_NAMES_H
+#ifndef SORVANE_SIM_CONTROL_RUN_NAMES_H
+#define SORVANE_SIM_CONTROL_RUN_NAMES_H
 
 #include "sim/system/descriptors.h"
 

@@ -1,6 +1,6 @@
 // The words of a command line, an option or a scenario line, and how they are refused.
-#ifndef SORVANE_SIM_COMMAND_WORDS_H
-#define SORVANE_SIM_COMMAND_WORDS_H
+#ifndef SORVANE_SIM_LANGUAGE_WORDS_H
+#define SORVANE_SIM_LANGUAGE_WORDS_H
 
 #include "sim/core/bytes.h"
 #include "sim/core/clock.h"

@@ -1,11 +1,11 @@
 // What can be done to the boards while a program drives them, as words: `ctl` and scenarios speak the same.
 //
 //     [--board N] COMMAND
-#ifndef SORVANE_SIM_COMMAND_COMMANDS_H
-#define SORVANE_SIM_COMMAND_COMMANDS_H
+#ifndef SORVANE_SIM_LANGUAGE_COMMANDS_H
+#define SORVANE_SIM_LANGUAGE_COMMANDS_H
 
 #include "sim/board/virtual_boards.h"
-#include "sim/command/words.h"
+#include "sim/language/words.h"
 
 namespace sim
 {

@@ -1,6 +1,6 @@
 // The state of boards for a reader.
-#ifndef SORVANE_SIM_COMMAND_STATE_TEXT_H
-#define SORVANE_SIM_COMMAND_STATE_TEXT_H
+#ifndef SORVANE_SIM_LANGUAGE_STATE_TEXT_H
+#define SORVANE_SIM_LANGUAGE_STATE_TEXT_H
 
 #include "sim/board/state.h"
 

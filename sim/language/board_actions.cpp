@@ -1,4 +1,4 @@
-#include "sim/command/board_actions.h"
+#include "sim/language/board_actions.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,4 +1,4 @@
-#include "sim/command/cabinet_boards.h"
+#include "sim/language/cabinet_boards.h"
 
 namespace sim
 {

@@ -1,4 +1,4 @@
-#include "sim/command/state_json.h"
+#include "sim/language/state_json.h"
 
 #include "sim/board/inputs.h"
 #include "sim/board/outputs.h"

@@ -1,8 +1,8 @@
 // The state of boards for a program: {"boards":[{"device":0,"model":"R35","plugged":true,...}]}.
-#ifndef SORVANE_SIM_COMMAND_STATE_JSON_H
-#define SORVANE_SIM_COMMAND_STATE_JSON_H
+#ifndef SORVANE_SIM_LANGUAGE_STATE_JSON_H
+#define SORVANE_SIM_LANGUAGE_STATE_JSON_H
 
-#include "sim/command/state_text.h"
+#include "sim/language/state_text.h"
 
 namespace sim
 {

@@ -1,4 +1,4 @@
-#include "sim/command/state_text.h"
+#include "sim/language/state_text.h"
 
 #include "board/requests.h"
 #include "sim/board/inputs.h"

@@ -1,4 +1,4 @@
-#include "sim/command/scenario.h"
+#include "sim/language/scenario.h"
 
 #include <algorithm>
 #include <array>

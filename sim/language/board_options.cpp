@@ -1,4 +1,4 @@
-#include "sim/command/board_options.h"
+#include "sim/language/board_options.h"
 
 #include "sim/peripherals/make_peripheral.h"
 
