@@ -1,8 +1,8 @@
 // sorvane-sim: virtual boards behind real device nodes.
-#include "sim/language/cabinet_boards.h"
 #include "sim/command/cabinet_command.h"
 #include "sim/command/ctl_command.h"
 #include "sim/command/run_command.h"
+#include "sim/language/cabinet_boards.h"
 #include "sim/system/failure.h"
 
 #include <CLI/CLI.hpp>
@@ -20,6 +20,8 @@ struct Options {
     TextWords boards;
     std::optional<std::string> cabinet;
     std::optional<std::string> scenario;
+    bool summary = false;
+    std::optional<std::string> record;
     std::optional<std::string> runId;
     std::optional<std::string> board;
     std::string how = "auto";
@@ -42,8 +44,11 @@ void addBoards(CLI::App &command, Options &options)
 RunRequest requestFrom(const Options &options)
 {
     RunRequest request;
-    if (options.cabinet)
-        request.boardArguments = boardArguments(cabinetFrom(*options.cabinet));
+    if (options.cabinet) {
+        request.cabinet = cabinetFrom(*options.cabinet);
+        request.cabinetFile = *options.cabinet;
+        request.boardArguments = boardArguments(request.cabinet);
+    }
     request.boardArguments.insert(request.boardArguments.end(), options.boards.begin(), options.boards.end());
     request.boards = boardsFrom(request.boardArguments);
     if (request.boards.empty())
@@ -55,6 +60,18 @@ RunRequest requestFrom(const Options &options)
     request.privateIpc = !options.shareIpc;
     request.how = howFrom(options.how);
     request.scenarioFile = options.scenario.value_or("");
+    return request;
+}
+
+// Nothing but a wrong call leaves an old record in its place.
+RunRequest runRequestFrom(const Options &options, const TextWords &program)
+{
+    RunRequest request = requestFrom(options);
+    request.keeping = {options.summary,
+                       options.record.value_or(""),
+                       {journal::formatVersion, "sorvane-sim " SORVANE_VERSION, program, journal::timeNow()}};
+    if (options.record)
+        prepareRecord(*options.record);
     return request;
 }
 
@@ -96,6 +113,8 @@ int run(int argc, char **argv)
     app.require_subcommand(1);
     CLI::App *run = add("run", "run [OPTION...] -- PROGRAM [ARG...]: the boards for one program");
     addBoards(*run, options);
+    run->add_flag("--summary", options.summary, "tell at the end what each board was asked and how it was left");
+    run->add_option("--record", options.record, "keep the journal of the boards in this file, as JSON Lines");
     run->add_option("--how", options.how, "node, preload, or auto: nodes where they are possible");
     CLI::App *serve = add("serve", "keep boards up for programs that enter");
     addBoards(*serve, options);
@@ -112,7 +131,7 @@ int run(int argc, char **argv)
         if (marked && !run->parsed() && !enter->parsed())
             throw UsageError("a program behind -- is allowed with run and enter only");
         if (run->parsed())
-            runWithBoards(requestFrom(options), checked(program));
+            runWithBoards(runRequestFrom(options, checked(program)), program);
         if (enter->parsed())
             enterRun(options.runId, checked(program));
         if (serve->parsed())

@@ -133,24 +133,39 @@ std::string libraryFor(const std::string &program)
     return library;
 }
 
-// The library reads the scenario once more, inside the program and perhaps from another directory.
-std::string fileReadAgain(const std::string &scenario)
+// The library opens the file once more, inside the program and perhaps from another directory.
+std::string fileReadAgain(const std::string &option, const std::string &file)
 {
-    const std::unique_ptr<char, void (*)(void *)> path(::realpath(scenario.c_str(), nullptr), std::free);
+    const std::unique_ptr<char, void (*)(void *)> path(::realpath(file.c_str(), nullptr), std::free);
     struct stat attributes {
     };
     if (!path || ::stat(path.get(), &attributes) != 0 || !S_ISREG(attributes.st_mode))
-        throw UsageError("--scenario \"" + scenario +
-                         "\": inside a program it is read again; allowed is a regular file");
+        throw UsageError(option + " \"" + file + "\": inside a program it is opened again; allowed is a regular file");
     return path.get();
+}
+
+void setOrClear(const char *variable, const std::string &value)
+{
+    if (value.empty())
+        ::unsetenv(variable);
+    else
+        ::setenv(variable, value.c_str(), 1);
+}
+
+void setFile(const char *variable, const std::string &option, const std::string &file)
+{
+    setOrClear(variable, file.empty() ? "" : fileReadAgain(option, file));
 }
 
 }  // namespace
 
 void executePreloaded(const RunRequest &request, const TextWords &program)
 {
-    if (!request.scenarioFile.empty())
-        ::setenv(preloadScenario, fileReadAgain(request.scenarioFile).c_str(), 1);
+    setFile(preloadScenario, "--scenario", request.scenarioFile);
+    setFile(preloadCabinet, "--cabinet", request.cabinetFile);
+    setFile(preloadRecord, "--record", request.keeping.record);
+    setOrClear(preloadSummary, request.keeping.summary ? "1" : "");
+    setOrClear(preloadHeader, journal::jsonOf(request.keeping.header));
     const std::string library = libraryFor(program[0]);
     const char *others = std::getenv("LD_PRELOAD");
     ::setenv("LD_PRELOAD", (library + (others ? ":" + std::string(others) : "")).c_str(), 1);

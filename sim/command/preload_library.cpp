@@ -2,8 +2,9 @@
 // of its own.
 #include "sim/control/control_socket.h"
 #include "sim/control/preload_environment.h"
-#include "sim/language/scenario.h"
 #include "sim/inprocess/inprocess.h"
+#include "sim/journal/keeper.h"
+#include "sim/language/scenario.h"
 #include "sim/system/signals.h"
 
 #include <cerrno>
@@ -19,12 +20,16 @@ namespace
 
 using namespace sim;
 
-// Never destroyed: a thread plays it while the program ends.
+// Never destroyed: threads use them while the program ends.
 const Scenario *scenario = nullptr;
+const Keeper *keeper = nullptr;
 std::atomic<std::size_t> reached = 0;
 // The program itself, until it has said what was not reached. The processes that it starts end for reasons of their
 // own.
 std::atomic<pid_t> program = 0;
+
+// A program that ends in a signal handler may hold what is needed for its end to be told.
+constexpr std::chrono::seconds longestFinish{2};
 
 // The program's signals are not for the threads of the boards.
 template <class Body>
@@ -32,6 +37,26 @@ void inBackground(Body body)
 {
     const BlockedSignals blocked;
     std::thread(std::move(body)).detach();
+}
+
+// Each process has boards of its own, and a file or a summary is that of one process.
+void keepJournal(bool firstProcess)
+{
+    const char *header = std::getenv(preloadHeader);
+    const char *record = std::getenv(preloadRecord);
+    const Keeping keeping{std::getenv(preloadSummary) != nullptr, record ? record : "",
+                          header ? journal::headerFrom(header) : journal::Header()};
+    if (!keeping.anything())
+        return;
+    const char *cabinet = std::getenv(preloadCabinet);
+    if (firstProcess)
+        keeper = new Keeper(inProcessBoards(), keeping,
+                            *new cabinet::Cabinet(cabinet ? cabinet::Cabinet::read(cabinet) : cabinet::Cabinet()));
+    else
+        std::fprintf(stderr,
+                     "sorvane-sim: inside the program --summary and --record see the boards of one process; those of "
+                     "process %d (%s) are left out; with device nodes all processes share them (--how node)\n",
+                     static_cast<int>(::getpid()), program_invocation_short_name);
 }
 
 void begin(const char *boardArguments)
@@ -42,6 +67,7 @@ void begin(const char *boardArguments)
     const char *process = std::getenv(preloadProgram);
     if (process && process == std::to_string(::getpid()))
         program = ::getpid();
+    keepJournal(program != 0);
     scenario->prepare(inProcessBoards());
     static ControlServer control(inProcessBoards(), newRunName());
     inBackground([] { control.answerAll(); });
@@ -64,8 +90,11 @@ void begin(const char *boardArguments)
 [[gnu::destructor]] void endWithTheProgram()
 {
     pid_t self = ::getpid();
-    if (program.compare_exchange_strong(self, 0))
-        scenario->reportUnplayed(reached);
+    if (!program.compare_exchange_strong(self, 0))
+        return;
+    scenario->reportUnplayed(reached);
+    if (keeper)
+        keeper->finish(longestFinish);
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 #include "sim/command/run_command.h"
 
-#include "sim/control/control_socket.h"
 #include "sim/command/preload.h"
+#include "sim/control/control_socket.h"
 #include "sim/nodes/attributes.h"
 #include "sim/nodes/board_process.h"
 #include "sim/nodes/key_files.h"
@@ -20,6 +20,9 @@ namespace sim
 namespace
 {
 
+// A file that takes nothing more, on a server that is gone, does not hold up the end of a run for ever.
+constexpr std::chrono::seconds longestFinish{30};
+
 // The life of the serving process.
 void serve(BoardService &service, const RunRequest &request, const RunName &name)
 {
@@ -35,6 +38,9 @@ void serve(BoardService &service, const RunRequest &request, const RunName &name
     std::vector<std::unique_ptr<Node>> nodes;
     for (auto &[deviceNo, device] : devices.nodes)
         nodes.push_back(std::make_unique<Node>(boards, deviceNo, std::move(device)));
+    std::optional<Keeper> keeper;
+    if (request.keeping.anything())
+        keeper.emplace(boards, request.keeping, request.cabinet);
     request.scenario.prepare(boards);
     std::thread([&control] { control.answerAll(); }).detach();
     service.ready();
@@ -43,6 +49,8 @@ void serve(BoardService &service, const RunRequest &request, const RunName &name
         std::thread([&] { request.scenario.play(boards, reached); }).detach();
         service.waitForEnd();
         request.scenario.reportUnplayed(reached);
+        if (keeper)
+            keeper->finish(longestFinish);
     }
     if (keyFiles)
         keyFiles->removeNewOnes(allRuns().size() > 1);

@@ -2,6 +2,7 @@
 #ifndef SORVANE_SIM_COMMAND_RUN_REQUEST_H
 #define SORVANE_SIM_COMMAND_RUN_REQUEST_H
 
+#include "sim/journal/keeper.h"
 #include "sim/language/scenario.h"
 
 namespace sim
@@ -17,6 +18,9 @@ struct RunRequest {
     How how = How::Auto;
     TextWords boardArguments;  ///< as they came, for who plugs the boards elsewhere
     std::string scenarioFile;
+    cabinet::Cabinet cabinet;
+    std::string cabinetFile;
+    Keeping keeping;
 };
 
 }  // namespace sim

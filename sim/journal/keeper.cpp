@@ -5,8 +5,10 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/eventfd.h>
 #include <system_error>
 #include <unistd.h>
@@ -17,7 +19,7 @@ namespace sim
 namespace
 {
 
-// Somebody who writes down everything need not be woken by each exchange of a busy program.
+// Whoever writes everything down need not be woken by each exchange of a busy program.
 constexpr Nanoseconds between = std::chrono::milliseconds(10);
 
 int newEventDescriptor()
@@ -26,6 +28,13 @@ int newEventDescriptor()
     if (descriptor == -1)
         throw std::system_error(errno, std::generic_category(), "keeping a journal");
     return descriptor;
+}
+
+void blockEverySignal()
+{
+    sigset_t all;
+    ::sigfillset(&all);
+    ::pthread_sigmask(SIG_SETMASK, &all, nullptr);
 }
 
 }  // namespace
@@ -38,38 +47,58 @@ void prepareRecord(const std::string &file)
     ::close(descriptor);
 }
 
-Keeper::Keeper(VirtualBoards &boards, const journal::Header &header, const std::string &record,
-               const cabinet::Cabinet &cabinet)
-    : boards_(boards), devices_(allBoards(boards)), cabinet_(cabinet), names_(cabinet::eventNames(cabinet)),
-      reader_(boards, devices_), file_(record), end_(newEventDescriptor())
+Keeper::Keeper(VirtualBoards &boards, Keeping keeping, const cabinet::Cabinet &cabinet)
+    : boards_(boards), devices_(allBoards(boards)), keeping_(std::move(keeping)), cabinet_(cabinet),
+      names_(cabinet::eventNames(cabinet)), reader_(boards, devices_), end_(newEventDescriptor()),
+      done_(newEventDescriptor())
 {
-    if (!file_.empty()) {
-        record_.open(file_, std::ios::app | std::ios::binary);
-        write(journal::jsonOf(header) + '\n');
+    if (!keeping_.record.empty()) {
+        record_.open(keeping_.record, std::ios::binary);
+        write(journal::jsonOf(keeping_.header) + '\n');
     }
     thread_ = std::thread([this] { keep(); });
 }
 
+Keeper::~Keeper()
+{
+    ::eventfd_write(end_, 1);
+    thread_.join();
+    ::close(end_);
+    ::close(done_);
+}
+
+void Keeper::finish(std::chrono::milliseconds most) const
+{
+    ::eventfd_write(end_, 1);
+    pollfd done{done_, POLLIN, 0};
+    ::poll(&done, 1, static_cast<int>(most.count()));
+}
+
 void Keeper::keep()
 {
-    sigset_t all;
-    ::sigfillset(&all);
-    ::pthread_sigmask(SIG_SETMASK, &all, nullptr);
+    blockEverySignal();
     while (reader_.wait(end_)) {
         while (readOn()) {
         }
         std::this_thread::sleep_for(between);
     }
+    while (readOn()) {
+    }
+    if (keeping_.summary)
+        std::fputs(summary().c_str(), stderr);
+    if (!failure_.empty())
+        std::fprintf(stderr, "sorvane-sim: %s\n", failure_.c_str());
+    ::eventfd_write(done_, 1);
 }
 
 void Keeper::write(const std::string &lines)
 {
-    if (file_.empty() || !failure_.empty())
+    if (keeping_.record.empty() || !failure_.empty())
         return;
     errno = 0;
     record_ << lines << std::flush;
     if (!record_)
-        failure_ = "--record \"" + file_ + "\": " + std::strerror(errno == 0 ? EIO : errno);
+        failure_ = "--record \"" + keeping_.record + "\": " + std::strerror(errno == 0 ? EIO : errno);
 }
 
 bool Keeper::readOn()
@@ -78,23 +107,12 @@ bool Keeper::readOn()
     std::string lines;
     for (const journal::Event &event : batch.events) {
         summaries_[event.device].add(event);
-        if (!file_.empty())
+        if (!keeping_.record.empty())
             lines += journal::jsonOf(event, names_) + '\n';
     }
     write(lines);
     lost_ += batch.lost;
     return !batch.events.empty();
-}
-
-void Keeper::finish()
-{
-    if (!thread_.joinable())
-        return;
-    ::eventfd_write(end_, 1);
-    thread_.join();
-    while (readOn()) {
-    }
-    ::close(end_);
 }
 
 std::string Keeper::summary()
@@ -106,8 +124,10 @@ std::string Keeper::summary()
             continue;
         const auto lock = board->lock();
         const std::string name = names_.board(device);
+        const std::string asked = summaries_[device].text();
         text += (name.empty() ? "" : name + ", ") + "Vexa_" + std::to_string(device) + ", " + nameOf(board->model()) +
-                "\n  asked\n" + summaries_[device].text() + "  left\n" + leftText(*board, device, cabinet_);
+                "\n  asked\n" + (asked.empty() ? "    nothing\n" : asked) + "  left\n" +
+                leftText(*board, device, cabinet_);
     }
     if (lost_ > 0)
         text += std::to_string(lost_) + " events came too fast to be counted\n";

@@ -14,46 +14,52 @@
 namespace sim
 {
 
+/// What is kept.
+struct Keeping {
+    bool summary = false;
+    std::string record;  ///< a file; empty: none
+    journal::Header header;
+
+    bool anything() const { return summary || !record.empty(); }
+};
+
+/// Creates the file, or empties it, so that a record can be kept there. Throws std::system_error with the reason.
+void prepareRecord(const std::string &file);
+
 class Keeper
 {
 public:
-    /// Goes on in a thread of its own. `record` is a file that exists already, or empty. The boards and
-    /// the cabinet outlive it.
-    Keeper(VirtualBoards &boards, const journal::Header &header, const std::string &record,
-           const cabinet::Cabinet &cabinet);
+    /// Goes on in a thread of its own. The boards and the cabinet outlive it.
+    Keeper(VirtualBoards &boards, Keeping keeping, const cabinet::Cabinet &cabinet);
     Keeper(const Keeper &) = delete;
     Keeper &operator=(const Keeper &) = delete;
-    ~Keeper() { finish(); }
+    ~Keeper();
 
-    /// Reads on to the present and ends the thread.
-    void finish();
-
-    /// For the end: what each board was asked, and how it was left.
-    std::string summary();
-    /// What kept the record from being written; empty if nothing did.
-    const std::string &failure() const { return failure_; }
+    /// Reads on to the present; the summary, and what kept the record from being written, go to standard error. Waits
+    /// so long at most, since it may be called in a signal handler, where the thread that it has interrupted may hold a
+    /// board. Once is enough.
+    void finish(std::chrono::milliseconds most) const;
 
 private:
     void keep();
     bool readOn();
     void write(const std::string &lines);
+    std::string summary();
 
     VirtualBoards &boards_;
     std::vector<int> devices_;
+    Keeping keeping_;
     const cabinet::Cabinet &cabinet_;
     journal::Names names_;
     EventReader reader_;
     std::map<int, journal::Summary> summaries_;
     std::uint64_t lost_ = 0;
-    std::string file_;
     std::ofstream record_;
     std::string failure_;
-    int end_;  // becomes readable when the thread is to end
+    int end_;   // becomes readable when the thread is to end
+    int done_;  // and when it has ended
     std::thread thread_;
 };
-
-/// Creates the file, or empties it, so that a record can be kept there. Throws std::system_error with the reason.
-void prepareRecord(const std::string &file);
 
 }  // namespace sim
 
