@@ -37,8 +37,6 @@ MAY_INCLUDE = {
     "sim/command": ["journal", "sim/core", "sim/board", "sim/system", "sim/inprocess", "sim/nodes", "sim/cabinet",
                     "sim/journal", "sim/language", "sim/control"],
     "examples": ["api/sorvaneusb.h"],
-    # Stands in for the bench on which the examples would run.
-    "examples/demo": ["api/sorvaneusb.h", "board/requests.h", "sim/peripherals", "sim/inprocess"],
 }
 
 # Whoever measures and tests the rest includes what it looks at.
