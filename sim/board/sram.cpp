@@ -30,6 +30,13 @@ void SRAM::set(std::size_t address, unsigned char value)
         firmware_.overwrite(address - firmwareStart, value);
 }
 
+void SRAM::write(std::size_t address, Payload bytes)
+{
+    diary_.noteWritten(journal::Kind::SRAM, address, Payload(memory_).subspan(address, bytes.size()), bytes);
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        set(address + i, bytes[i]);
+}
+
 bool SRAM::isFirmware(std::size_t address) const
 {
     return !flat_ && address >= firmwareStart && address < firmwareEnd;

@@ -26,6 +26,8 @@ public:
     unsigned char at(std::size_t address) const { return memory_.at(address); }
     /// In the firmware's pages, its image too.
     void set(std::size_t address, unsigned char value);
+    /// The same for many, and it is written down.
+    void write(std::size_t address, Payload bytes);
 
     std::optional<Reply> answer(Request request, Payload payload) override;
     void powerLost() override;

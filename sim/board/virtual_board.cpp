@@ -191,9 +191,15 @@ bool VirtualBoard::insertCoin(unsigned int coin)
             return accepted;
         }
     }
-    diary_.note(journal::Kind::Coin, coin).is = true;
-    inputs_.pulse(coin);
+    pulseCoin(coin);
     return true;
+}
+
+void VirtualBoard::pulseCoin(unsigned int input)
+{
+    timeline_.settle();
+    diary_.note(journal::Kind::Coin, input).is = true;
+    inputs_.pulse(input);
 }
 
 void VirtualBoard::plug()

@@ -109,6 +109,8 @@ public:
     /// A coin of this number is thrown in: into the ccTalk acceptor if one hangs on a serial port, otherwise a pulse on
     /// the input of that number. False when the acceptor rejects it.
     bool insertCoin(unsigned int coin);
+    /// One that is counted on an input, whatever hangs on the serial ports.
+    void pulseCoin(unsigned int input);
 
     /// How much longer an exchange takes, by a fault that is used up.
     Nanoseconds takeDelay(unsigned char request, int pipe);

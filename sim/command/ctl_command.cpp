@@ -1,8 +1,8 @@
 #include "sim/command/ctl_command.h"
 
-#include "sim/language/commands.h"
-#include "sim/control/control_socket.h"
 #include "sim/command/follow.h"
+#include "sim/control/control_socket.h"
+#include "sim/language/commands.h"
 
 #include <algorithm>
 #include <cstdio>

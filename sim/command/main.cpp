@@ -44,11 +44,10 @@ void addBoards(CLI::App &command, Options &options)
 RunRequest requestFrom(const Options &options)
 {
     RunRequest request;
-    if (options.cabinet) {
+    request.cabinetFile = options.cabinet.value_or("");
+    if (options.cabinet)
         request.cabinet = cabinetFrom(*options.cabinet);
-        request.cabinetFile = *options.cabinet;
-        request.boardArguments = boardArguments(request.cabinet);
-    }
+    request.boardArguments = boardArguments(request.cabinet);
     request.boardArguments.insert(request.boardArguments.end(), options.boards.begin(), options.boards.end());
     request.boards = boardsFrom(request.boardArguments);
     if (request.boards.empty())
@@ -56,7 +55,7 @@ RunRequest requestFrom(const Options &options)
                          "--cabinet FILE");
     if (options.scenario)
         request.scenario = Scenario::read(*options.scenario);
-    request.scenario.check(request.boards);
+    request.scenario.check(request.boards, request.cabinet);
     request.privateIpc = !options.shareIpc;
     request.how = howFrom(options.how);
     request.scenarioFile = options.scenario.value_or("");

@@ -40,7 +40,7 @@ void inBackground(Body body)
 }
 
 // Each process has boards of its own, and a file or a summary is that of one process.
-void keepJournal(bool firstProcess)
+void keepJournal(bool firstProcess, const cabinet::Cabinet &machine)
 {
     const char *header = std::getenv(preloadHeader);
     const char *record = std::getenv(preloadRecord);
@@ -48,10 +48,8 @@ void keepJournal(bool firstProcess)
                           header ? journal::headerFrom(header) : journal::Header()};
     if (!keeping.anything())
         return;
-    const char *cabinet = std::getenv(preloadCabinet);
     if (firstProcess)
-        keeper = new Keeper(inProcessBoards(), keeping,
-                            *new cabinet::Cabinet(cabinet ? cabinet::Cabinet::read(cabinet) : cabinet::Cabinet()));
+        keeper = new Keeper(inProcessBoards(), keeping, machine);
     else
         std::fprintf(stderr,
                      "sorvane-sim: inside the program --summary and --record see the boards of one process; those of "
@@ -62,16 +60,20 @@ void keepJournal(bool firstProcess)
 void begin(const char *boardArguments)
 {
     plugBoards(inProcessBoards(), boardsFrom(splitWords(boardArguments)));
+    const char *cabinetFile = std::getenv(preloadCabinet);
+    static const cabinet::Cabinet &machine =
+        *new cabinet::Cabinet(cabinetFile ? cabinet::Cabinet::read(cabinetFile) : cabinet::Cabinet());
     const char *file = std::getenv(preloadScenario);
     scenario = new Scenario(file ? Scenario::read(file) : Scenario());
     const char *process = std::getenv(preloadProgram);
     if (process && process == std::to_string(::getpid()))
         program = ::getpid();
-    keepJournal(program != 0);
-    scenario->prepare(inProcessBoards());
-    static ControlServer control(inProcessBoards(), newRunName());
+    keepJournal(program != 0, machine);
+    static Session session{inProcessBoards(), machine};
+    scenario->prepare(session);
+    static ControlServer control(inProcessBoards(), machine, newRunName());
     inBackground([] { control.answerAll(); });
-    inBackground([] { scenario->play(inProcessBoards(), reached); });
+    inBackground([] { scenario->play(session, reached); });
 }
 
 [[gnu::constructor]] void beginWithTheProgram()

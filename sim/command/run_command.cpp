@@ -32,7 +32,8 @@ void serve(BoardService &service, const RunRequest &request, const RunName &name
     SteadyClock clock;
     VirtualBoards boards(clock);
     plugBoards(boards, request.boards);
-    ControlServer control(boards, name);
+    ControlServer control(boards, request.cabinet, name);
+    Session session{boards, request.cabinet};
     MountedDevices devices = service.receiveDevices();
     Attributes attributes(boards, std::move(devices.attributes));
     std::vector<std::unique_ptr<Node>> nodes;
@@ -41,12 +42,12 @@ void serve(BoardService &service, const RunRequest &request, const RunName &name
     std::optional<Keeper> keeper;
     if (request.keeping.anything())
         keeper.emplace(boards, request.keeping, request.cabinet);
-    request.scenario.prepare(boards);
+    request.scenario.prepare(session);
     std::thread([&control] { control.answerAll(); }).detach();
     service.ready();
     std::atomic<std::size_t> reached = 0;
     if (service.waitForStart()) {
-        std::thread([&] { request.scenario.play(boards, reached); }).detach();
+        std::thread([&] { request.scenario.play(session, reached); }).detach();
         service.waitForEnd();
         request.scenario.reportUnplayed(reached);
         if (keeper)

@@ -13,12 +13,12 @@ enum class How { Node, Preload, Auto };
 
 struct RunRequest {
     std::vector<BoardOptions> boards;
+    cabinet::Cabinet cabinet;
     Scenario scenario;
     bool privateIpc = true;
     How how = How::Auto;
     TextWords boardArguments;  ///< as they came, for who plugs the boards elsewhere
     std::string scenarioFile;
-    cabinet::Cabinet cabinet;
     std::string cabinetFile;
     Keeping keeping;
 };

@@ -34,12 +34,14 @@ std::string receiveAll(const OwnedFd &connection, std::size_t atMost)
     return text;
 }
 
-ControlAnswer carryOut(VirtualBoards &boards, const std::string &request)
+ControlAnswer carryOut(VirtualBoards &boards, const cabinet::Cabinet &cabinet, const std::string &request)
 {
     TextWords words = splitAt(request, '\0');
     words.pop_back();
     try {
-        return {0, Command::parse(words).carryOut(boards)};
+        Session session{boards, cabinet};
+        const Outcome outcome = Command::parse(words).carryOut(session);
+        return {outcome.status, outcome.data.empty() ? outcome.text : outcome.data + "\n"};
     } catch (const UsageError &error) {
         return {statusOfUsageError, error.what()};
     } catch (const std::exception &error) {
@@ -56,8 +58,9 @@ void becomeUserOf(const RunName &name)
 
 }  // namespace
 
-ControlServer::ControlServer(VirtualBoards &boards, const RunName &name)
-    : boards_(boards), socket_(checked(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0), "making a socket"))
+ControlServer::ControlServer(VirtualBoards &boards, const cabinet::Cabinet &cabinet, const RunName &name)
+    : boards_(boards), cabinet_(cabinet),
+      socket_(checked(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0), "making a socket"))
 {
     const RunAddress address(name);
     checked(::bind(socket_.get(), address.get(), address.length), "taking the name " + name.text());
@@ -81,7 +84,7 @@ void ControlServer::answerOne(const OwnedFd &connection)
     // Whoever asks and does not go on holds up the others no longer than this.
     ::setsockopt(connection.get(), SOL_SOCKET, SO_RCVTIMEO, &connectionTimeout, sizeof connectionTimeout);
     ::setsockopt(connection.get(), SOL_SOCKET, SO_SNDTIMEO, &connectionTimeout, sizeof connectionTimeout);
-    const ControlAnswer answer = carryOut(boards_, receiveAll(connection, longestRequest));
+    const ControlAnswer answer = carryOut(boards_, cabinet_, receiveAll(connection, longestRequest));
     sendAll(connection, static_cast<char>('0' + answer.status) + answer.text);
 }
 

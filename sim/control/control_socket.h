@@ -4,6 +4,7 @@
 #define SORVANE_SIM_CONTROL_CONTROL_SOCKET_H
 
 #include "sim/board/virtual_boards.h"
+#include "sim/cabinet/cabinet.h"
 #include "sim/control/run_names.h"
 #include "sim/language/words.h"
 #include "sim/system/descriptors.h"
@@ -14,7 +15,7 @@ namespace sim
 class ControlServer
 {
 public:
-    ControlServer(VirtualBoards &boards, const RunName &name);
+    ControlServer(VirtualBoards &boards, const cabinet::Cabinet &cabinet, const RunName &name);
 
     /// Answers whoever asks, for ever. An abstract socket has no permissions: only the run's own user and root are
     /// heard.
@@ -24,6 +25,7 @@ private:
     void answerOne(const OwnedFd &connection);
 
     VirtualBoards &boards_;
+    const cabinet::Cabinet &cabinet_;
     OwnedFd socket_;
 };
 

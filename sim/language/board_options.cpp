@@ -11,7 +11,7 @@ namespace sim
 namespace
 {
 
-struct Option {
+struct BoardOption {
     const char *name;
     bool numbered;  ///< a number belongs to the name: hopper5, serial0
     const char *usage;
@@ -53,7 +53,7 @@ void setFirmware(BoardOptions &board, const std::string &, const std::string &va
     board.firmwareRunning = oneOf(value, "firmware", "running", "missing");
 }
 
-void setInput(BoardOptions &board, const std::string &index, const std::string &value)
+void setFirstLevel(BoardOptions &board, const std::string &index, const std::string &value)
 {
     const auto input = static_cast<unsigned int>(numberFrom(index, "an input", 0, inputCount - 1));
     board.inputs[input] = oneOf(value, "input state", "on", "off");
@@ -80,12 +80,12 @@ void setSerial(BoardOptions &board, const std::string &index, const std::string 
     board.peripherals[port] = value;
 }
 
-constexpr Option options[] = {
+constexpr BoardOption options[] = {
     {"speed", false, "speed=full|high", "the USB speed (full)", setSpeed},
     {"number", false, "number=0..7", "the board number on inputs 24 to 26 (0)", setNumber},
     {"eeprom", false, "eeprom=24LC256", "the fitted chip, 24LC01 to 24LC512 (24LC256)", setEEPROM},
     {"firmware", false, "firmware=missing|running", "whether the firmware runs already (missing)", setFirmware},
-    {"input", true, "input9=on", "an input that is on from the start", setInput},
+    {"input", true, "input9=on", "an input that is on from the start", setFirstLevel},
     {"hopper", true, "hopper5=20[@37]", "a hopper on input 5 with 20 coins; its motor on output 37", setHopper},
     {"serial", true, "serial0=cctalk", "what hangs on serial port 0 or 1", setSerial},
 };
@@ -93,15 +93,15 @@ constexpr Option options[] = {
 TextWords optionNames()
 {
     TextWords names;
-    for (const Option &option : options)
+    for (const BoardOption &option : options)
         names.push_back(option.name + std::string(option.numbered ? "N" : ""));
     return names;
 }
 
-const Option &optionFor(const std::string &key)
+const BoardOption &optionFor(const std::string &key)
 {
     const std::size_t letters = key.find_first_of("0123456789");
-    for (const Option &option : options) {
+    for (const BoardOption &option : options) {
         if (key.substr(0, letters) == option.name && (letters != std::string::npos) == option.numbered)
             return option;
     }
@@ -132,7 +132,7 @@ BoardOptions boardFrom(const std::string &argument)
     for (auto part = parts.begin() + 1; part != parts.end(); ++part) {
         const std::size_t at = part->find('=');
         const std::string key = part->substr(0, at);
-        const Option &option = optionFor(key);
+        const BoardOption &option = optionFor(key);
         const std::string value = at == std::string::npos ? "" : part->substr(at + 1);
         if (value.empty())
             throw UsageError("board option " + key + " has no value; allowed: " + option.usage);
@@ -192,7 +192,7 @@ void plugBoards(VirtualBoards &boards, const std::vector<BoardOptions> &options)
 std::string boardOptionsHelp()
 {
     std::string help = "N=MODEL[,option=value...]: N 0 to 15; MODEL R20, R20s or R35; options:\n";
-    for (const Option &option : options) {
+    for (const BoardOption &option : options) {
         const std::string usage = option.usage;
         help += "  " + usage + std::string(26 - usage.size(), ' ') + option.help + "\n";
     }

@@ -1,10 +1,7 @@
 #include "sim/language/commands.h"
 
-#include "sim/language/board_actions.h"
-#include "sim/language/state_json.h"
-#include "sim/language/state_text.h"
-
 #include <algorithm>
+#include <cctype>
 
 namespace sim
 {
@@ -12,16 +9,7 @@ namespace sim
 namespace
 {
 
-const ActionKind *findAction(const std::string &name)
-{
-    const auto found = std::find_if(std::begin(actionKinds), std::end(actionKinds),
-                                    [&name](const ActionKind &kind) { return name == kind.name; });
-    return found == std::end(actionKinds) ? nullptr : found;
-}
-
-constexpr char stateUsage[] = "state [--json]";
-
-std::vector<int> plugged(const VirtualBoards &boards)
+std::vector<int> numbersOf(const VirtualBoards &boards)
 {
     std::vector<int> numbers;
     for (int deviceNo = 0; deviceNo < deviceCount; ++deviceNo) {
@@ -31,99 +19,126 @@ std::vector<int> plugged(const VirtualBoards &boards)
     return numbers;
 }
 
-std::string named(const std::vector<int> &numbers)
+std::string listed(const std::vector<int> &numbers, const cabinet::Cabinet &cabinet)
 {
     TextWords texts;
-    for (const int number : numbers)
-        texts.push_back(std::to_string(number));
+    for (const int number : numbers) {
+        const cabinet::Board *board = cabinet.board(number);
+        const bool named = board && !board->name.empty();
+        texts.push_back(std::to_string(number) + (named ? " (" + board->name + ")" : ""));
+    }
     return join(texts, ", ");
 }
 
-std::vector<NumberedState> statesOf(VirtualBoards &boards, const std::vector<int> &numbers)
+const Argument *contentOf(const Syntax &row)
 {
-    std::vector<NumberedState> states;
-    for (const int number : numbers) {
-        const std::shared_ptr<VirtualBoard> board = boards.hold(number);
-        const auto lock = board->lock();
-        states.push_back({number, board->state()});
-    }
-    return states;
+    const auto found = std::find_if(row.arguments.begin(), row.arguments.end(),
+                                    [](const Argument &argument) { return argument.sort == Sort::Content; });
+    return found == row.arguments.end() ? nullptr : &*found;
 }
 
-std::vector<int> checkedNumbers(const VirtualBoards &boards, std::optional<int> deviceNo)
+int onlyOne(const std::vector<int> &numbers, const cabinet::Cabinet &cabinet)
 {
-    std::vector<int> numbers = plugged(boards);
-    if (!deviceNo)
-        return numbers;
-    if (std::find(numbers.begin(), numbers.end(), *deviceNo) == numbers.end())
-        throw UsageError("there is no board " + std::to_string(*deviceNo) + "; allowed: " + named(numbers));
-    return {*deviceNo};
+    if (numbers.empty())
+        throw UsageError("there is no board; boards come with --board N=MODEL or --cabinet FILE of run or serve");
+    if (numbers.size() != 1)
+        throw UsageError("which board? Say --board with one of: " + listed(numbers, cabinet));
+    return numbers[0];
 }
 
 }  // namespace
 
+const SyntaxTable &commandSyntax()
+{
+    static const SyntaxTable table = [] {
+        SyntaxTable rows;
+        for (const CommandRow &row : commandRows())
+            rows.push_back(&row.syntax);
+        return rows;
+    }();
+    return table;
+}
+
 Command Command::parse(const TextWords &words)
 {
     Command command;
-    auto word = words.begin();
-    if (word != words.end() && *word == "--board") {
-        command.deviceNo_ =
-            static_cast<int>(numberFrom(++word == words.end() ? "" : *word, "a device number", 0, deviceCount - 1));
-        ++word;
+    WordStream stream(words);
+    if (stream.takeIf("--board")) {
+        command.board_ = stream.take();
+        if (command.board_.empty() || std::isdigit(static_cast<unsigned char>(command.board_[0])))
+            (void)numberFrom(command.board_, "a device number", 0, deviceCount - 1);
     }
-    const std::string name = word == words.end() ? "" : *word++;
-    const TextWords rest(word, words.end());
-    if (name == "state") {
-        const bool json = rest == TextWords{"--json"};
-        if (!json && !rest.empty())
-            throw UsageError("allowed is " + std::string(stateUsage));
-        command.onAll_ = [json](VirtualBoards &boards, std::optional<int> deviceNo) {
-            const std::vector<NumberedState> states = statesOf(boards, checkedNumbers(boards, deviceNo));
-            return json ? jsonOf(states) : textOf(states);
-        };
-        return command;
-    }
-    const ActionKind *kind = findAction(name);
-    if (!kind) {
-        TextWords names;
-        for (const ActionKind &known : actionKinds)
-            names.emplace_back(known.name);
-        names.emplace_back("state");
-        refuse(name, "command", names);
-    }
+    command.reading_ = Reading::parse(commandSyntax(), "command", stream);
+    const Syntax *syntax = &command.reading_.row();
+    const std::vector<CommandRow> &rows = commandRows();
+    command.row_ =
+        &*std::find_if(rows.begin(), rows.end(), [syntax](const CommandRow &row) { return &row.syntax == syntax; });
     try {
-        Arguments arguments(rest);
-        command.onOne_ = kind->parse(arguments);
-        arguments.end();
+        stream.end();
+        if (command.row_->check)
+            command.row_->check(command.reading_);
     } catch (const UsageError &error) {
-        throw UsageError(name + ": " + error.what() + " (" + kind->usage + ")");
+        throw UsageError(syntax->name + std::string(": ") + error.what() + " (" +
+                         usageOf(commandSyntax(), syntax->name) + ")");
     }
     return command;
 }
 
-std::string Command::carryOut(VirtualBoards &boards) const
+void Command::setContent(Bytes content)
 {
-    if (onAll_)
-        return onAll_(boards, deviceNo_);
-    const std::vector<int> numbers = checkedNumbers(boards, deviceNo_);
-    if (numbers.empty())
-        throw UsageError("there is no board; boards come with --board N=MODEL of run or serve");
-    if (numbers.size() != 1)
-        throw UsageError("which board? Say --board with one of: " + named(numbers));
-    const std::shared_ptr<VirtualBoard> board = boards.hold(numbers[0]);
+    if (const Argument *argument = contentOf(row_->syntax))
+        reading_.setContent(argument->name, std::move(content));
+}
+
+std::optional<std::string> Command::contentFile() const
+{
+    const Argument *content = contentOf(row_->syntax);
+    return content ? std::optional(reading_[content->name].word) : std::nullopt;
+}
+
+std::vector<int> Command::devicesIn(const Session &session) const
+{
+    std::vector<int> numbers = numbersOf(session.boards);
+    std::optional<int> said;
+    if (!board_.empty()) {
+        said = session.cabinet.deviceNamed(board_);
+        if (!said && std::isdigit(static_cast<unsigned char>(board_[0])))
+            said = static_cast<int>(numberFrom(board_, "a device number", 0, deviceCount - 1));
+    }
+    if (!said && !board_.empty())
+        throw UsageError("there is no board \"" + board_ + "\"; allowed: " + listed(numbers, session.cabinet));
+    const std::optional<int> named = reading_.deviceIn(session.cabinet, said);
+    if (!named)
+        return numbers;
+    if (std::find(numbers.begin(), numbers.end(), *named) == numbers.end())
+        throw UsageError("there is no board " + std::to_string(*named) +
+                         "; allowed: " + listed(numbers, session.cabinet));
+    return {*named};
+}
+
+Outcome Command::carryOut(Session &session) const
+{
+    const std::vector<int> devices = devicesIn(session);
+    Reading reading = reading_;
+    if (devices.size() == 1)
+        reading.resolve(session.cabinet, devices[0]);
+    if (const auto *action = std::get_if<FreeAction>(&row_->action)) {
+        Call call{session, reading, devices};
+        return (*action)(call);
+    }
+    const std::shared_ptr<VirtualBoard> board = session.boards.hold(onlyOne(devices, session.cabinet));
     const auto lock = board->lock();
-    return onOne_(*board);
+    if (const auto *action = std::get_if<BoardAction>(&row_->action))
+        return (*action)(*board, reading);
+    std::get<QuietBoardAction>(row_->action)(*board, reading);
+    return {};
 }
 
 std::string commandsHelp()
 {
-    std::string help = "Commands, each on one board ([--board N] before it when there are several):\n";
-    const auto line = [&help](const std::string &usage, const std::string &text) {
-        help += "  " + usage + "\n      " + text + "\n";
-    };
-    for (const ActionKind &kind : actionKinds)
-        line(kind.usage, kind.help);
-    line(stateUsage, "the whole board, or every board, as text or JSON; on the command line also --follow");
+    std::string help = "Commands, each on one board ([--board N|NAME] before it when there are several):\n";
+    for (const Syntax *row : commandSyntax())
+        help += "  " + usageOf(*row) + "\n      " + row->help + "\n";
     return help;
 }
 

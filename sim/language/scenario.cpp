@@ -1,5 +1,7 @@
 #include "sim/language/scenario.h"
 
+#include "sim/language/files.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -39,6 +41,19 @@ void writeError(const std::array<std::string_view, 3> &parts)
     (void)!::writev(STDERR_FILENO, pieces.data(), pieces.size());
 }
 
+// Its files lie beside the scenario.
+Command commandFor(const TextWords &words, const std::string &scenario)
+{
+    Command command = Command::parse(words);
+    if (!command.row().inScenarios)
+        throw UsageError("\"" + join(words, " ") + "\" writes for whoever asks, which is allowed with ctl only");
+    if (const std::optional<std::string> file = command.contentFile()) {
+        const std::string folder = file->front() == '/' ? "" : scenario.substr(0, scenario.rfind('/') + 1);
+        command.setContent(bytesOfFile(folder + *file));
+    }
+    return command;
+}
+
 }  // namespace
 
 Scenario Scenario::read(const std::string &file)
@@ -64,7 +79,7 @@ Scenario Scenario::parse(std::istream &text, const std::string &name)
                 at = durationFrom(words.size() > 1 ? words[1] : "");
                 words.erase(words.begin(), words.begin() + 2);
             }
-            scenario.lines_.push_back({at, Command::parse(words), where});
+            scenario.lines_.push_back({at, commandFor(words, name), where});
         } catch (const UsageError &error) {
             throw UsageError(where + error.what());
         }
@@ -76,36 +91,37 @@ Scenario Scenario::parse(std::istream &text, const std::string &name)
     return scenario;
 }
 
-void Scenario::check(const std::vector<BoardOptions> &options) const
+void Scenario::check(const std::vector<BoardOptions> &options, const cabinet::Cabinet &cabinet) const
 {
     ManualClock clock;
     VirtualBoards boards(clock);
     plugBoards(boards, options);
+    Session session{boards, cabinet};
     for (const Line &line : lines_) {
         try {
-            line.command.carryOut(boards);
+            (void)line.command.carryOut(session);
         } catch (const std::exception &error) {
             throw UsageError(line.where + error.what());
         }
     }
 }
 
-void Scenario::prepare(VirtualBoards &boards) const
+void Scenario::prepare(Session &session) const
 {
     for (const Line &line : lines_) {
         if (!line.at)
-            carryOut(line, boards);
+            carryOut(line, session);
     }
 }
 
-void Scenario::play(VirtualBoards &boards, std::atomic<std::size_t> &reached) const
+void Scenario::play(Session &session, std::atomic<std::size_t> &reached) const
 {
     const auto start = std::chrono::steady_clock::now();
     for (const Line &line : lines_) {
         if (line.at) {
             std::this_thread::sleep_until(start + *line.at);
             ++reached;
-            carryOut(line, boards);
+            carryOut(line, session);
         }
     }
 }
@@ -122,10 +138,11 @@ void Scenario::reportUnplayed(std::size_t reached) const
     }
 }
 
-void Scenario::carryOut(const Line &line, VirtualBoards &boards)
+void Scenario::carryOut(const Line &line, Session &session)
 {
     try {
-        std::fputs(line.command.carryOut(boards).c_str(), stderr);
+        const Outcome answer = line.command.carryOut(session);
+        std::fputs((answer.data.empty() ? answer.text : answer.data + "\n").c_str(), stderr);
     } catch (const std::exception &error) {
         std::fprintf(stderr, "sorvane-sim: %s%s\n", line.where.c_str(), error.what());
     }

@@ -21,13 +21,13 @@ public:
     static Scenario parse(std::istream &text, const std::string &name);
 
     /// Throws UsageError, as read() does, for what these boards could not carry out; tries it on others like them.
-    void check(const std::vector<BoardOptions> &options) const;
+    void check(const std::vector<BoardOptions> &options, const cabinet::Cabinet &cabinet) const;
 
     /// Carries out what comes before the start; complaints go to standard error.
-    void prepare(VirtualBoards &boards) const;
+    void prepare(Session &session) const;
     /// Carries out the rest, each at its time from now on. Sleeps in between. `reached` counts along for who looks from
     /// another thread.
-    void play(VirtualBoards &boards, std::atomic<std::size_t> &reached) const;
+    void play(Session &session, std::atomic<std::size_t> &reached) const;
     /// For the end of the program, when so much was played: names the lines that are left on standard error. May be
     /// called in a signal handler.
     void reportUnplayed(std::size_t reached) const;
@@ -39,7 +39,7 @@ private:
         std::string where;
     };
 
-    static void carryOut(const Line &line, VirtualBoards &boards);
+    static void carryOut(const Line &line, Session &session);
 
     std::vector<Line> lines_;
 };

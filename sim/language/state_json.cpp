@@ -95,7 +95,7 @@ std::string jsonOf(const std::vector<NumberedState> &states)
     Json boards = Json::array();
     for (const NumberedState &state : states)
         boards.push_back(of(state));
-    return Json{{"boards", boards}}.dump() + "\n";
+    return Json{{"boards", boards}}.dump();
 }
 
 }  // namespace sim

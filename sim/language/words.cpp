@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <cerrno>
+#include <charconv>
 #include <cmath>
 #include <cstdlib>
 
@@ -116,6 +117,31 @@ Bytes bytesOfText(const std::string &text)
         const char c = text[at++];
         bytes.push_back(c == '\\' ? escaped(text, at) : static_cast<unsigned char>(c));
     }
+    return bytes;
+}
+
+std::string hexOf(const Bytes &bytes)
+{
+    constexpr char digits[] = "0123456789abcdef";
+    std::string text;
+    text.reserve(2 * bytes.size());
+    for (const unsigned char byte : bytes) {
+        text += digits[byte >> 4];
+        text += digits[byte & 15];
+    }
+    return text;
+}
+
+Bytes bytesOfHex(const std::string &text)
+{
+    Bytes bytes(text.size() / 2);
+    bool good = text.size() % 2 == 0;
+    for (std::size_t at = 0; good && at < bytes.size(); ++at) {
+        const char *const end = text.data() + 2 * at + 2;
+        good = std::from_chars(end - 2, end, bytes[at], 16).ptr == end;
+    }
+    if (!good)
+        throw UsageError("bytes that are no pairs of hexadecimal digits; allowed is text as in 00ff2a");
     return bytes;
 }
 

@@ -35,6 +35,10 @@ Nanoseconds durationFrom(const std::string &word);
 /// With \n, \r, \t, \\ and \xHH.
 Bytes bytesOfText(const std::string &text);
 
+std::string hexOf(const Bytes &bytes);
+/// Throws UsageError for what are no pairs of hexadecimal digits.
+Bytes bytesOfHex(const std::string &text);
+
 [[noreturn]] void refuse(const std::string &word, const std::string &what, const TextWords &allowed);
 
 }  // namespace sim

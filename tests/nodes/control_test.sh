@@ -61,7 +61,7 @@ mistake "0 to 15" ctl --board 16 unplug
 mistake "on, off, pulse" ctl input 3 blink
 mistake "0 to 32" ctl input 33 on
 mistake "0 to 32" ctl input "" on
-mistake "input N on|off|pulse" ctl input 3 on off
+mistake "input PART on|off|pulse" ctl input 3 on off
 mistake "jam" ctl hopper 5
 mistake "open, close" ctl switch shut
 mistake "fail, replace" ctl battery
