@@ -33,6 +33,37 @@ std::vector<Kind> kindsOf(const journal::Event &event)
 
 }  // namespace
 
+bool isAbout(const journal::Event &event, const Part &part)
+{
+    switch (part.kind) {
+    case Kind::Input:
+        return event.part == part.number &&
+               (event.kind == journal::Kind::Input || event.kind == journal::Kind::Counter);
+    case Kind::Output:
+        return event.part == part.number && event.kind == journal::Kind::Output;
+    case Kind::Coin:
+        return event.part == part.number &&
+               (event.kind == journal::Kind::Input || event.kind == journal::Kind::Counter ||
+                (event.kind == journal::Kind::Coin && event.aspect != journal::Aspect::CcTalk));
+    case Kind::CcTalkCoin:
+        return event.part == part.number && event.kind == journal::Kind::Coin &&
+               event.aspect == journal::Aspect::CcTalk;
+    case Kind::Hopper:
+        return event.part == part.number && event.kind == journal::Kind::Hopper;
+    case Kind::Reel:
+        return event.part == part.number && event.kind == journal::Kind::Reel;
+    case Kind::Meter:
+        return event.kind == journal::Kind::EEPROM && event.part < part.number + part.bytes &&
+               part.number < event.part + event.bytes.size();
+    case Kind::Serial:
+        return event.part == part.number &&
+               (event.kind == journal::Kind::Received || event.kind == journal::Kind::Sent);
+    case Kind::Switch:
+        break;
+    }
+    return false;
+}
+
 journal::Names eventNames(const Cabinet &cabinet)
 {
     journal::Names names;
@@ -46,6 +77,10 @@ journal::Names eventNames(const Cabinet &cabinet)
                 return part->name;
         }
         return std::string();
+    };
+    names.activeLow = [&cabinet](const journal::Event &event) {
+        const Part *part = cabinet.part(event.device, Kind::Input, event.part);
+        return part && part->activeLow;
     };
     return names;
 }

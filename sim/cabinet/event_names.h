@@ -11,6 +11,9 @@ namespace cabinet
 /// It refers to the cabinet.
 journal::Names eventNames(const Cabinet &cabinet);
 
+/// Whether it tells of this part, of a board that is the event's.
+bool isAbout(const journal::Event &event, const Part &part);
+
 }  // namespace cabinet
 
 #endif

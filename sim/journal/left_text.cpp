@@ -34,13 +34,18 @@ public:
 private:
     void add(const std::string &line) { text_ += "    " + line + "\n"; }
 
-    std::string named(Kind kind, unsigned int number) const
+    journal::Event about(Kind kind, unsigned int number) const
     {
         journal::Event event;
         event.device = deviceNo_;
         event.kind = kind;
         event.part = number;
-        const std::string name = names_.part(event);
+        return event;
+    }
+
+    std::string named(Kind kind, unsigned int number) const
+    {
+        const std::string name = names_.part(about(kind, number));
         return name.empty() ? std::to_string(number) : name + " (" + std::to_string(number) + ")";
     }
 
@@ -61,7 +66,9 @@ private:
     {
         std::string on;
         for (unsigned int input = 0; input < firstBoardNumberInput; ++input)
-            on += board_.inputs().level(input) ? " " + named(Kind::Input, input) : "";
+            on += board_.inputs().level(input) != names_.activeLow(about(Kind::Input, input))
+                      ? " " + named(Kind::Input, input)
+                      : "";
         return ":" + (on.empty() ? " none" : on);
     }
 
