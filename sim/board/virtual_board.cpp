@@ -223,6 +223,8 @@ void VirtualBoard::unplug()
     for (const auto &port : serialPorts_)
         port->powerLost();
     battery_.setMainPower(false);
+    if (powerLossListener_)
+        powerLossListener_();
 }
 
 void VirtualBoard::powerCycle()

@@ -117,6 +117,8 @@ public:
 
     void plug();
     void unplug();
+    /// Told when the board has lost its power. What it throws comes out of whatever pulled the plug.
+    void onPowerLoss(std::function<void()> listener) { powerLossListener_ = std::move(listener); }
     bool plugged() const { return plugged_; }
     void powerCycle();
     /// How often it has been plugged; a descriptor of an earlier plug stays dead.
@@ -199,6 +201,7 @@ private:
     Faults faults_;
     std::deque<Exchange> exchanges_;
     std::uint64_t exchangeCount_ = 0;
+    std::function<void()> powerLossListener_;
 };
 
 }  // namespace sim

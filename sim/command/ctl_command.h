@@ -9,8 +9,8 @@
 namespace sim
 {
 
-/// The result is the exit status. `runId` is empty when none was named.
-int control(const std::optional<std::string> &runId, TextWords words);
+/// The result is the exit status. `run` is empty when none was named. Files are opened here, not by the run.
+int control(const std::optional<std::string> &run, const TextWords &words);
 
 }  // namespace sim
 

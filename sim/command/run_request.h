@@ -12,12 +12,16 @@ namespace sim
 enum class How { Node, Preload, Auto };
 
 struct RunRequest {
+    std::string name;  ///< empty: none
     std::vector<BoardOptions> boards;
     cabinet::Cabinet cabinet;
     Scenario scenario;
     bool privateIpc = true;
     How how = How::Auto;
-    TextWords boardArguments;  ///< as they came, for who plugs the boards elsewhere
+    TextWords program;           ///< empty: programs enter
+    TextWords boardArguments;    ///< as they came, for who plugs the boards elsewhere
+    bool inBackground = false;   ///< of serve
+    bool endsWithInput = false;  ///< of serve
     std::string scenarioFile;
     std::string cabinetFile;
     Keeping keeping;

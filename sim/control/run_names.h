@@ -18,7 +18,11 @@ namespace sim
 
 struct RunName {
     uid_t user = 0;
-    std::string id;  ///< begins with the process id of the run
+    std::string id;    ///< begins with the process id of the run
+    std::string name;  ///< what --name calls it; empty: nothing
+
+    /// What people call it.
+    const std::string &shown() const { return name.empty() ? id : name; }
 
     std::string text() const;
     static std::optional<RunName> parse(const std::string &text);
@@ -28,16 +32,25 @@ struct RunName {
 /// What to do about it that no run is up.
 constexpr char howToServe[] = "sorvane-sim serve --board 0=R35";
 
-/// A name for a run of this process that nobody has.
-RunName newRunName();
+/// For a run of this process: an id that nobody has, and the name that was given, which may be empty.
+RunName newRunName(const std::string &name);
+/// Throws UsageError for what is no name and for one that another run of this user has.
+void checkRunName(const std::string &name);
+/// What holds the name for this user as long as it is open; nothing where there is no name. The kernel lets only one
+/// have it; throws UsageError when another has.
+OwnedFd reserveName(const RunName &run);
 
 /// Every run that is up, whoever's it is.
 std::vector<RunName> allRuns();
 
-/// The run that is meant: the one with this id; without an id, the one around this process or the only one this user
-/// may reach (root reaches everybody's). Throws UsageError that names the choice. Where boards are inside programs
-/// there is no run around anybody, and the one that is found first would be the caller's shell: an id has to be given.
-RunName chooseRun(const std::optional<std::string> &id);
+/// Those that really belong to whom their names say and that this user may reach: root everybody's.
+std::vector<RunName> reachableRuns();
+
+/// The run that is meant: the one with this name or id, the user's own before others; without one, the one around this
+/// process or the user's only one, root's too. Throws UsageError that names the choice. Where boards are inside
+/// programs there is no run around anybody, and the one that is found first would be the caller's shell: it has to be
+/// named.
+RunName chooseRun(const std::optional<std::string> &which);
 
 /// Nobody waits longer for the other side of a connection.
 constexpr timeval connectionTimeout{2, 0};
@@ -47,12 +60,12 @@ constexpr timeval connectionTimeout{2, 0};
 OwnedFd connectTo(const RunName &name);
 std::optional<uid_t> userBehind(const OwnedFd &connection);
 
-/// The address of a name, and its length.
+/// An abstract address, and its length.
 struct RunAddress {
     sockaddr_un address{};
     socklen_t length = 0;
 
-    explicit RunAddress(const RunName &name);
+    explicit RunAddress(const std::string &text);
     const sockaddr *get() const { return reinterpret_cast<const sockaddr *>(&address); }
 };
 

@@ -53,6 +53,16 @@ void setFirmware(BoardOptions &board, const std::string &, const std::string &va
     board.firmwareRunning = oneOf(value, "firmware", "running", "missing");
 }
 
+void setEEPROMFile(BoardOptions &board, const std::string &, const std::string &value)
+{
+    board.eepromFile = value;
+}
+
+void setSRAMFile(BoardOptions &board, const std::string &, const std::string &value)
+{
+    board.sramFile = value;
+}
+
 void setFirstLevel(BoardOptions &board, const std::string &index, const std::string &value)
 {
     const auto input = static_cast<unsigned int>(numberFrom(index, "an input", 0, inputCount - 1));
@@ -85,6 +95,8 @@ constexpr BoardOption options[] = {
     {"number", false, "number=0..7", "the board number on inputs 24 to 26 (0)", setNumber},
     {"eeprom", false, "eeprom=24LC256", "the fitted chip, 24LC01 to 24LC512 (24LC256)", setEEPROM},
     {"firmware", false, "firmware=missing|running", "whether the firmware runs already (missing)", setFirmware},
+    {"eeprom_file", false, "eeprom_file=FILE", "keeps the EEPROM's contents over runs", setEEPROMFile},
+    {"sram_file", false, "sram_file=FILE", "keeps the SRAM's contents over runs", setSRAMFile},
     {"input", true, "input9=on", "an input that is on from the start", setFirstLevel},
     {"hopper", true, "hopper5=20[@37]", "a hopper on input 5 with 20 coins; its motor on output 37", setHopper},
     {"serial", true, "serial0=cctalk", "what hangs on serial port 0 or 1", setSerial},

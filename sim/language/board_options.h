@@ -22,6 +22,8 @@ struct BoardOptions {
         unsigned int stock = 0;
         std::optional<unsigned int> motor;
     };
+    std::string eepromFile;  ///< that keeps its contents over runs; empty: none, here and below
+    std::string sramFile;
     std::map<unsigned int, bool> inputs;              ///< that begin at a level
     std::map<unsigned int, HopperOptions> hoppers;    ///< by input
     std::map<unsigned int, std::string> peripherals;  ///< by serial port

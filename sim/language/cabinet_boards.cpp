@@ -32,6 +32,10 @@ TextWords boardArguments(const cabinet::Cabinet &cabinet)
                                ",speed=" + (board.highSpeed ? "high" : "full") +
                                ",number=" + std::to_string(board.number) + ",eeprom=" + board.eeprom->name +
                                ",firmware=" + (board.firmwareRunning ? "running" : "missing");
+        if (!board.eepromFile.empty())
+            argument += ",eeprom_file=" + board.eepromFile;
+        if (!board.sramFile.empty())
+            argument += ",sram_file=" + board.sramFile;
         for (const cabinet::Part &part : board.parts)
             argument += argumentFor(part);
         arguments.push_back(argument);

@@ -30,10 +30,10 @@ std::string listed(const std::vector<int> &numbers, const cabinet::Cabinet &cabi
     return join(texts, ", ");
 }
 
-const Argument *contentOf(const Syntax &row)
+const Argument *argumentOf(const Syntax &row, Sort sort)
 {
     const auto found = std::find_if(row.arguments.begin(), row.arguments.end(),
-                                    [](const Argument &argument) { return argument.sort == Sort::Content; });
+                                    [sort](const Argument &argument) { return argument.sort == sort; });
     return found == row.arguments.end() ? nullptr : &*found;
 }
 
@@ -86,14 +86,24 @@ Command Command::parse(const TextWords &words)
 
 void Command::setContent(Bytes content)
 {
-    if (const Argument *argument = contentOf(row_->syntax))
+    if (const Argument *argument = argumentOf(row_->syntax, Sort::Content))
         reading_.setContent(argument->name, std::move(content));
 }
 
 std::optional<std::string> Command::contentFile() const
 {
-    const Argument *content = contentOf(row_->syntax);
-    return content ? std::optional(reading_[content->name].word) : std::nullopt;
+    return fileOf(Sort::Content);
+}
+
+std::optional<std::string> Command::newFile() const
+{
+    return fileOf(Sort::NewFile);
+}
+
+std::optional<std::string> Command::fileOf(Sort sort) const
+{
+    const Argument *file = argumentOf(row_->syntax, sort);
+    return file ? std::optional(reading_[file->name].word) : std::nullopt;
 }
 
 std::vector<int> Command::devicesIn(const Session &session) const

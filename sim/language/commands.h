@@ -76,6 +76,8 @@ public:
     const Reading &reading() const { return reading_; }
     /// The file whose bytes are to go along; none for most commands.
     std::optional<std::string> contentFile() const;
+    /// The file that whoever asked writes from the answer's data, {"bytes":"<hexadecimal>"}.
+    std::optional<std::string> newFile() const;
     void setContent(Bytes content);
 
     /// Throws UsageError when there is no such board or part, when the board is not named among several, or when its
@@ -83,6 +85,7 @@ public:
     Outcome carryOut(Session &session) const;
 
 private:
+    std::optional<std::string> fileOf(Sort sort) const;
     std::vector<int> devicesIn(const Session &session) const;
 
     std::string board_;  // as it was named; empty: it was not

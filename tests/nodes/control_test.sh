@@ -73,7 +73,7 @@ mistake "ioctl [ERRNO]" ctl fail sideways
 mistake "count N" ctl fail ioctl twice
 mistake "1 to 1000000" ctl fail ioctl count 0
 mistake "state [--json]" ctl state --xml
-mistake "--follow is allowed with state" ctl input 3 on --follow
+mistake "nothing is allowed behind it" ctl input 3 on --follow
 
 for command in "" run serve enter ctl "ctl input"; do
     output=$("$sim" $command --help 2>&1)
