@@ -32,7 +32,7 @@ struct Preloaded {
 };
 
 const Preloaded *preloaded = nullptr;
-const Keeper *keeper = nullptr;
+Keeper *keeper = nullptr;
 std::atomic<std::size_t> reached = 0;
 // The program itself, until it has said what was not reached. The processes that it starts end for reasons of their
 // own.

@@ -84,7 +84,7 @@ bool EventReader::wait(int other, std::optional<Nanoseconds> most)
     if (most && (!sleep || *most < *sleep))
         sleep = most;
     const timespec time = timeOf(sleep.value_or(Nanoseconds::zero()));
-    std::array<pollfd, 2> waited{{{listener_.descriptor(), POLLIN, 0}, {other, POLLIN, 0}}};
+    std::array<pollfd, 2> waited{{{listener_.descriptor(), POLLIN, 0}, {other, POLLRDHUP, 0}}};
     ::ppoll(waited.data(), waited.size(), sleep ? &time : nullptr, nullptr);
     return waited[1].revents == 0;
 }

@@ -25,8 +25,8 @@ public:
     /// What has come since the last time, some thousands a board at most; empty when there is nothing new.
     Batch read();
 
-    /// Sleeps until something may have come, `other` becomes readable (-1: none), or the time is over. False when it
-    /// was `other`.
+    /// Sleeps until something may have come, the other side of the socket or pipe `other` (-1: none) closes, or the
+    /// time is over. False when it was `other`.
     bool wait(int other, std::optional<Nanoseconds> most = std::nullopt);
 
 private:

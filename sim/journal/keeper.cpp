@@ -9,9 +9,9 @@
 #include <cstring>
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace sim
 {
@@ -22,12 +22,18 @@ namespace
 // Whoever writes everything down need not be woken by each exchange of a busy program.
 constexpr Nanoseconds between = std::chrono::milliseconds(10);
 
-int newEventDescriptor()
+std::array<int, 2> newPipe()
 {
-    const int descriptor = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-    if (descriptor == -1)
+    std::array<int, 2> ends{};
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0)
         throw std::system_error(errno, std::generic_category(), "keeping a journal");
-    return descriptor;
+    return ends;
+}
+
+void closeOnce(int &descriptor)
+{
+    if (descriptor != -1)
+        ::close(std::exchange(descriptor, -1));
 }
 
 void blockEverySignal()
@@ -49,8 +55,7 @@ void prepareRecord(const std::string &file)
 
 Keeper::Keeper(VirtualBoards &boards, Keeping keeping, const cabinet::Cabinet &cabinet)
     : boards_(boards), devices_(allBoards(boards)), keeping_(std::move(keeping)), cabinet_(cabinet),
-      names_(cabinet::eventNames(cabinet)), reader_(boards, devices_), end_(newEventDescriptor()),
-      done_(newEventDescriptor())
+      names_(cabinet::eventNames(cabinet)), reader_(boards, devices_), end_(newPipe()), done_(newPipe())
 {
     if (!keeping_.record.empty()) {
         record_.open(keeping_.record, std::ios::binary);
@@ -61,23 +66,23 @@ Keeper::Keeper(VirtualBoards &boards, Keeping keeping, const cabinet::Cabinet &c
 
 Keeper::~Keeper()
 {
-    ::eventfd_write(end_, 1);
+    closeOnce(end_[1]);
     thread_.join();
-    ::close(end_);
-    ::close(done_);
+    closeOnce(end_[0]);
+    closeOnce(done_[0]);
 }
 
-void Keeper::finish(std::chrono::milliseconds most) const
+void Keeper::finish(std::chrono::milliseconds most)
 {
-    ::eventfd_write(end_, 1);
-    pollfd done{done_, POLLIN, 0};
+    closeOnce(end_[1]);
+    pollfd done{done_[0], 0, 0};
     ::poll(&done, 1, static_cast<int>(most.count()));
 }
 
 void Keeper::keep()
 {
     blockEverySignal();
-    while (reader_.wait(end_)) {
+    while (reader_.wait(end_[0])) {
         while (readOn()) {
         }
         std::this_thread::sleep_for(between);
@@ -88,7 +93,7 @@ void Keeper::keep()
         std::fputs(summary().c_str(), stderr);
     if (!failure_.empty())
         std::fprintf(stderr, "sorvane-sim: %s\n", failure_.c_str());
-    ::eventfd_write(done_, 1);
+    closeOnce(done_[1]);
 }
 
 void Keeper::write(const std::string &lines)

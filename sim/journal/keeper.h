@@ -8,6 +8,7 @@
 #include "sim/cabinet/cabinet.h"
 #include "sim/journal/event_reader.h"
 
+#include <array>
 #include <fstream>
 #include <thread>
 
@@ -37,8 +38,8 @@ public:
 
     /// Reads on to the present; the summary, and what kept the record from being written, go to standard error. Waits
     /// so long at most, since it may be called in a signal handler, where the thread that it has interrupted may hold a
-    /// board. Once is enough.
-    void finish(std::chrono::milliseconds most) const;
+    /// board.
+    void finish(std::chrono::milliseconds most);
 
 private:
     void keep();
@@ -56,8 +57,8 @@ private:
     std::uint64_t lost_ = 0;
     std::ofstream record_;
     std::string failure_;
-    int end_;   // becomes readable when the thread is to end
-    int done_;  // and when it has ended
+    std::array<int, 2> end_{};   // a pipe, whose writing end is closed when the thread is to end
+    std::array<int, 2> done_{};  // the same when it has ended
     std::thread thread_;
 };
 

@@ -14,9 +14,6 @@ namespace
 
 using journal::Event;
 
-// How long a reader that follows sleeps before it looks whether anybody still hears it.
-constexpr Nanoseconds glance = std::chrono::milliseconds(500);
-
 // Which events are wanted.
 class Filter
 {
@@ -80,9 +77,10 @@ public:
 private:
     bool say(const std::string &line)
     {
+        const std::string whole = line + (asData_ ? "" : "\n");
         if (session_.listener)
-            return session_.listener->tell(line);
-        text_ += line + "\n";
+            return session_.listener->tell(whole);
+        text_ += whole + (asData_ ? "\n" : "");
         return true;
     }
 
@@ -118,7 +116,7 @@ Outcome tellEvents(Call &call)
     EventReader reader(call.session.boards, call.devices, reading.numberOr("--since", 0));
     bool heard = telling.begin() && tellAll(reader, filter, telling);
     while (heard && reading.has("--follow") && call.session.listener && !call.session.listener->isGone()) {
-        (void)reader.wait(-1, glance);
+        (void)reader.wait(call.session.listener->descriptor());
         heard = tellAll(reader, filter, telling);
     }
     return {.text = telling.text()};
