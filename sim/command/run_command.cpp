@@ -2,6 +2,7 @@
 
 #include "sim/command/background.h"
 #include "sim/command/preload.h"
+#include "sim/control/control_client.h"
 #include "sim/control/control_server.h"
 #include "sim/language/kept_memories.h"
 #include "sim/nodes/attributes.h"
@@ -165,12 +166,15 @@ int serveBoards(const RunRequest &request)
     return 0;
 }
 
-void enterRun(const std::optional<std::string> &which, const TextWords &program)
+void enterRun(const std::optional<std::string> &which, const TextWords &program, bool endsWithRun)
 {
     const auto enter = [&] {
         const BlockedSignals blocked;
         ProcessGroupMember groupMember;
         const RunName name = chooseRun(which);
+        std::optional<ControlClient> run;
+        if (endsWithRun)
+            run.emplace(name).dieWithRun();
         joinNamespacesOf(name.process());
         if (findRunFromInside() != name.text())
             throw std::runtime_error("nobody can enter the run " + name.shown() +
