@@ -48,6 +48,11 @@ int onlyOne(const std::vector<int> &numbers, const cabinet::Cabinet &cabinet)
 
 }  // namespace
 
+int onlyDevice(const Call &call)
+{
+    return onlyOne(call.devices, call.session.cabinet);
+}
+
 const SyntaxTable &commandSyntax()
 {
     static const SyntaxTable table = [] {
