@@ -141,7 +141,7 @@ std::string quoted(const TextWords &words)
     return line;
 }
 
-// The library reads these files once more, inside the program and perhaps from another directory.
+// The library opens these files once more, inside the program and perhaps from another directory.
 std::string fileReadAgain(const char *option, const std::string &file)
 {
     const std::unique_ptr<char, void (*)(void *)> path(::realpath(file.c_str(), nullptr), std::free);
@@ -149,24 +149,37 @@ std::string fileReadAgain(const char *option, const std::string &file)
     };
     if (!path || ::stat(path.get(), &attributes) != 0 || !S_ISREG(attributes.st_mode))
         throw UsageError(std::string(option) + " \"" + file +
-                         "\": inside a program it is read again; allowed is a regular file");
+                         "\": inside a program it is opened again; allowed is a regular file");
     return path.get();
+}
+
+void setOrClear(const char *variable, const std::string &value)
+{
+    if (value.empty())
+        ::unsetenv(variable);
+    else
+        ::setenv(variable, value.c_str(), 1);
+}
+
+void setFile(const char *variable, const char *option, const std::string &file)
+{
+    setOrClear(variable, file.empty() ? "" : fileReadAgain(option, file));
 }
 
 }  // namespace
 
 void executePreloaded(const RunRequest &request)
 {
-    if (!request.scenarioFile.empty())
-        ::setenv(preloadScenario, fileReadAgain("--scenario", request.scenarioFile).c_str(), 1);
-    if (!request.cabinetFile.empty())
-        ::setenv(preloadCabinet, fileReadAgain("--cabinet", request.cabinetFile).c_str(), 1);
+    setFile(preloadScenario, "--scenario", request.scenarioFile);
+    setFile(preloadCabinet, "--cabinet", request.cabinetFile);
+    setFile(preloadRecord, "--record", request.keeping.record);
+    setOrClear(preloadSummary, request.keeping.summary ? "1" : "");
+    setOrClear(preloadHeader, journal::jsonOf(request.keeping.header));
     const std::string library = libraryFor(request.program[0]);
     const char *others = std::getenv("LD_PRELOAD");
     ::setenv("LD_PRELOAD", (library + (others ? ":" + std::string(others) : "")).c_str(), 1);
     ::setenv(preloadBoards, quoted(request.boardArguments).c_str(), 1);
-    if (!request.name.empty())
-        ::setenv(preloadName, request.name.c_str(), 1);
+    setOrClear(preloadName, request.name);
     ::setenv(preloadProgram, std::to_string(::getpid()).c_str(), 1);
     // Only who may do it gets it; the program can do without.
     if (request.privateIpc)

@@ -3,6 +3,7 @@
 #include "sim/control/control_server.h"
 #include "sim/control/preload_environment.h"
 #include "sim/inprocess/inprocess.h"
+#include "sim/journal/keeper.h"
 #include "sim/language/kept_memories.h"
 #include "sim/language/scenario.h"
 #include "sim/system/signals.h"
@@ -31,10 +32,14 @@ struct Preloaded {
 };
 
 const Preloaded *preloaded = nullptr;
+Keeper *keeper = nullptr;
 std::atomic<std::size_t> reached = 0;
 // The program itself, until it has said what was not reached. The processes that it starts end for reasons of their
 // own.
 std::atomic<pid_t> program = 0;
+
+// A program that ends in a signal handler may hold what is needed for its end to be told.
+constexpr std::chrono::seconds longestFinish{2};
 
 TextWords commandLine()
 {
@@ -51,6 +56,24 @@ void inBackground(Body body)
 {
     const BlockedSignals blocked;
     std::thread(std::move(body)).detach();
+}
+
+// Each process has boards of its own, and a file or a summary is that of one process.
+void keepJournal(const cabinet::Cabinet &machine)
+{
+    const char *header = std::getenv(preloadHeader);
+    const char *record = std::getenv(preloadRecord);
+    const Keeping keeping{std::getenv(preloadSummary) != nullptr, record ? record : "",
+                          header ? journal::headerFrom(header) : journal::Header()};
+    if (!keeping.anything())
+        return;
+    if (program != 0)
+        keeper = new Keeper(inProcessBoards(), keeping, machine);
+    else
+        std::fprintf(stderr,
+                     "sorvane-sim: inside the program --summary and --record see the boards of one process; those of "
+                     "process %d (%s) are left out; with device nodes all processes share them (--how node)\n",
+                     static_cast<int>(::getpid()), program_invocation_short_name);
 }
 
 void begin(const char *boardArguments)
@@ -71,6 +94,7 @@ void begin(const char *boardArguments)
     preloaded = all;
     if (isProgram)
         program = ::getpid();
+    keepJournal(all->cabinet);
     all->scenario.prepare(all->session);
     inBackground([control] { control->answerAll(); });
     inBackground([all] { all->scenario.play(all->session, reached); });
@@ -94,6 +118,8 @@ void begin(const char *boardArguments)
     pid_t self = ::getpid();
     if (program.compare_exchange_strong(self, 0)) {
         preloaded->scenario.reportUnplayed(reached);
+        if (keeper)
+            keeper->finish(longestFinish);
         endMemories(inProcessBoards(), preloaded->options);
     }
 }

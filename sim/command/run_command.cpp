@@ -25,6 +25,9 @@ namespace sim
 namespace
 {
 
+// A file that takes nothing more, on a server that is gone, does not hold up the end of a run for ever.
+constexpr std::chrono::seconds longestFinish{30};
+
 // The life of the serving process, of which `run` is to hear what ends it.
 void serve(BoardService &service, const RunRequest &request, const RunName &name, pid_t run)
 {
@@ -45,6 +48,9 @@ void serve(BoardService &service, const RunRequest &request, const RunName &name
     std::vector<std::unique_ptr<Node>> nodes;
     for (auto &[deviceNo, device] : devices.nodes)
         nodes.push_back(std::make_unique<Node>(boards, deviceNo, std::move(device)));
+    std::optional<Keeper> keeper;
+    if (request.keeping.anything())
+        keeper.emplace(boards, request.keeping, request.cabinet);
     request.scenario.prepare(session);
     std::thread([&control] { control.answerAll(); }).detach();
     service.ready();
@@ -55,6 +61,8 @@ void serve(BoardService &service, const RunRequest &request, const RunName &name
             redirectToNull(STDERR_FILENO);
         service.waitForEnd();
         request.scenario.reportUnplayed(reached);
+        if (keeper)
+            keeper->finish(longestFinish);
         endMemories(boards, request.boards);
     }
     if (keyFiles)

@@ -68,6 +68,9 @@ RunOptions::RunOptions(CLI::App &command) : boards_(command)
     const auto isWay = [](const std::string &word) {
         return ways.count(word) > 0 ? "" : "\"" + word + "\" is no way; allowed: node, preload, auto";
     };
+    command.add_flag("--summary", summary_, "tell at the end what each board was asked and how it was left")
+        ->disable_flag_override();
+    command.add_option("--record", record_, "keep the journal of the boards in this file, as JSON Lines");
     command.add_option("--how", how_, "node, preload, or auto: nodes where they are possible")->check(isWay);
 }
 
@@ -76,6 +79,12 @@ RunRequest RunOptions::request(const TextWords &program) const
     RunRequest request = boards_.request();
     request.program = program;
     request.how = ways.at(how_);
+    request.keeping = {summary_,
+                       record_.value_or(""),
+                       {journal::formatVersion, "sorvane-sim " SORVANE_VERSION, program, journal::timeNow()}};
+    // Behind all checks: nobody loses an old record by a wrong call.
+    if (record_)
+        prepareRecord(*record_);
     return request;
 }
 

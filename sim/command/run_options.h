@@ -41,6 +41,8 @@ public:
 private:
     BoardsOptions boards_;
     std::string how_ = "auto";
+    bool summary_ = false;
+    std::optional<std::string> record_;
 };
 
 class ServeOptions

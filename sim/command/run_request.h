@@ -2,6 +2,7 @@
 #ifndef SORVANE_SIM_COMMAND_RUN_REQUEST_H
 #define SORVANE_SIM_COMMAND_RUN_REQUEST_H
 
+#include "sim/journal/keeper.h"
 #include "sim/language/scenario.h"
 
 namespace sim
@@ -23,6 +24,7 @@ struct RunRequest {
     bool endsWithInput = false;  ///< of serve
     std::string scenarioFile;
     std::string cabinetFile;
+    Keeping keeping;
 };
 
 }  // namespace sim

@@ -25,6 +25,7 @@ public:
 
     bool tell(const std::string &text) override { return connection_.send(lineOfMore(text, hearsData_)); }
     bool isGone() override { return connection_.isClosed(); }
+    int descriptor() override { return connection_.fd(); }
 
 private:
     LineConnection &connection_;

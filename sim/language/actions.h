@@ -24,6 +24,9 @@ void unplug(VirtualBoard &board, const Reading &reading);
 void plug(VirtualBoard &board, const Reading &reading);
 Outcome tellState(Call &call);
 
+// event_actions.cpp
+Outcome tellEvents(Call &call);
+
 // fault_actions.cpp
 void checkErrno(const Reading &reading);
 void failIoctl(VirtualBoard &board, const Reading &reading);

@@ -46,7 +46,7 @@ Outcome insertCoin(VirtualBoard &board, const Reading &reading)
 {
     const Value &coin = reading["COIN"];
     if (coin.isName() && coin.part->kind == cabinet::Kind::Coin) {
-        board.inputs().pulse(coin.number);
+        board.pulseCoin(coin.number);
         return {};
     }
     return {.text = board.insertCoin(coin.number) ? "" : "coin " + coin.word + " is rejected\n"};

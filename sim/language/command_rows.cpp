@@ -1,4 +1,5 @@
 // The table of commands.
+#include "journal/event.h"
 #include "sim/language/actions.h"
 
 namespace sim
@@ -54,6 +55,16 @@ std::vector<CommandRow> makeRows()
     const Argument time{.name = "TIME", .sort = Sort::Time, .what = "a time"};
     const Option count{"count", number("N", "a number of exchanges", 1, mostExchanges), "N exchanges instead of one"};
     const Option request{"request", number("CODE", "a request code", 1, 255), "only exchanges of this request"};
+    Argument kind{.name = "KIND", .sort = Sort::Choice, .what = "kind of event", .repeated = true};
+    for (std::size_t i = 0; i < journal::kindCount; ++i)
+        kind.choices.push_back(wordFor(static_cast<journal::Kind>(i)));
+    const Argument anyPart{.name = "NAME",
+                           .sort = Sort::Part,
+                           .what = "a part",
+                           .most = 0xFFFFFFFF,
+                           .kinds = {Kind::Input, Kind::Output, Kind::Coin, Kind::CcTalkCoin, Kind::Hopper, Kind::Reel,
+                                     Kind::Meter, Kind::Serial},
+                           .repeated = true};
     const Option page{"--page", number("N", "a page of 16 KiB", 0, 64), "one page of 16 KiB only"};
 
     return {
@@ -185,6 +196,16 @@ std::vector<CommandRow> makeRows()
                       {"--follow", std::nullopt, "on a terminal, redrawn in place until Ctrl-C"}},
           .help = "the whole board, or every board"},
          tellState},
+        {{.name = "events",
+          .options = {{"--follow", std::nullopt, "goes on with what happens, until Ctrl-C or the end of the run"},
+                      {"--since", number("N", "the number of an event", 0, 0xFFFFFFFF), "what came behind event N"},
+                      {"--kind", kind, "only of these kinds"},
+                      {"--part", anyPart, "only of these parts"},
+                      {"--exchanges", std::nullopt, "the exchanges with the program, too"},
+                      {"--json", std::nullopt, "as JSON Lines (docs/journal.schema.json)"}},
+          .help = "what has happened on the board, or on every board, as far as it is kept: the last 65536 events a "
+                  "board, exchanges included"},
+         tellEvents},
     };
 }
 

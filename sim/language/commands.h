@@ -28,8 +28,9 @@ public:
     virtual ~Listener() = default;
     /// An object in JSON, or a line of text. False when nobody hears it.
     virtual bool tell(const std::string &text) = 0;
-    /// May be asked now and then by who waits for something else.
     virtual bool isGone() = 0;
+    /// For poll(): POLLRDHUP when it is gone.
+    virtual int descriptor() = 0;
 };
 
 /// What commands are carried out on.

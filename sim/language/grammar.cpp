@@ -52,6 +52,8 @@ const char *nameOf(Sort sort)
         return "part";
     case Sort::Time:
         return "time";
+    case Sort::Choice:
+        return "choice";
     case Sort::Text:
         return "text";
     case Sort::Content:
@@ -69,6 +71,8 @@ Json of(const Argument &argument)
               {"what", argument.what},
               {"optional", argument.optional},
               {"repeated", argument.repeated}};
+    if (argument.sort == Sort::Choice)
+        json["choices"] = argument.choices;
     if (argument.sort == Sort::Number || argument.sort == Sort::Part) {
         json["least"] = argument.least;
         json["most"] = argument.most;

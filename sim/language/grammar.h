@@ -22,6 +22,7 @@ enum class Sort {
     Number,   ///< least to most, decimal or hexadecimal behind 0x
     Part,     ///< of the kinds: a number from least to most, a name, or BOARD.name
     Time,     ///< 1.5s, 20ms, 300us
+    Choice,   ///< one of the words
     Text,     ///< with \\n, \\r, \\t, \\\\ and \\xHH; not empty
     Content,  ///< a file: whoever speaks opens it, and its bytes go along
     NewFile   ///< a file that whoever speaks writes
@@ -36,6 +37,7 @@ struct Argument {
     std::vector<cabinet::Kind> kinds{};
     bool optional = false;
     bool repeated = false;  ///< as many as come, at least one
+    std::vector<const char *> choices{};
 };
 
 /// Stands behind the arguments, in any order, each once. Without an argument its mark says it all.

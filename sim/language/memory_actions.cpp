@@ -22,8 +22,7 @@ void load(Memory &memory, std::size_t from, std::size_t size, const Value &file)
     if (file.bytes.size() != size)
         throw UsageError("\"" + file.word + "\" has " + std::to_string(file.bytes.size()) + " bytes; allowed are " +
                          std::to_string(size) + ", as in the board");
-    for (std::size_t at = 0; at < size; ++at)
-        memory.set(from + at, file.bytes[at]);
+    memory.write(from, file.bytes);
 }
 
 struct Range {

@@ -67,6 +67,10 @@ Value valueFrom(const Argument &argument, WordStream &words)
     case Sort::Time:
         value.time = durationFrom(value.word);
         break;
+    case Sort::Choice:
+        if (std::find(argument.choices.begin(), argument.choices.end(), value.word) == argument.choices.end())
+            refuse(value.word, argument.what, {argument.choices.begin(), argument.choices.end()});
+        break;
     case Sort::Text:
         value.bytes = bytesOfText(value.word);
         [[fallthrough]];
