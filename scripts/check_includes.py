@@ -30,7 +30,7 @@ MAY_INCLUDE = {
     "sim/cabinet": ["sim/core", "sim/peripherals"],
     "sim/command": ["sim/core", "sim/peripherals", "sim/board", "sim/system", "sim/inprocess", "sim/nodes",
                     "sim/cabinet", "board/requests.h"],
-    "tools": ["api/sorvaneusb.h", "inspect", "protocol"],
+    "tools": ["api/sorvaneusb.h", "firmware", "inspect", "protocol", "sim/core", "sim/cabinet"],
     "examples": ["api/sorvaneusb.h"],
     # Stands in for the bench on which the examples would run.
     "examples/demo": ["api/sorvaneusb.h", "board/requests.h", "sim/peripherals", "sim/inprocess"],
