@@ -19,6 +19,7 @@ MAY_INCLUDE = {
     "api": ["board", "shared"],
     "inspect": ["shared"],
     "protocol": [],
+    "journal": ["protocol"],
     # The virtual boards share no code with the library, so that they cannot agree with a mistake of it.
     "sim/core": [],
     "sim/peripherals": ["sim/core"],
@@ -30,7 +31,9 @@ MAY_INCLUDE = {
     "sim/cabinet": ["sim/core", "sim/peripherals"],
     "sim/command": ["sim/core", "sim/peripherals", "sim/board", "sim/system", "sim/inprocess", "sim/nodes",
                     "sim/cabinet", "board/requests.h"],
-    "tools": ["api/sorvaneusb.h", "firmware", "inspect", "protocol", "sim/core", "sim/cabinet"],
+    "tools/trace": ["protocol", "journal", "sim/system"],
+    "tools": ["api/sorvaneusb.h", "firmware", "inspect", "protocol", "journal", "sim/core", "sim/cabinet",
+              "sim/system", "tools/trace"],
     "examples": ["api/sorvaneusb.h"],
     # Stands in for the bench on which the examples would run.
     "examples/demo": ["api/sorvaneusb.h", "board/requests.h", "sim/peripherals", "sim/inprocess"],
