@@ -108,10 +108,11 @@ std::string traceLine(const journal::Event &event, const journal::Names &names)
     std::string board = names.board(event.device);
     if (board.empty())
         board = "Vexa_" + std::to_string(event.device);
-    std::array<char, 64> begin{};
-    std::snprintf(begin.data(), begin.size(), "%12.6f %8s  ", static_cast<double>(event.time.count()) / 1e9,
-                  callerOf(event).c_str());
-    return begin.data() + board + "  " + journal::textOf(event, names, mostBytes) + reasonOf(event) + durationOf(event);
+    const std::string caller = callerOf(event);
+    std::array<char, 32> time{};
+    std::snprintf(time.data(), time.size(), "%12.6f", static_cast<double>(event.time.count()) / 1e9);
+    return time.data() + (caller.empty() ? "" : "  " + caller) + "  " + board + "  " +
+           journal::textOf(event, names, mostBytes) + reasonOf(event) + durationOf(event);
 }
 
 Report::Report(std::FILE *file, Form form, Filter filter, journal::Names names)
@@ -122,7 +123,7 @@ Report::Report(std::FILE *file, Form form, Filter filter, journal::Names names)
 void Report::begin(const journal::Header &header)
 {
     if (form_ == Form::Data)
-        write(journal::jsonOf(header) + '\n');
+        heading_ = journal::jsonOf(header) + '\n';
 }
 
 void Report::add(const journal::Event &event)
@@ -143,13 +144,16 @@ bool Report::end()
         write(summary_.text());
     else if (form_ == Form::SummaryAsData)
         write(dataOf(summary_));
+    else
+        write("");
     return std::ferror(file_) == 0;
 }
 
 // At once, so that whoever looks on sees what has happened.
 void Report::write(const std::string &line)
 {
-    std::fwrite(line.data(), 1, line.size(), file_);
+    const std::string text = std::exchange(heading_, "") + line;
+    std::fwrite(text.data(), 1, text.size(), file_);
     std::fflush(file_);
 }
 

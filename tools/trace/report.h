@@ -27,7 +27,7 @@ private:
     std::vector<std::string> operations_;
 };
 
-/// "    0.012345     4711  Vexa_0  GetInputs() = inputs 3 24 25 [41 us]"; a thread that is not its process's first
+/// "    0.012345  4711  Vexa_0  GetInputs() = inputs 3 24 25 [41 us]"; a thread that is not its process's first
 /// stands behind the process: 4711/4713.
 std::string traceLine(const journal::Event &event, const journal::Names &names);
 
@@ -39,6 +39,7 @@ public:
     /// The file outlives it.
     Report(std::FILE *file, Form form, Filter filter, journal::Names names);
 
+    /// What stands in front of data; it is written with the first of it.
     void begin(const journal::Header &header);
     void add(const journal::Event &event);
     /// What is left to say. False when the file did not take all of it.
@@ -51,6 +52,7 @@ private:
     Form form_;
     Filter filter_;
     journal::Names names_;
+    std::string heading_;
     journal::Summary summary_;
 };
 

@@ -6,6 +6,7 @@
 #include <sys/ptrace.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 namespace trace
 {
@@ -72,33 +73,36 @@ void Tracer::follow(pid_t program)
     program_ = program;
     sigset_t all;
     ::sigfillset(&all);
+    sigset_t others = all;
+    ::sigdelset(&others, SIGCHLD);
     const timespec atOnce{};
     for (;;) {
-        const bool quiet = takeStops();
+        takeStops();
+        if (jobStop_ != 0)
+            stopAsTheProgram();
+        // Threads that never rest do not keep the other signals waiting.
+        for (int signal; (signal = ::sigtimedwait(&others, nullptr, &atOnce)) > 0;)
+            listener_.signalled(signal);
         if (followed_.empty() || stopped_)
             return;
-        if (quiet && jobStop_ != 0)
-            stopAsTheProgram();
-        const int signal = quiet ? ::sigwaitinfo(&all, nullptr) : ::sigtimedwait(&all, nullptr, &atOnce);
-        if (signal > 0 && signal != SIGCHLD)
+        if (const int signal = ::sigwaitinfo(&all, nullptr); signal > 0 && signal != SIGCHLD)
             listener_.signalled(signal);
     }
 }
 
-// True when there are no more for now. Threads that never rest do not keep a signal from this process for ever.
-bool Tracer::takeStops()
+// All that wait, and only then one after the other: none is served twice while another waits.
+void Tracer::takeStops()
 {
+    std::vector<std::pair<pid_t, int>> taken;
     int status = 0;
-    for (int count = 0; count < 100; ++count) {
-        const pid_t thread = ::waitpid(-1, &status, WNOHANG | __WALL);
-        if (thread <= 0)
-            return true;
-        if (WIFSTOPPED(status))
-            handle(thread, status);
+    for (pid_t thread; (thread = ::waitpid(-1, &status, WNOHANG | __WALL)) > 0;)
+        taken.emplace_back(thread, status);
+    for (const auto &[thread, state] : taken) {
+        if (WIFSTOPPED(state))
+            handle(thread, state);
         else
-            hasEnded(thread, status);
+            hasEnded(thread, state);
     }
-    return false;
 }
 
 void Tracer::letGo()

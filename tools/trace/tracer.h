@@ -53,7 +53,7 @@ private:
         std::optional<Begun> begun;
     };
 
-    bool takeStops();
+    void takeStops();
     void handle(pid_t thread, int status);
     void handleEvent(pid_t thread, int event, int signal);
     void atCall(pid_t thread);
