@@ -91,16 +91,18 @@ pid_t startChild(char **words, char *number, char *program)
 
 }  // namespace
 
-int main(int count, char **words)
+int main(int wordCount, char **words)
 {
     if (std::atoi(words[1]) == 0 && !ask(openBoard(), 69, 5, {0, 0, 0, 0}))  // the random numbers are switched on
         return 1;
     std::vector<pid_t> children;
-    for (int word = 4; word + 1 < count; word += 2)
+    for (int word = 4; word + 1 < wordCount; word += 2)
         children.push_back(startChild(words, words[word], words[word + 1]));
     beginStorm();
+    const int count = std::atoi(words[2]);
     std::vector<std::thread> threads;
-    for (int thread = 0; thread < std::atoi(words[2]); ++thread)
+    threads.reserve(static_cast<std::size_t>(count));
+    for (int thread = 0; thread < count; ++thread)
         threads.emplace_back(drive, std::atoi(words[1]), thread, std::atoi(words[3]));
     int failures = 0;
     for (const pid_t child : children) {
