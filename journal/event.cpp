@@ -76,6 +76,11 @@ const char *wordFor(Aspect aspect)
     return aspectWords[static_cast<std::size_t>(aspect)];
 }
 
+bool hasPart(Kind kind)
+{
+    return kind != Kind::Exchange && kind != Kind::Firmware && kind != Kind::Plugged && kind != Kind::Fault;
+}
+
 protocol::Exchange exchangeOf(const Event &event)
 {
     return {event.model,   event.request, event.pipe,          bytesOf(event.before),
@@ -115,7 +120,7 @@ std::string textOf(const Event &event, const Names &names, std::size_t mostBytes
     case Kind::Output:
         return withPart(event, names) + ' ' + textOfOutput(event.is);
     case Kind::Input:
-        return withPart(event, names) + (event.is ? " on" : " off");
+        return withPart(event, names) + ((event.is != 0) != names.activeLow(event) ? " on" : " off");
     case Kind::Counter:
         return withPart(event, names) + " = " + std::to_string(event.is);
     case Kind::Hopper:

@@ -54,6 +54,9 @@ enum class Aspect : unsigned char {
 /// "paid"; empty for None.
 const char *wordFor(Aspect aspect);
 
+/// Whether events of this kind are about one part of the board.
+bool hasPart(Kind kind);
+
 enum OutputBits : std::uint32_t {
     inOnPattern = 1,
     inOffPattern = 2,
@@ -94,6 +97,8 @@ protocol::Exchange exchangeOf(const Event &event);
 struct Names {
     std::function<std::string(int device)> board = [](int) { return std::string(); };
     std::function<std::string(const Event &event)> part = [](const Event &) { return std::string(); };
+    /// Whether an input is on at its low level.
+    std::function<bool(const Event &event)> activeLow = [](const Event &) { return false; };
 };
 
 /// "output win_lamp (13) flashing", "GetClock() = time 1234": a line without its time. Of longer byte strings the first

@@ -115,11 +115,6 @@ bool isState(Kind kind)
     return (kind >= Kind::Output && kind <= Kind::Reel) || kind == Kind::Firmware || kind == Kind::Plugged;
 }
 
-bool hasPart(Kind kind)
-{
-    return kind != Kind::Exchange && kind != Kind::Firmware && kind != Kind::Plugged && kind != Kind::Fault;
-}
-
 void addExchange(Json &json, const Event &event)
 {
     const protocol::Decoded decoded = protocol::decode(exchangeOf(event));
@@ -226,9 +221,9 @@ auto read(std::string_view line, Body body)
 
 }  // namespace
 
-std::string timeNow()
+std::string timeNow(std::chrono::nanoseconds ago)
 {
-    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    const auto now = std::chrono::system_clock::now().time_since_epoch() - ago;
     const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
     const auto seconds = static_cast<std::time_t>(milliseconds / 1000);
     std::tm utc{};

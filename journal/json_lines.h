@@ -25,8 +25,8 @@ struct Header {
     std::string start;                 ///< UTC, "2026-01-31T12:00:00.000Z": the time from which the events count
 };
 
-/// The present moment as the start is written.
-std::string timeNow();
+/// The present moment, or one so long ago, as the start is written.
+std::string timeNow(std::chrono::nanoseconds ago = {});
 
 /// Each a line without its end, in UTF-8 whatever the bytes are.
 std::string jsonOf(const Header &header);

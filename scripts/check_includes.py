@@ -23,20 +23,23 @@ MAY_INCLUDE = {
     # The virtual boards share no code with the library, so that they cannot agree with a mistake of it.
     "sim/core": [],
     "sim/peripherals": ["sim/core"],
-    "sim/board": ["sim/core", "sim/peripherals", "board/requests.h"],
+    "sim/board": ["sim/core", "sim/peripherals", "journal", "board/requests.h"],
     "sim/driver": ["sim/core", "sim/board"],
     "sim/system": [],
     "sim/inprocess": ["sim/core", "sim/board", "sim/driver"],
     "sim/nodes": ["sim/core", "sim/board", "sim/driver", "sim/system"],
-    "sim/cabinet": ["sim/core", "sim/peripherals"],
-    "sim/command": ["sim/core", "sim/peripherals", "sim/board", "sim/system", "sim/inprocess", "sim/nodes",
-                    "sim/cabinet", "board/requests.h"],
+    "sim/cabinet": ["sim/core", "sim/peripherals", "journal"],
+    "sim/journal": ["journal", "sim/core", "sim/board", "sim/cabinet"],
+    "sim/language": ["journal", "sim/core", "sim/peripherals", "sim/board", "sim/system", "sim/cabinet", "sim/journal",
+                     "board/requests.h"],
+    "sim/control": ["journal", "sim/core", "sim/board", "sim/system", "sim/nodes", "sim/cabinet", "sim/journal",
+                    "sim/language"],
+    "sim/command": ["journal", "sim/core", "sim/board", "sim/system", "sim/inprocess", "sim/nodes", "sim/cabinet",
+                    "sim/journal", "sim/language", "sim/control"],
     "tools/trace": ["protocol", "journal", "sim/system"],
     "tools": ["api/sorvaneusb.h", "firmware", "inspect", "protocol", "journal", "sim/core", "sim/cabinet",
               "sim/system", "tools/trace"],
     "examples": ["api/sorvaneusb.h"],
-    # Stands in for the bench on which the examples would run.
-    "examples/demo": ["api/sorvaneusb.h", "board/requests.h", "sim/peripherals", "sim/inprocess"],
 }
 
 # Whoever measures and tests the rest includes what it looks at.

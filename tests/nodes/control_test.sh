@@ -61,7 +61,7 @@ mistake "0 to 15" ctl --board 16 unplug
 mistake "on, off, pulse" ctl input 3 blink
 mistake "0 to 32" ctl input 33 on
 mistake "0 to 32" ctl input "" on
-mistake "input N on|off|pulse" ctl input 3 on off
+mistake "input PART on|off|pulse" ctl input 3 on off
 mistake "jam" ctl hopper 5
 mistake "open, close" ctl switch shut
 mistake "fail, replace" ctl battery
@@ -73,7 +73,7 @@ mistake "ioctl [ERRNO]" ctl fail sideways
 mistake "count N" ctl fail ioctl twice
 mistake "1 to 1000000" ctl fail ioctl count 0
 mistake "state [--json]" ctl state --xml
-mistake "--follow is allowed with state" ctl input 3 on --follow
+mistake "nothing is allowed behind it" ctl input 3 on --follow
 
 for command in "" run serve enter ctl "ctl input"; do
     output=$("$sim" $command --help 2>&1)

@@ -1,10 +1,11 @@
 // The cabinet file: what is read, how parts are found, and how each mistake is told.
 #include "sim/cabinet/cabinet.h"
 
+#include "sim/cabinet/grammar_words.h"
 #include "sim/cabinet/template.h"
-#include "sim/command/board_actions.h"
-#include "sim/command/board_options.h"
-#include "sim/command/cabinet_boards.h"
+#include "sim/language/board_options.h"
+#include "sim/language/cabinet_boards.h"
+#include "sim/language/commands.h"
 #include "tests/sim/sim_test.h"
 
 namespace
@@ -103,8 +104,8 @@ TEST(CabinetFile, TellsEveryMistakeWithItsLine)
 
 TEST(CabinetFile, LendsNoWordOfTheCommandsAsAName)
 {
-    for (const sim::ActionKind &kind : sim::actionKinds)
-        EXPECT_FALSE(cabinet::isName(kind.name)) << kind.name;
+    for (const std::string &word : sim::wordsIn(sim::commandSyntax()))
+        EXPECT_TRUE(cabinet::isGrammarWord(word)) << word;
     EXPECT_EQ(mistakesOnBoard("inputs.open = 3"),
               "c:5: input \"open\": it is no name for a part; allowed: a name that is no word of the commands");
 }
