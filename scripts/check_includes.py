@@ -36,7 +36,9 @@ MAY_INCLUDE = {
                     "sim/language"],
     "sim/command": ["journal", "sim/core", "sim/board", "sim/system", "sim/inprocess", "sim/nodes", "sim/cabinet",
                     "sim/journal", "sim/language", "sim/control"],
-    "tools": ["api/sorvaneusb.h", "inspect", "protocol", "journal"],
+    "tools/trace": ["protocol", "journal", "sim/system"],
+    "tools": ["api/sorvaneusb.h", "firmware", "inspect", "protocol", "journal", "sim/core", "sim/cabinet",
+              "sim/system", "tools/trace"],
     "examples": ["api/sorvaneusb.h"],
 }
 

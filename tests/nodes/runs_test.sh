@@ -81,9 +81,14 @@ echo "eeprom load page.bin" >"$folder/scenario"
 contains "a file of a scenario lies beside it" "32768, as in the board" \
     "$(cd /; "$sim" run --board 0=R35 --scenario "$folder/scenario" -- true 2>&1)"
 for how in node preload; do
-    "$sim" run --how $how --board 1=R35,eeprom_file=kept.bin --name again -- sh -c "
-        '$sim' ctl --run again eeprom dump $how.bin; '$sim' list | grep -q '^again.*sh -c' || touch unlisted" </dev/null
-    check "the next run, $how" "" "$(cmp $how.bin fives.bin 2>&1; ls unlisted 2>/dev/null)"
+    mkfifo $how
+    "$sim" run --how $how --board 1=R35,eeprom_file=kept.bin --name again -- "$client" <$how >/dev/null &
+    exec 9>$how
+    eventually "$sim" ctl --run again eeprom dump $how.bin >/dev/null 2>&1
+    contains "a run of its name, $how" "$client" "$("$sim" list | grep '^again')"
+    exec 9>&-
+    wait $!
+    check "the next run, $how" "" "$(cmp $how.bin fives.bin 2>&1)"
 done
 
 # Whoever holds the input's other end ends the run, however it goes.
