@@ -15,8 +15,10 @@ struct OperationCount {
     std::uint64_t count = 0;  ///< all of them
     std::uint64_t refused = 0;
     std::uint64_t failed = 0;
-    std::chrono::nanoseconds duration = {};  ///< of all of them together; 0: not known
-    std::chrono::nanoseconds longest = {};
+    // Of their durations, in whole microseconds; 0: not known.
+    std::chrono::microseconds shortest = {};
+    std::chrono::microseconds median = {};
+    std::chrono::microseconds slow = {};  ///< 99 in 100 were as quick
 };
 
 class Summary
@@ -28,11 +30,17 @@ public:
     /// The most frequent first, then by name.
     std::vector<OperationCount> operations() const;
 
-    /// A line an operation: "     12  GetInputs", "      3  GetClock (1 refused)"; with times where they are known.
+    /// A line an operation: "     12  GetInputs", "      3  GetClock (1 refused)"; under a heading and with the times
+    /// where some are known.
     std::string text() const;
 
 private:
-    std::map<std::string, OperationCount> byName_;
+    struct Operation {
+        OperationCount count;
+        std::map<std::chrono::microseconds, std::uint64_t> durations;  ///< how many took how long
+    };
+
+    std::map<std::string, Operation> byName_;
 };
 
 }  // namespace journal

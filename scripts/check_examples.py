@@ -168,7 +168,7 @@ def run_example(place, language, lines, folder, source):
         run_session(place, lines, folder)
     elif lines[0].startswith("#!/bin/sh"):
         run_script(place, lines, folder)
-    elif re.match(r"sorvane-sim \w+ .*\[", lines[0]):
+    elif re.match(r"sorvane(-sim)? \w+ .*\[", lines[0]):
         check_call(place, lines)
     elif not lines[0].startswith("# /etc/"):
         for name in re.findall(r"\b(\w+\.cpp)\b", "\n".join(lines)):
@@ -187,10 +187,11 @@ def check_names(path):
 
 
 def prepare(folder, build):
-    """The reader's folder, and sorvane-sim in the PATH."""
+    """The reader's folder, and the commands in the PATH."""
     (folder / "bin").mkdir()
     write_program(folder / "bin/cmake", CMAKE % shutil.which("cmake"))
     (folder / "bin/sorvane-sim").symlink_to(build / "sim/command/sorvane-sim")
+    (folder / "bin/sorvane").symlink_to(build / "tools/sorvane")
     os.environ["PATH"] = f"{folder}/bin:{os.environ['PATH']}"
     (folder / "build").mkdir()
     for preset in ("i386", "amd64"):

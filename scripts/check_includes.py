@@ -30,13 +30,15 @@ MAY_INCLUDE = {
     "sim/nodes": ["sim/core", "sim/board", "sim/driver", "sim/system"],
     "sim/cabinet": ["sim/core", "sim/peripherals", "journal"],
     "sim/journal": ["journal", "sim/core", "sim/board", "sim/cabinet"],
-    "sim/language": ["journal", "sim/core", "sim/peripherals", "sim/board", "sim/system", "sim/cabinet", "sim/journal",
+    "sim/language": ["protocol", "journal", "sim/core", "sim/peripherals", "sim/board", "sim/system", "sim/cabinet", "sim/journal",
                      "board/requests.h"],
     "sim/control": ["journal", "sim/core", "sim/board", "sim/system", "sim/nodes", "sim/cabinet", "sim/journal",
                     "sim/language"],
     "sim/command": ["journal", "sim/core", "sim/board", "sim/system", "sim/inprocess", "sim/nodes", "sim/cabinet",
                     "sim/journal", "sim/language", "sim/control"],
-    "tools": ["api/sorvaneusb.h", "inspect", "protocol", "journal"],
+    "tools/trace": ["protocol", "journal", "sim/system"],
+    "tools": ["api/sorvaneusb.h", "firmware", "inspect", "protocol", "journal", "sim/core", "sim/cabinet",
+              "sim/system", "tools/trace"],
     "examples": ["api/sorvaneusb.h"],
 }
 

@@ -23,20 +23,6 @@ namespace
 
 constexpr char libraryName[] = "libsorvane_sim_preload.so";
 
-// Where execvp is going to find it; empty when nowhere.
-std::string findProgram(const std::string &name)
-{
-    if (name.find('/') != std::string::npos)
-        return name;
-    const char *path = std::getenv("PATH");
-    for (const std::string &folder : splitAt(path ? path : "/bin:/usr/bin", ':')) {
-        std::string candidate = (folder.empty() ? "." : folder) + "/" + name;
-        if (::access(candidate.c_str(), X_OK) == 0)
-            return candidate;
-    }
-    return "";
-}
-
 struct Binary {
     bool isELF = false;
     unsigned char width = 0;  ///< ELFCLASS32 or ELFCLASS64

@@ -11,12 +11,6 @@ namespace sim
 namespace
 {
 
-// Whether on is its low level.
-bool isActiveLow(const Value &input)
-{
-    return input.part && input.part->activeLow;
-}
-
 std::vector<NumberedState> statesOf(VirtualBoards &boards, const std::vector<int> &numbers)
 {
     std::vector<NumberedState> states;

@@ -53,6 +53,9 @@ struct Call {
     std::vector<int> devices;  ///< the board that was named, or every one
 };
 
+/// The board that is meant. Throws UsageError that names the choice where there are several.
+int onlyDevice(const Call &call);
+
 /// On one board, with its lock held.
 using BoardAction = Outcome (*)(VirtualBoard &board, const Reading &reading);
 /// The same without anything to tell.
