@@ -57,6 +57,8 @@ EventNumbers eventsUpToNow(const VirtualBoards &boards)
         last[number] = board->events().last();
     }
     return last;
+}
+
 int onlyDevice(const Call &call)
 {
     return onlyOne(call.devices, call.session.cabinet);
