@@ -164,6 +164,7 @@ class Cabinet(Board):
         self, program: PathLike, *arguments: str, cwd: PathLike | None = None, env: Mapping[str, str] | None = None
     ) -> Program:
         """Starts a program that finds the boards where a machine has real ones."""
+        self.connection.mark()
         output = tempfile.TemporaryFile()
         words = [self._sim, "enter", "--end-with-run", "--run", self.name, "--", os.fspath(program), *arguments]
         process = subprocess.Popen(

@@ -70,6 +70,10 @@ class Connection:
             self._since = answer.get("began", self._since)
             yield _result(answer)
 
+    def mark(self) -> None:
+        """Something that is no command begins: what happens from now on is not missed."""
+        self.command(["state"])
+
     def stop(self) -> None:
         """Ends the run, and waits until it has ended."""
         for answer in self._ask({"stop": True}):
