@@ -145,9 +145,6 @@ class Cabinet(Board):
         """Ends the programs and pulls the boards."""
         for program in self.programs:
             program.stop()
-        if self._hold is not None:
-            os.close(self._hold)
-            self._hold = None
         if self._connection is not None:
             try:
                 self._connection.stop()
@@ -155,6 +152,9 @@ class Cabinet(Board):
                 pass
             self._connection.close()
             self._connection = None
+        if self._hold is not None:
+            os.close(self._hold)
+            self._hold = None
 
     def board(self, board: Part) -> Board:
         """One of several boards, by name or device number."""

@@ -1,6 +1,7 @@
 """The control protocol (docs/control_protocol.md), and the errors that come by it."""
 from __future__ import annotations
 
+import contextlib
 import json
 import socket
 import struct
@@ -82,7 +83,8 @@ class Connection:
 
     def close(self) -> None:
         """Lets the run go on without this connection."""
-        self._lines.close()
+        with contextlib.suppress(OSError):  # a request that nobody took
+            self._lines.close()
         self._socket.close()
 
     def _ask(self, request: Mapping[str, Any]) -> Iterator[dict[str, Any]]:

@@ -14,8 +14,9 @@ def meters(cabinet):
 
 def insert(cabinet, game, coin, credit):
     """A coin, and the credit that there is then."""
+    said = game.output.count(f"coin {coin}")
     assert cabinet.coin(coin)
-    game.says(f"coin {coin}", times=game.output.count(f"coin {coin}") + 1)
+    game.says(f"coin {coin}", times=said + 1)
     game.says(f"credit {credit}\n")
 
 
