@@ -165,6 +165,9 @@ std::string commandsHelp()
     std::string help = "Commands, each on one board ([--board N|NAME] before it when there are several):\n";
     for (const Syntax *row : commandSyntax())
         help += "  " + usageOf(*row) + "\n      " + row->help + "\n";
+    help += "Conditions, each also behind `not`:\n";
+    for (const Syntax *row : conditionSyntax())
+        help += "  " + usageOf(*row) + "\n      " + row->help + "\n";
     return help;
 }
 
