@@ -33,22 +33,25 @@ class Connection:
 
     def __init__(self, user: int, run: str, name: str = "") -> None:
         """Connects with the run of this user, number and name, as `sorvane-sim list --json` shows them."""
+        self._user = user
+        self._address = f"\0sorvane-sim/{user}/{run}" + (f"/{name}" if name not in ("", run) else "")
+        self._since: dict[str, int] = {}
+        self._waits = False  # for an answer; still so at the next request where something broke in
+        self._open()
+
+    def _open(self) -> None:
         self._socket = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
-        address = f"\0sorvane-sim/{user}/{run}" + (f"/{name}" if name not in ("", run) else "")
         try:
-            self._socket.connect(address)
+            self._socket.connect(self._address)
             # Anybody can take such a name; the user behind it tells whose it is.
             peer = self._socket.getsockopt(socket.SOL_SOCKET, socket.SO_PEERCRED, struct.calcsize("3i"))
-            if struct.unpack("3i", peer)[1] != user:
-                raise SimulatorError(f"the run {run} belongs to somebody else")
         except OSError as error:
             self._socket.close()
-            raise RunEnded(f"the run {name or run} cannot be reached: {error.strerror}") from error
-        except SimulatorError:
-            self._socket.close()
-            raise
+            raise RunEnded(f"the run cannot be reached: {error.strerror}") from error
         self._lines = self._socket.makefile("rwb")
-        self._since: dict[str, int] = {}
+        if struct.unpack("3i", peer)[1] != self._user:
+            self.close()
+            raise SimulatorError("the run belongs to somebody else")
 
     def command(self, words: Sequence[str], content: bytes | None = None) -> Any:
         """Carries a command out; the result is its data, else its text.
@@ -88,20 +91,22 @@ class Connection:
         self._socket.close()
 
     def _ask(self, request: Mapping[str, Any]) -> Iterator[dict[str, Any]]:
-        line = json.dumps({"sorvane": PROTOCOL_VERSION, **request}) + "\n"
+        if self._waits:
+            self.close()
+            self._open()
+        self._waits = True
         try:
-            self._lines.write(line.encode())
+            self._lines.write(json.dumps({"sorvane": PROTOCOL_VERSION, **request}).encode() + b"\n")
             self._lines.flush()
-            while True:
-                answer = self._lines.readline()
-                if not answer:
-                    raise RunEnded("the run has ended")
+            while answer := self._lines.readline():
                 told = json.loads(answer)
+                self._waits = "status" not in told
                 yield told
-                if "status" in told:
+                if not self._waits:
                     return
         except OSError as error:
             raise RunEnded(f"the run has ended: {error.strerror}") from error
+        raise RunEnded("the run has ended")
 
 
 def _result(answer: Mapping[str, Any]) -> Any:

@@ -173,15 +173,14 @@ void enterRun(const std::optional<std::string> &which, const TextWords &program,
         ProcessGroupMember groupMember;
         const RunName name = chooseRun(which);
         std::optional<ControlClient> run;
-        if (endsWithRun)
-            run.emplace(name).dieWithRun();
+        const int watched = endsWithRun ? run.emplace(name).dieWithRun() : -1;
         joinNamespacesOf(name.process());
         if (findRunFromInside() != name.text())
             throw std::runtime_error("nobody can enter the run " + name.shown() +
                                      ": its boards are inside its program, or another process namespace counts "
                                      "its id; start one to enter with: " +
                                      howToServe);
-        return runProgram(program, {blocked, groupMember, nullptr});
+        return runProgram(program, {blocked, groupMember, nullptr, watched});
     };
     endLike(enter());
 }

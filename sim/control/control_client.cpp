@@ -60,7 +60,7 @@ Outcome ControlClient::ask(const Request &request, const std::function<void(cons
     return {.status = 1, .error = "the run " + id_ + " has ended"};
 }
 
-void ControlClient::dieWithRun()
+int ControlClient::dieWithRun()
 {
     const int fd = connection_.fd();
     checked(::fcntl(fd, F_SETOWN, ::getpid()), "watching the run");
@@ -68,6 +68,7 @@ void ControlClient::dieWithRun()
     checked(::fcntl(fd, F_SETFL, O_ASYNC), "watching the run");
     if (connection_.isClosed())
         throw UsageError("the run " + id_ + " has ended");
+    return fd;
 }
 
 bool ControlClient::waitForEnd(std::chrono::milliseconds most)
