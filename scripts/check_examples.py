@@ -168,7 +168,7 @@ def run_example(place, language, lines, folder, source):
         run_session(place, lines, folder)
     elif lines[0].startswith("#!/bin/sh"):
         run_script(place, lines, folder)
-    elif re.match(r"sorvane-sim \w+ .*\[", lines[0]):
+    elif re.match(r"sorvane(-sim)? \w+ .*\[", lines[0]):
         check_call(place, lines)
     elif not lines[0].startswith("# /etc/"):
         for name in re.findall(r"\b(\w+\.cpp)\b", "\n".join(lines)):

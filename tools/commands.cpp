@@ -25,6 +25,7 @@ Command::Action declareBattery(CLI::App &command);
 Command::Action declareRandom(CLI::App &command);
 Command::Action declareFirmware(CLI::App &command);
 Command::Action declareRaw(CLI::App &command);
+Command::Action declareTrace(CLI::App &command);
 
 namespace
 {
@@ -51,6 +52,7 @@ constexpr Command table[] = {
     {"random", "numbers of the board's random number generator", declareRandom},
     {"firmware", "whether the firmware runs, and loading it", declareFirmware},
     {"raw", "any request, with its answer in words", declareRaw},
+    {"trace", "trace [OPTION...] -- PROGRAM [ARG...]: every exchange of a program", declareTrace, true},
 };
 
 }  // namespace

@@ -43,11 +43,12 @@ void Reels::loadRamps(unsigned char reel)
     must(board_.SpinRampDown(reel, down), board_, "SpinRampDown");
 }
 
+// A drive that lost its power knows no reel that it could stop before it is configured.
 void Reels::begin()
 {
+    must(board_.ConfigureReelsEx(reelCount, stepsPerTurn, 0), board_, "ConfigureReelsEx");
     stop();
     waitUntilStill();
-    must(board_.ConfigureReelsEx(reelCount, stepsPerTurn, 0), board_, "ConfigureReelsEx");
     must(board_.SetDutyCycle(dutyCycle, dutyCycle, dutyCycle), board_, "SetDutyCycle");
     must(board_.ReelSynchroniseEnable(allReels), board_, "ReelSynchroniseEnable");
     for (unsigned char reel = 0; reel < reelCount; ++reel)

@@ -60,6 +60,19 @@ Reply EEPROM::read(Payload payload)
     return tell(bytes);
 }
 
+void EEPROM::write(std::size_t address, Payload bytes)
+{
+    while (!bytes.empty()) {
+        address %= memory_.size();
+        const std::size_t size = std::min(bytes.size(), memory_.size() - address);
+        const Payload part = bytes.first(size);
+        diary_.noteWritten(journal::Kind::EEPROM, address, Payload(memory_).subspan(address, size), part);
+        std::copy(part.begin(), part.end(), memory_.begin() + static_cast<std::ptrdiff_t>(address));
+        address += size;
+        bytes = bytes.subspan(size);
+    }
+}
+
 Reply EEPROM::write(Payload payload)
 {
     const Payload data = payload.subspan(3);
@@ -67,10 +80,7 @@ Reply EEPROM::write(Payload payload)
         return refuse(statusWrongValue);
     if (payload[0] != data.size())
         return refuse(statusWrongLength);
-    return perform([this, data, address = u16le(payload, 1)] {
-        for (std::size_t i = 0; i < data.size(); ++i)
-            memory_[(address + i) % memory_.size()] = data[i];
-    });
+    return perform([this, data, address = u16le(payload, 1)] { write(address, data); });
 }
 
 std::optional<Reply> EEPROM::answer(Request request, Payload payload)

@@ -6,6 +6,7 @@
 #ifndef SORVANE_SIM_BOARD_EEPROM_H
 #define SORVANE_SIM_BOARD_EEPROM_H
 
+#include "sim/board/diary.h"
 #include "sim/board/part.h"
 #include "sim/core/eeprom_chips.h"
 
@@ -15,7 +16,7 @@ namespace sim
 class EEPROM : public Part
 {
 public:
-    EEPROM() { fit(E24LC256); }
+    explicit EEPROM(Diary &diary) : diary_(diary) { fit(E24LC256); }
 
     /// Fits another chip, filled so that no two places look alike.
     void fit(const R20EEPROM &chip);
@@ -25,7 +26,9 @@ public:
     const char *name() const;
     std::size_t size() const { return memory_.size(); }
     unsigned char at(std::size_t address) const { return memory_.at(address); }
-    void set(std::size_t address, unsigned char value) { memory_.at(address) = value; }
+    /// Behind the last address follows the first.
+    void write(std::size_t address, Payload bytes);
+    void set(std::size_t address, unsigned char value) { write(address, {&value, 1}); }
     /// What the firmware has been told about the chip.
     const std::optional<R20EEPROM> &configuration() const { return configuration_; }
 
@@ -37,6 +40,7 @@ private:
     Reply read(Payload payload);
     Reply write(Payload payload);
 
+    Diary &diary_;
     R20EEPROM chip_{};
     Bytes memory_;
     std::optional<R20EEPROM> configuration_;

@@ -60,6 +60,32 @@ Fault &Fault::carriedOut()
     return *this;
 }
 
+std::string textOf(const Fault &fault)
+{
+    const std::string number = std::to_string(fault.number);
+    switch (fault.kind) {
+    case Fault::Kind::IoctlResult:
+        return "ioctl " + std::to_string(std::abs(fault.number));
+    case Fault::Kind::Status:
+        return "status " + number;
+    case Fault::Kind::AtMost:
+        return "short " + number;
+    case Fault::Kind::AtLeast:
+        return "long " + number;
+    case Fault::Kind::PacketCount:
+        return "count " + number;
+    case Fault::Kind::Echo:
+        return "echo " + number;
+    case Fault::Kind::Replace:
+        return "another answer";
+    case Fault::Kind::Unplug:
+        return "unplug";
+    case Fault::Kind::Delay:
+        return "slow " + std::to_string(fault.delay / std::chrono::milliseconds(1)) + "ms";
+    }
+    return "";
+}
+
 std::optional<Fault> Faults::find(unsigned char request, int pipe) const
 {
     for (const Fault &fault : queue_) {

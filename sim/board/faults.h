@@ -9,6 +9,7 @@
 
 #include <deque>
 #include <optional>
+#include <string>
 #include <utility>
 
 namespace sim
@@ -61,6 +62,9 @@ struct Fault {
     std::optional<unsigned int> count = 1;
     bool boardSaw = false;
 };
+
+/// "status 30", "ioctl 5": what it does to one exchange.
+std::string textOf(const Fault &fault);
 
 /// The faults that wait for their exchange. The first that matches strikes.
 class Faults

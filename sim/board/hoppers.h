@@ -45,6 +45,7 @@ public:
     /// The hopper whose coins pass this input; hangs an empty one there if there is none.
     Hopper &at(unsigned int input);
     const std::map<unsigned int, Hopper> &all() const { return hoppers_; }
+    const std::map<unsigned int, Release> &releases() const { return releases_; }
     /// The last release that was asked of an input.
     Release release(unsigned int input) const;
 

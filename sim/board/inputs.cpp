@@ -29,13 +29,13 @@ bool Inputs::level(unsigned int input) const
     return holds(levels_, input);
 }
 
-void Inputs::pulse(unsigned int input, unsigned int count)
+void Inputs::pulse(unsigned int input, unsigned int count, bool level)
 {
     Nanoseconds &end = pulsesEnd_.at(input);
     end = std::max(end, timeline_.now());
     for (unsigned int i = 0; i < count; ++i) {
-        timeline_.at(end, this, [this, input] { set(input, true); });
-        timeline_.at(end + pulseLength, this, [this, input] { set(input, false); });
+        timeline_.at(end, this, [=, this] { set(input, level); });
+        timeline_.at(end + pulseLength, this, [=, this] { set(input, !level); });
         end += 2 * pulseLength;
     }
 }

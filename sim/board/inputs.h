@@ -30,8 +30,9 @@ public:
     bool level(unsigned int input) const;
     const Pattern &levels() const { return levels_; }
 
-    /// `count` pulses, one every 40 ms, the first at once (or behind those that are still to come on this input).
-    void pulse(unsigned int input, unsigned int count = 1);
+    /// `count` pulses to this level, one every 40 ms, the first at once (or behind those that are still to come on this
+    /// input).
+    void pulse(unsigned int input, unsigned int count = 1, bool level = true);
 
     /// One of the 12 bytes of the multiplexed inputs, group 0 to 3, index 0 to 2.
     void setMultiplexed(unsigned int group, unsigned int index, unsigned char value);

@@ -28,16 +28,19 @@ bool Outputs::inOnPeriod() const
     return timeline_.now() / flashPeriod % 2 == 0;
 }
 
+bool Outputs::unlessPulsed(unsigned int output, bool level) const
+{
+    return holds(pulsedOn_, output) || (level && !holds(pulsedOff_, output));
+}
+
 bool Outputs::lit(unsigned int output) const
 {
-    return forced_.at(output).value_or(holds(driven_, output) ||
-                                       holds(inOnPeriod() ? onPattern_ : offPattern_, output));
+    return unlessPulsed(output, holds(driven_, output) || holds(inOnPeriod() ? onPattern_ : offPattern_, output));
 }
 
 bool Outputs::litOrFlashing(unsigned int output) const
 {
-    return forced_.at(output).value_or(holds(driven_, output) || holds(onPattern_, output) ||
-                                       holds(offPattern_, output));
+    return unlessPulsed(output, holds(driven_, output) || holds(onPattern_, output) || holds(offPattern_, output));
 }
 
 Pattern Outputs::litNow() const
@@ -56,7 +59,8 @@ void Outputs::drive(unsigned int output, bool on)
 
 void Outputs::force(unsigned int output, std::optional<bool> level)
 {
-    forced_.at(output) = level;
+    put(pulsedOn_, output, level == true);
+    put(pulsedOff_, output, level == false);
     changed();
 }
 
@@ -98,7 +102,8 @@ void Outputs::powerLost()
     onPattern_ = {};
     offPattern_ = {};
     driven_ = {};
-    forced_ = {};
+    pulsedOn_ = {};
+    pulsedOff_ = {};
     brightness_ = fullBrightness;
     changed();
 }

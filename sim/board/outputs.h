@@ -25,6 +25,11 @@ public:
 
     const Pattern &onPattern() const { return onPattern_; }
     const Pattern &offPattern() const { return offPattern_; }
+    /// The outputs that a hopper's release drives.
+    const Pattern &driven() const { return driven_; }
+    /// The outputs that a pulse keeps on, and off.
+    const Pattern &pulsedOn() const { return pulsedOn_; }
+    const Pattern &pulsedOff() const { return pulsedOff_; }
     unsigned int brightness() const { return brightness_; }
     bool inOnPeriod() const;
 
@@ -49,6 +54,7 @@ public:
     void powerLost() override;
 
 private:
+    bool unlessPulsed(unsigned int output, bool level) const;
     void modify(Payload onThenOff);
     void changed(const Pattern &switchedOff = {});
 
@@ -56,7 +62,8 @@ private:
     Pattern onPattern_{};
     Pattern offPattern_{};
     Pattern driven_{};
-    std::array<std::optional<bool>, outputCount> forced_{};
+    Pattern pulsedOn_{};
+    Pattern pulsedOff_{};
     unsigned char brightness_ = fullBrightness;
     Listener listener_;
 };

@@ -29,6 +29,25 @@ const Reel &Reels::at(unsigned int reel)
     return reels_.at(reel);
 }
 
+// So that whoever watches the board sees a reel still at the time at which it becomes so.
+void Reels::expectRest()
+{
+    timeline_.cancel(this);
+    for (const Reel &reel : reels_) {
+        if (reel.motion() != Reel::Motion::Still && !reel.endless())
+            timeline_.at(reel.restsAt(), this, [] {});
+    }
+}
+
+std::array<bool, 3> Reels::turning()
+{
+    runUntilNow();
+    std::array<bool, 3> turning{};
+    std::transform(reels_.begin(), reels_.end(), turning.begin(),
+                   [](const Reel &reel) { return reel.motion() != Reel::Motion::Still; });
+    return turning;
+}
+
 void Reels::configure(Payload payload)
 {
     configured_ = payload[0];
@@ -37,6 +56,7 @@ void Reels::configure(Payload payload)
         reel.setStepsPerTurn(u16be(payload, 1));
     for (std::size_t i = configured_; i < reels_.size(); ++i)
         reels_[i].stop();
+    expectRest();
 }
 
 Reply Reels::spin(Payload payload)
@@ -53,6 +73,7 @@ Reply Reels::spin(Payload payload)
             reel.stop();
         else if (endless || steps > 0)
             reel.spin(mode == modeForward || mode == modeForwardEndless, endless ? 0 : steps, timeline_.now());
+        expectRest();
     });
 }
 
@@ -116,6 +137,7 @@ std::optional<Reply> Reels::answer(Request request, Payload payload)
 // A reel stays where it stopped; the drive has forgotten everything.
 void Reels::powerLost()
 {
+    timeline_.cancel(this);
     runUntilNow();
     for (Reel &reel : reels_)
         reel = Reel(reel.place());

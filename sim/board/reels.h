@@ -27,6 +27,8 @@ public:
 
     /// The reel as it is now.
     const Reel &at(unsigned int reel);
+    /// Which of them turn, at the time of the timeline.
+    std::array<bool, 3> turning();
     unsigned int configured() const { return configured_; }
     unsigned char option() const { return option_; }
     Bytes status();
@@ -39,6 +41,7 @@ private:
     Reply spin(Payload payload);
     Reply ramp(bool up, Payload payload);
     void runUntilNow();
+    void expectRest();
 
     Timeline &timeline_;
     std::array<Reel, 3> reels_{Reel(37), Reel(91), Reel(140)};

@@ -27,8 +27,8 @@ void appendWord(Bytes &bytes, std::uint16_t word, bool nineBit)
 
 }  // namespace
 
-SerialPort::SerialPort(unsigned int number, Model model, Timeline &timeline, const Firmware &firmware)
-    : number_(number), largestAnswer_(largestAnswer(model)), timeline_(timeline), firmware_(firmware),
+SerialPort::SerialPort(unsigned int number, Model model, Timeline &timeline, const Firmware &firmware, Diary &diary)
+    : number_(number), largestAnswer_(largestAnswer(model)), timeline_(timeline), firmware_(firmware), diary_(diary),
       polledHost_(timeline, largestAnswer_, [this](const Words &words) { send(words); }),
       sas_(timeline, [this](const Words &words) { send(words); })
 {
@@ -53,6 +53,10 @@ void SerialPort::send(const Words &words)
     while (sent_.size() > sentKept)
         sent_.pop_front();
     sentCount_ += words.size();
+    Bytes bytes;
+    for (const std::uint16_t word : words)
+        appendWord(bytes, word, settings_.nineBit());
+    assign(diary_.note(journal::Kind::Sent, number_).bytes, bytes);
     timeline_.at(sendLineFree_, this, [this, words] {
         if (peripheral_)
             peripheral_->receive(words);
@@ -62,10 +66,18 @@ void SerialPort::send(const Words &words)
 void SerialPort::transmit(const Words &words)
 {
     receiveLineFree_ = std::max(receiveLineFree_, timeline_.now());
-    for (const std::uint16_t word : words) {
+    for (std::size_t i = 0; i < words.size(); ++i) {
         receiveLineFree_ += settings_.wordTime();
-        timeline_.at(receiveLineFree_, this, [this, word] { arrived(word); });
+        timeline_.at(receiveLineFree_, this,
+                     [this, word = words[i], last = i + 1 == words.size()] { arrived(word, last); });
     }
+}
+
+void SerialPort::noteReceived()
+{
+    if (!arriving_.empty())
+        assign(diary_.note(journal::Kind::Received, number_).bytes, arriving_);
+    arriving_.clear();
 }
 
 void SerialPort::deliver(Payload bytes)
@@ -73,13 +85,16 @@ void SerialPort::deliver(Payload bytes)
     transmit({bytes.begin(), bytes.end()});
 }
 
-void SerialPort::arrived(std::uint16_t word)
+void SerialPort::arrived(std::uint16_t word, bool last)
 {
     // Nobody listens on a board whose firmware does not run.
     if (!firmware_.running())
         return;
     if (!settings_.nineBit())
         word &= 0xFF;
+    appendWord(arriving_, word, settings_.nineBit());
+    if (last)
+        noteReceived();
     if (wordsToSpoil_ > 0) {
         --wordsToSpoil_;
         parityErrors_ = std::min(parityErrors_ + 1, parityCountLimit);
@@ -191,6 +206,7 @@ std::optional<Reply> SerialPort::answer(Request request, Payload payload)
 
 void SerialPort::powerLost()
 {
+    noteReceived();
     timeline_.cancel(this);
     timeline_.cancel(&timeout_);
     settings_ = {};

@@ -10,6 +10,7 @@
 #ifndef SORVANE_SIM_BOARD_SERIAL_PORT_H
 #define SORVANE_SIM_BOARD_SERIAL_PORT_H
 
+#include "sim/board/diary.h"
 #include "sim/board/firmware.h"
 #include "sim/board/polled_host.h"
 #include "sim/board/sas.h"
@@ -27,7 +28,7 @@ constexpr std::size_t serialBufferCapacity = 1024;
 class SerialPort : public Part, public SerialLine
 {
 public:
-    SerialPort(unsigned int number, Model model, Timeline &timeline, const Firmware &firmware);
+    SerialPort(unsigned int number, Model model, Timeline &timeline, const Firmware &firmware, Diary &diary);
     ~SerialPort() override;
 
     const SerialLineSettings &settings() const { return settings_; }
@@ -77,7 +78,8 @@ private:
     Reply receiveWithTimestamps();
     Reply setTimeoutMessage(Payload payload);
     Bytes wire(std::size_t count) const;
-    void arrived(std::uint16_t word);
+    void arrived(std::uint16_t word, bool last);
+    void noteReceived();
     void drop(std::size_t count);
     void restartTimeout();
     std::size_t wordSize() const { return settings_.nineBit() ? 2 : 1; }
@@ -86,11 +88,13 @@ private:
     std::size_t largestAnswer_;
     Timeline &timeline_;
     const Firmware &firmware_;
+    Diary &diary_;
     SerialLineSettings settings_;
     std::unique_ptr<SerialPeripheral> peripheral_;
     PolledHost polledHost_;
     SAS sas_;
     std::deque<Received> received_;
+    Bytes arriving_;  // what has come of the words that were sent together
     std::deque<std::uint16_t> sent_;
     std::size_t sentCount_ = 0;
     unsigned int parityErrors_ = 0;

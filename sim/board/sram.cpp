@@ -18,13 +18,23 @@ std::size_t sizeOf(Model model)
 
 }  // namespace
 
-SRAM::SRAM(Model model, Firmware &firmware) : firmware_(firmware), memory_(sizeOf(model)), flat_(model == Model::R20) {}
+SRAM::SRAM(Model model, Firmware &firmware, Diary &diary)
+    : firmware_(firmware), diary_(diary), memory_(sizeOf(model)), flat_(model == Model::R20)
+{
+}
 
 void SRAM::set(std::size_t address, unsigned char value)
 {
     memory_.at(address) = value;
     if (isFirmware(address))
         firmware_.overwrite(address - firmwareStart, value);
+}
+
+void SRAM::write(std::size_t address, Payload bytes)
+{
+    diary_.noteWritten(journal::Kind::SRAM, address, Payload(memory_).subspan(address, bytes.size()), bytes);
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        set(address + i, bytes[i]);
 }
 
 bool SRAM::isFirmware(std::size_t address) const
@@ -76,6 +86,9 @@ Reply SRAM::write(const Range &range, Payload data)
     if (inFirmware && !firmware_.downloading())
         return refuse(statusProtected);
     return perform([this, range, data, inFirmware] {
+        if (!inFirmware)
+            diary_.noteWritten(journal::Kind::SRAM, range.address,
+                               Payload(memory_).subspan(range.address, range.length), data);
         for (std::size_t i = 0; i < data.size(); ++i) {
             memory_[range.address + i] = data[i];
             if (inFirmware)

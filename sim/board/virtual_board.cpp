@@ -29,12 +29,12 @@ Request requestOf(unsigned char code, int pipe)
 }  // namespace
 
 VirtualBoard::VirtualBoard(Model model, Clock &clock)
-    : model_(model), timeline_(clock), firmware_(model), sram_(model, firmware_), inputs_(timeline_),
-      outputs_(timeline_), pulsedOutputs_(timeline_, outputs_), pulsedInputs_(inputs_),
-      hoppers_(timeline_, inputs_, outputs_), reels_(timeline_), recorder_(timeline_, inputs_, sram_),
+    : model_(model), timeline_(clock), diary_(timeline_), firmware_(model), sram_(model, firmware_, diary_),
+      inputs_(timeline_), outputs_(timeline_), pulsedOutputs_(timeline_, outputs_), pulsedInputs_(inputs_),
+      hoppers_(timeline_, inputs_, outputs_), reels_(timeline_), recorder_(timeline_, inputs_, sram_), eeprom_(diary_),
       clock_(timeline_, battery_), switches_(clock_, battery_),
-      identity_(model), serialPorts_{std::make_unique<SerialPort>(0, model, timeline_, firmware_),
-                                     std::make_unique<SerialPort>(1, model, timeline_, firmware_)},
+      identity_(model), serialPorts_{std::make_unique<SerialPort>(0, model, timeline_, firmware_, diary_),
+                                     std::make_unique<SerialPort>(1, model, timeline_, firmware_, diary_)},
       parts_{&firmware_, &sram_,     &inputs_,   &outputs_, &pulsedOutputs_, &pulsedInputs_,
              &hoppers_,  &reels_,    &recorder_, &eeprom_,  &diagnostics_,   &spi_,
              &battery_,  &switches_, &clock_,    &random_,  &identity_}
@@ -43,6 +43,7 @@ VirtualBoard::VirtualBoard(Model model, Clock &clock)
         for (Part *part : parts_)
             part->backupLost();
     });
+    timeline_.watch([this] { noteChanges(); });
 }
 
 VirtualBoard &VirtualBoard::highSpeed()
@@ -141,6 +142,7 @@ PendingExchange VirtualBoard::prepare(unsigned char request, int pipe, Payload p
         pending.ioctlResult = -ENODEV;
     else if (fault && fault->kind == Fault::Kind::IoctlResult)
         pending.ioctlResult = static_cast<int>(fault->number);
+    pending.fault = fault;
     pending.reachesBoard = pending.ioctlResult == 0 || (plugged_ && !pending.unplugs && fault->boardSaw);
     if (pending.reachesBoard)
         work(pending, payload, fault);
@@ -150,17 +152,22 @@ PendingExchange VirtualBoard::prepare(unsigned char request, int pipe, Payload p
 void VirtualBoard::complete(PendingExchange &pending)
 {
     faults_.passed(pending.exchange.request, pending.exchange.pipe);
+    if (pending.fault)
+        diary_.note(journal::Kind::Fault).bytes = textOf(*pending.fault);
+    noteExchange(pending);
     if (pending.unplugs)
         unplug();
-    if (!pending.reachesBoard)
+    if (!pending.reachesBoard) {
+        settle();
         return;
+    }
     if (pending.delivered)
         pending.delivered();
     exchanges_.push_back(pending.exchange);
     if (exchanges_.size() > exchangesKept)
         exchanges_.pop_front();
     ++exchangeCount_;
-    timeline_.settle();
+    settle();
 }
 
 Answer VirtualBoard::exchange(unsigned char request, int pipe, const unsigned char *payload, std::size_t length)
@@ -176,11 +183,23 @@ bool VirtualBoard::insertCoin(unsigned int coin)
 {
     timeline_.settle();
     for (const auto &port : serialPorts_) {
-        if (auto *acceptor = port->peripheralAs<CcTalkAcceptor>())
-            return acceptor->insert(coin);
+        if (auto *acceptor = port->peripheralAs<CcTalkAcceptor>()) {
+            const bool accepted = acceptor->insert(coin);
+            journal::Event &event = diary_.note(journal::Kind::Coin, coin);
+            event.aspect = journal::Aspect::CcTalk;
+            event.is = accepted;
+            return accepted;
+        }
     }
-    inputs_.pulse(coin);
+    pulseCoin(coin);
     return true;
+}
+
+void VirtualBoard::pulseCoin(unsigned int input)
+{
+    timeline_.settle();
+    diary_.note(journal::Kind::Coin, input).is = true;
+    inputs_.pulse(input);
 }
 
 void VirtualBoard::plug()
@@ -204,6 +223,8 @@ void VirtualBoard::unplug()
     for (const auto &port : serialPorts_)
         port->powerLost();
     battery_.setMainPower(false);
+    if (powerLossListener_)
+        powerLossListener_();
 }
 
 void VirtualBoard::powerCycle()

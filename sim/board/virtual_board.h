@@ -8,6 +8,9 @@
 // A board may be driven from several threads by whoever holds lock(); the driver (sim/driver/driver.h) takes it by
 // itself, everything here leaves it to the caller. Every accessor first lets happen what is due by the board's clock; a
 // reference that is kept longer shows the state of the last such moment.
+//
+// What happens is written down in the order of its times: what a request does or time brings at once, what somebody
+// does through an accessor with the next access, or when the lock is given back.
 #ifndef SORVANE_SIM_BOARD_VIRTUAL_BOARD_H
 #define SORVANE_SIM_BOARD_VIRTUAL_BOARD_H
 
@@ -23,8 +26,10 @@
 #include "sim/board/reels.h"
 #include "sim/board/security_switches.h"
 #include "sim/board/serial_port.h"
+#include "sim/board/snapshot.h"
 #include "sim/board/spi.h"
 #include "sim/board/state.h"
+#include "sim/core/bell.h"
 
 #include <mutex>
 
@@ -44,6 +49,7 @@ struct PendingExchange {
     unsigned char echo = 0;                    ///< R20: the request code that comes back
     std::optional<std::uint32_t> packetCount;  ///< R20: the received count when it is a lie
     bool unplugs = false;
+    std::optional<Fault> fault;  ///< that strikes
     std::function<void()> delivered;
 };
 
@@ -70,9 +76,9 @@ public:
     Hoppers &hoppers() { return settled(hoppers_); }
     Reels &reels() { return settled(reels_); }
     SerialPort &serialPort(unsigned int port) { return settled(*serialPorts_.at(port)); }
-    EEPROM &eeprom() { return eeprom_; }
+    EEPROM &eeprom() { return settled(eeprom_); }
     SRAM &sram() { return settled(sram_); }
-    Firmware &firmware() { return firmware_; }
+    Firmware &firmware() { return settled(firmware_); }
     Recorder &recorder() { return settled(recorder_); }
     SPI &spi() { return spi_; }
     RealTimeClock &clock() { return settled(clock_); }
@@ -103,9 +109,16 @@ public:
     /// A coin of this number is thrown in: into the ccTalk acceptor if one hangs on a serial port, otherwise a pulse on
     /// the input of that number. False when the acceptor rejects it.
     bool insertCoin(unsigned int coin);
+    /// One that is counted on an input, whatever hangs on the serial ports.
+    void pulseCoin(unsigned int input);
+
+    /// How much longer an exchange takes, by a fault that is used up.
+    Nanoseconds takeDelay(unsigned char request, int pipe);
 
     void plug();
     void unplug();
+    /// Told when the board has lost its power. What it throws comes out of whatever pulled the plug.
+    void onPowerLoss(std::function<void()> listener) { powerLossListener_ = std::move(listener); }
     bool plugged() const { return plugged_; }
     void powerCycle();
     /// How often it has been plugged; a descriptor of an earlier plug stays dead.
@@ -113,8 +126,29 @@ public:
 
     BoardState state();
 
+    /// What has happened so far.
+    const journal::Ring &events();
+    /// Before the first event: the board's number in them, and what rings when something has happened or is going to
+    /// happen earlier than it was.
+    void tell(int deviceNo, std::shared_ptr<Bell> bell);
+
     /// Guards the board.
-    [[nodiscard]] std::unique_lock<std::mutex> lock() { return std::unique_lock(mutex_); }
+    class Lock
+    {
+    public:
+        explicit Lock(VirtualBoard &board) : board_(board), held_(board.mutex_) {}
+        Lock(const Lock &) = delete;
+        Lock &operator=(const Lock &) = delete;
+        /// Whatever was done in between is written down.
+        ~Lock() { board_.settle(); }
+
+    private:
+        VirtualBoard &board_;
+        std::unique_lock<std::mutex> held_;
+    };
+    [[nodiscard]] Lock lock() { return Lock(*this); }
+    /// For a mere look and for an exchange, at whose end everything is written down anyway.
+    [[nodiscard]] std::unique_lock<std::mutex> lockOnly() { return std::unique_lock(mutex_); }
     /// Held by the driver over a whole exchange, a slow one's waiting included, so that callers take turns while
     /// lock() stays free; always taken before it.
     [[nodiscard]] std::unique_lock<std::mutex> turn() { return std::unique_lock(turn_); }
@@ -126,6 +160,10 @@ private:
         timeline_.settle();
         return part;
     }
+    void settle();
+    Snapshot snapshot();
+    void noteChanges();
+    void noteExchange(const PendingExchange &pending);
     Reply answerOf(unsigned char code, int pipe, Payload payload);
     void work(PendingExchange &pending, Payload payload, const std::optional<Fault> &fault);
 
@@ -136,6 +174,11 @@ private:
     std::mutex mutex_;
     std::mutex turn_;
     Timeline timeline_;
+    Diary diary_;
+    Snapshot lastSnapshot_;
+    std::shared_ptr<Bell> bell_;
+    std::uint64_t toldOf_ = 0;                  // the last event for which the bell rang
+    std::optional<Nanoseconds> toldWhatsNext_;  // and when the next thing was due
     Firmware firmware_;
     SRAM sram_;
     Inputs inputs_;
@@ -158,6 +201,7 @@ private:
     Faults faults_;
     std::deque<Exchange> exchanges_;
     std::uint64_t exchangeCount_ = 0;
+    std::function<void()> powerLossListener_;
 };
 
 }  // namespace sim

@@ -40,6 +40,7 @@ VirtualBoard &VirtualBoards::plug(int deviceNo, Model model)
     if (!isDevice(deviceNo))
         throw std::out_of_range("device number");
     const auto board = std::make_shared<VirtualBoard>(model, clock());
+    board->tell(deviceNo, bell_);
     pullOff(exchangeBoard(deviceNo, board));
     return *board;
 }

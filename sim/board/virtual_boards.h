@@ -36,11 +36,15 @@ public:
     std::optional<std::string> productText(int deviceNo) const;
     std::optional<std::string> speedText(int deviceNo) const;
 
+    /// Rings whenever something has happened on one of the boards, or the next thing to happen has changed.
+    Bell &bell() { return *bell_; }
+
 private:
     std::shared_ptr<VirtualBoard> exchangeBoard(int deviceNo, std::shared_ptr<VirtualBoard> board);
 
     mutable std::mutex mutex_;
     Clock *clock_;
+    std::shared_ptr<Bell> bell_ = std::make_shared<Bell>();
     std::array<std::shared_ptr<VirtualBoard>, deviceCount> boards_;
 };
 

@@ -52,6 +52,8 @@ struct Board {
     unsigned int number = 0;
     const sim::EEPROMChip *eeprom = sim::findEEPROMChip("24LC256");
     bool firmwareRunning = false;
+    std::string eepromFile;  ///< that keeps the contents over runs; empty: none
+    std::string sramFile;
     std::vector<Part> parts;  ///< by kind, those of a kind by name
     int line = 0;             ///< of the file
 };

@@ -161,6 +161,18 @@ void readSerialPort(Fields &boardFields, unsigned int number, Board &board, Mist
         board.parts.push_back(part);
 }
 
+// It goes on as part of a --board option, which has commas between its values.
+void readFileName(Fields &fields, const char *key, std::string &value)
+{
+    std::string file;
+    if (!fields.text(key, file))
+        return;
+    if (file.empty() || file.find_first_of(",\"\\") != std::string::npos)
+        fields.wrong(key, {"a file's name without , \" and \\"});
+    else
+        value = file;
+}
+
 // The keys that stand for themselves.
 void readSettings(Fields &fields, Board &board)
 {
@@ -192,6 +204,8 @@ void readSettings(Fields &fields, Board &board)
     if (fields.word("eeprom", chips, chosen))
         board.eeprom = sim::findEEPROMChip(chosen);
     fields.choice("firmware", "running", "missing", board.firmwareRunning);
+    readFileName(fields, "eeprom_file", board.eepromFile);
+    readFileName(fields, "sram_file", board.sramFile);
 }
 
 void readBoard(const toml::table &table, std::vector<Board> &boards, Mistakes &mistakes)

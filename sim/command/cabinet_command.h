@@ -3,7 +3,7 @@
 #define SORVANE_SIM_COMMAND_CABINET_COMMAND_H
 
 #include "sim/cabinet/cabinet.h"
-#include "sim/command/words.h"
+#include "sim/language/words.h"
 
 namespace CLI
 {

@@ -2,15 +2,15 @@
 #ifndef SORVANE_SIM_COMMAND_CTL_COMMAND_H
 #define SORVANE_SIM_COMMAND_CTL_COMMAND_H
 
-#include "sim/command/words.h"
+#include "sim/language/words.h"
 
 #include <optional>
 
 namespace sim
 {
 
-/// The result is the exit status. `runId` is empty when none was named.
-int control(const std::optional<std::string> &runId, TextWords words);
+/// The result is the exit status. `run` is empty when none was named. Files are opened here, not by the run.
+int control(const std::optional<std::string> &run, const TextWords &words);
 
 }  // namespace sim
 

@@ -1,6 +1,6 @@
 #include "sim/command/follow.h"
 
-#include "sim/command/control_socket.h"
+#include "sim/control/control_client.h"
 #include "sim/system/signals.h"
 
 #include <cstdio>
@@ -63,18 +63,16 @@ int followState(const RunName &run, const TextWords &words)
 {
     if (!::isatty(STDOUT_FILENO))
         throw UsageError("--follow needs a terminal; allowed without one is state [--json]");
+    ControlClient client(run);
     const BlockedSignals blocked;
     Screen screen;
     do {
-        ControlAnswer answer;
-        try {
-            answer = askRun(run, words);
-        } catch (const std::exception &) {
+        const Outcome state = client.ask({.words = words});
+        if (state.status == statusOfUsageError)
+            throw UsageError(state.error);
+        if (state.status != 0)
             return 0;  // the run has ended
-        }
-        if (answer.status != 0)
-            throw UsageError(answer.text);
-        screen.show(answer.text);
+        screen.show(state.text);
     } while (!pauseUntilNext());
     return 0;
 }

@@ -2,8 +2,8 @@
 #ifndef SORVANE_SIM_COMMAND_FOLLOW_H
 #define SORVANE_SIM_COMMAND_FOLLOW_H
 
-#include "sim/command/run_names.h"
-#include "sim/command/words.h"
+#include "sim/control/run_names.h"
+#include "sim/language/words.h"
 
 namespace sim
 {

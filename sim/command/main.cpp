@@ -1,8 +1,10 @@
 // sorvane-sim: virtual boards behind real device nodes.
-#include "sim/command/cabinet_boards.h"
 #include "sim/command/cabinet_command.h"
 #include "sim/command/ctl_command.h"
+#include "sim/command/list_command.h"
 #include "sim/command/run_command.h"
+#include "sim/command/run_options.h"
+#include "sim/language/commands.h"
 #include "sim/system/failure.h"
 
 #include <CLI/CLI.hpp>
@@ -16,47 +18,7 @@ using namespace sim;
 namespace
 {
 
-struct Options {
-    TextWords boards;
-    std::optional<std::string> cabinet;
-    std::optional<std::string> scenario;
-    std::optional<std::string> runId;
-    std::optional<std::string> board;
-    std::string how = "auto";
-    bool privateIpc = false;
-    bool shareIpc = false;
-};
-
-void addBoards(CLI::App &command, Options &options)
-{
-    command.add_option("--board", options.boards, boardOptionsHelp())->expected(1)->take_all();
-    command.add_option("--cabinet", options.cabinet, "a file that says what the machine is (docs/cabinet.md)");
-    command.add_option("--scenario", options.scenario, "a file of commands; `at 1.5s` before one says when");
-    const auto privateIpc =
-        command.add_flag("--private-ipc", options.privateIpc, "SysV objects of the program's own (the default)");
-    const auto shareIpc = command.add_flag("--share-ipc", options.shareIpc, "the machine's SysV objects");
-    privateIpc->disable_flag_override();
-    shareIpc->disable_flag_override()->excludes(privateIpc);
-}
-
-RunRequest requestFrom(const Options &options)
-{
-    RunRequest request;
-    if (options.cabinet)
-        request.boardArguments = boardArguments(cabinetFrom(*options.cabinet));
-    request.boardArguments.insert(request.boardArguments.end(), options.boards.begin(), options.boards.end());
-    request.boards = boardsFrom(request.boardArguments);
-    if (request.boards.empty())
-        throw UsageError("there is no board; allowed: --board N=MODEL[,option=value...], as in --board 0=R35, and "
-                         "--cabinet FILE");
-    if (options.scenario)
-        request.scenario = Scenario::read(*options.scenario);
-    request.scenario.check(request.boards);
-    request.privateIpc = !options.shareIpc;
-    request.how = howFrom(options.how);
-    request.scenarioFile = options.scenario.value_or("");
-    return request;
-}
+constexpr char version[] = "sorvane-sim " SORVANE_VERSION;
 
 TextWords checked(const TextWords &program)
 {
@@ -65,46 +27,59 @@ TextWords checked(const TextWords &program)
     return program;
 }
 
-int controlBy(const Options &options, TextWords words)
+// Everything behind the first word of a command belongs to it, also what is an option elsewhere.
+TextWords wordsFor(const CLI::App &ctl, const std::optional<std::string> &board)
 {
+    TextWords words = ctl.remaining();
     for (const std::string &word : words) {
         if (word == "--help" || word == "-h")
             throw CLI::CallForHelp();
         if (word == "--version")
-            throw CLI::CallForVersion("sorvane-sim " SORVANE_VERSION, 0);
+            throw CLI::CallForVersion(version, 0);
     }
-    if (options.board)
-        words.insert(words.begin(), {"--board", *options.board});
-    return control(options.runId, words);
+    if (board)
+        words.insert(words.begin(), {"--board", *board});
+    return words;
 }
 
-// The program's words stand behind the first "--"; they are nobody's options.
+// The program's words stand behind the first "--"; they are nobody's options. CLI11 would take [a,b] among them apart.
 int run(int argc, char **argv)
 {
     char **const programMark = std::find(argv, argv + argc, std::string("--"));
     const bool marked = programMark != argv + argc;
     const TextWords program(marked ? programMark + 1 : argv + argc, argv + argc);
 
-    Options options;
+    std::optional<std::string> which;
+    std::optional<std::string> board;
+    std::string stopped;
+    bool json = false;
     CLI::App app("Virtual Sorvane boards behind real device nodes", "sorvane-sim");
+    app.set_version_flag("--version", version);
+    app.require_subcommand(1);
     const auto add = [&app](const char *name, const char *help) {
         CLI::App *command = app.add_subcommand(name, help);
-        command->set_version_flag("--version", "sorvane-sim " SORVANE_VERSION);
+        command->set_version_flag("--version", version);
         return command;
     };
-    app.set_version_flag("--version", "sorvane-sim " SORVANE_VERSION);
-    app.require_subcommand(1);
+    const auto addWhich = [&which](CLI::App *command) {
+        command->add_option("--run", which, "which boards, by the run's name or id, where several runs are up");
+    };
     CLI::App *run = add("run", "run [OPTION...] -- PROGRAM [ARG...]: the boards for one program");
-    addBoards(*run, options);
-    run->add_option("--how", options.how, "node, preload, or auto: nodes where they are possible");
+    const RunOptions runOptions(*run);
     CLI::App *serve = add("serve", "keep boards up for programs that enter");
-    addBoards(*serve, options);
-    CLI::App *enter = add("enter", "enter [--run ID] -- PROGRAM [ARG...]: a program for boards that are up");
-    CLI::App *ctl = add("ctl", "ctl [--run ID] [--board N] COMMAND: do something to the boards");
-    enter->add_option("--run", options.runId, "which boards, where several runs are up");
-    ctl->add_option("--run", options.runId, "which boards, where several runs are up");
-    ctl->add_option("--board", options.board, "which board, where there are several");
+    const ServeOptions serveOptions(*serve);
+    CLI::App *enter = add("enter", "enter [--run NAME|ID] -- PROGRAM [ARG...]: a program for boards that are up");
+    addWhich(enter);
+    CLI::App *ctl = add("ctl", "ctl [--run NAME|ID] [--board N|NAME] COMMAND: do something to the boards");
+    addWhich(ctl);
+    ctl->add_option("--board", board, "which board, where there are several");
     ctl->prefix_command()->footer(commandsHelp());
+    CLI::App *list = add("list", "the runs that are up");
+    list->add_flag("--json", json, "as JSON")->disable_flag_override();
+    CLI::App *stop = add("stop", "stop NAME|ID: end a run, and wait until it has ended");
+    stop->add_option("NAME", stopped, "the run's name or id")->required();
+    CLI::App *commands = add("commands", "what ctl and scenarios understand");
+    commands->add_flag("--json", json, "as JSON, with every argument")->disable_flag_override();
     CLI::App *cabinet = add("cabinet", "check a cabinet file, or begin one");
     const CabinetCommand cabinetCommand(*cabinet);
     try {
@@ -112,14 +87,20 @@ int run(int argc, char **argv)
         if (marked && !run->parsed() && !enter->parsed())
             throw UsageError("a program behind -- is allowed with run and enter only");
         if (run->parsed())
-            runWithBoards(requestFrom(options), checked(program));
+            runWithBoards(runOptions.request(checked(program)));
         if (enter->parsed())
-            enterRun(options.runId, checked(program));
+            enterRun(which, checked(program));
         if (serve->parsed())
-            return serveBoards(requestFrom(options));
+            return serveBoards(serveOptions.request());
+        if (list->parsed())
+            return listRuns(json);
+        if (stop->parsed())
+            return stopRun(stopped);
+        if (commands->parsed())
+            return std::puts((json ? jsonOf({{"commands", commandSyntax()}}) : commandsHelp()).c_str()) < 0;
         if (cabinet->parsed())
             return cabinetCommand.carryOut();
-        return controlBy(options, ctl->remaining());
+        return control(which, wordsFor(*ctl, board));
     } catch (const CLI::Success &asked) {
         return app.exit(asked);
     } catch (const CLI::ParseError &error) {

@@ -1,6 +1,6 @@
 #include "sim/command/preload.h"
 
-#include "sim/command/preload_environment.h"
+#include "sim/control/preload_environment.h"
 #include "sim/system/failure.h"
 #include "sim/system/program.h"
 
@@ -22,20 +22,6 @@ namespace
 {
 
 constexpr char libraryName[] = "libsorvane_sim_preload.so";
-
-// Where execvp is going to find it; empty when nowhere.
-std::string findProgram(const std::string &name)
-{
-    if (name.find('/') != std::string::npos)
-        return name;
-    const char *path = std::getenv("PATH");
-    for (const std::string &folder : splitAt(path ? path : "/bin:/usr/bin", ':')) {
-        std::string candidate = (folder.empty() ? "." : folder) + "/" + name;
-        if (::access(candidate.c_str(), X_OK) == 0)
-            return candidate;
-    }
-    return "";
-}
 
 struct Binary {
     bool isELF = false;
@@ -133,33 +119,58 @@ std::string libraryFor(const std::string &program)
     return library;
 }
 
-// The library reads the scenario once more, inside the program and perhaps from another directory.
-std::string fileReadAgain(const std::string &scenario)
+std::string quoted(const TextWords &words)
 {
-    const std::unique_ptr<char, void (*)(void *)> path(::realpath(scenario.c_str(), nullptr), std::free);
+    std::string line;
+    for (const std::string &word : words)
+        line += (line.empty() ? "\"" : " \"") + word + "\"";
+    return line;
+}
+
+// The library opens these files once more, inside the program and perhaps from another directory.
+std::string fileReadAgain(const char *option, const std::string &file)
+{
+    const std::unique_ptr<char, void (*)(void *)> path(::realpath(file.c_str(), nullptr), std::free);
     struct stat attributes {
     };
     if (!path || ::stat(path.get(), &attributes) != 0 || !S_ISREG(attributes.st_mode))
-        throw UsageError("--scenario \"" + scenario +
-                         "\": inside a program it is read again; allowed is a regular file");
+        throw UsageError(std::string(option) + " \"" + file +
+                         "\": inside a program it is opened again; allowed is a regular file");
     return path.get();
+}
+
+void setOrClear(const char *variable, const std::string &value)
+{
+    if (value.empty())
+        ::unsetenv(variable);
+    else
+        ::setenv(variable, value.c_str(), 1);
+}
+
+void setFile(const char *variable, const char *option, const std::string &file)
+{
+    setOrClear(variable, file.empty() ? "" : fileReadAgain(option, file));
 }
 
 }  // namespace
 
-void executePreloaded(const RunRequest &request, const TextWords &program)
+void executePreloaded(const RunRequest &request)
 {
-    if (!request.scenarioFile.empty())
-        ::setenv(preloadScenario, fileReadAgain(request.scenarioFile).c_str(), 1);
-    const std::string library = libraryFor(program[0]);
+    setFile(preloadScenario, "--scenario", request.scenarioFile);
+    setFile(preloadCabinet, "--cabinet", request.cabinetFile);
+    setFile(preloadRecord, "--record", request.keeping.record);
+    setOrClear(preloadSummary, request.keeping.summary ? "1" : "");
+    setOrClear(preloadHeader, journal::jsonOf(request.keeping.header));
+    const std::string library = libraryFor(request.program[0]);
     const char *others = std::getenv("LD_PRELOAD");
     ::setenv("LD_PRELOAD", (library + (others ? ":" + std::string(others) : "")).c_str(), 1);
-    ::setenv(preloadBoards, join(request.boardArguments, " ").c_str(), 1);
+    ::setenv(preloadBoards, quoted(request.boardArguments).c_str(), 1);
+    setOrClear(preloadName, request.name);
     ::setenv(preloadProgram, std::to_string(::getpid()).c_str(), 1);
     // Only who may do it gets it; the program can do without.
     if (request.privateIpc)
         (void)::unshare(CLONE_NEWIPC);
-    execute(program);
+    execute(request.program);
 }
 
 }  // namespace sim

@@ -10,7 +10,7 @@ namespace sim
 
 /// Becomes the program. Fails where the program allows no such library: a static one, one with more rights than its
 /// user, one of a width for which there is no library.
-[[noreturn]] void executePreloaded(const RunRequest &request, const TextWords &program);
+[[noreturn]] void executePreloaded(const RunRequest &request);
 
 }  // namespace sim
 

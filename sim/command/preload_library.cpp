@@ -1,15 +1,19 @@
 // The library that puts virtual boards into a program which it is loaded into. Every process of the program has boards
 // of its own.
-#include "sim/command/control_socket.h"
-#include "sim/command/preload_environment.h"
-#include "sim/command/scenario.h"
+#include "sim/control/control_server.h"
+#include "sim/control/preload_environment.h"
 #include "sim/inprocess/inprocess.h"
+#include "sim/journal/keeper.h"
+#include "sim/language/kept_memories.h"
+#include "sim/language/scenario.h"
 #include "sim/system/signals.h"
 
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <signal.h>
 #include <sys/syscall.h>
 #include <thread>
 #include <unistd.h>
@@ -19,12 +23,32 @@ namespace
 
 using namespace sim;
 
-// Never destroyed: a thread plays it while the program ends.
-const Scenario *scenario = nullptr;
+// What the threads of the boards use while the program ends, so it is never destroyed.
+struct Preloaded {
+    std::vector<BoardOptions> options;
+    cabinet::Cabinet cabinet;
+    Scenario scenario;
+    Session session{inProcessBoards(), cabinet};
+};
+
+const Preloaded *preloaded = nullptr;
+Keeper *keeper = nullptr;
 std::atomic<std::size_t> reached = 0;
 // The program itself, until it has said what was not reached. The processes that it starts end for reasons of their
 // own.
 std::atomic<pid_t> program = 0;
+
+// A program that ends in a signal handler may hold what is needed for its end to be told.
+constexpr std::chrono::seconds longestFinish{2};
+
+TextWords commandLine()
+{
+    std::ifstream file("/proc/self/cmdline");
+    TextWords words;
+    for (std::string word; std::getline(file, word, '\0');)
+        words.push_back(word);
+    return words;
+}
 
 // The program's signals are not for the threads of the boards.
 template <class Body>
@@ -34,18 +58,46 @@ void inBackground(Body body)
     std::thread(std::move(body)).detach();
 }
 
+// Each process has boards of its own, and a file or a summary is that of one process.
+void keepJournal(const cabinet::Cabinet &machine)
+{
+    const char *header = std::getenv(preloadHeader);
+    const char *record = std::getenv(preloadRecord);
+    const Keeping keeping{std::getenv(preloadSummary) != nullptr, record ? record : "",
+                          header ? journal::headerFrom(header) : journal::Header()};
+    if (!keeping.anything())
+        return;
+    if (program != 0)
+        keeper = new Keeper(inProcessBoards(), keeping, machine);
+    else
+        std::fprintf(stderr,
+                     "sorvane-sim: inside the program --summary and --record see the boards of one process; those of "
+                     "process %d (%s) are left out; with device nodes all processes share them (--how node)\n",
+                     static_cast<int>(::getpid()), program_invocation_short_name);
+}
+
 void begin(const char *boardArguments)
 {
-    plugBoards(inProcessBoards(), boardsFrom(splitWords(boardArguments)));
-    const char *file = std::getenv(preloadScenario);
-    scenario = new Scenario(file ? Scenario::read(file) : Scenario());
     const char *process = std::getenv(preloadProgram);
-    if (process && process == std::to_string(::getpid()))
+    const bool isProgram = process && process == std::to_string(::getpid());
+    const char *cabinetFile = std::getenv(preloadCabinet);
+    const char *scenarioFile = std::getenv(preloadScenario);
+    const char *name = isProgram ? std::getenv(preloadName) : nullptr;
+    auto *all = new Preloaded{boardsFrom(splitWords(boardArguments)),
+                              cabinetFile ? cabinet::Cabinet::read(cabinetFile) : cabinet::Cabinet(),
+                              scenarioFile ? Scenario::read(scenarioFile) : Scenario()};
+    plugBoards(inProcessBoards(), all->options);
+    if (isProgram)
+        keepMemories(inProcessBoards(), all->options);
+    auto *control = new ControlServer(inProcessBoards(), all->cabinet, newRunName(name ? name : ""), commandLine(),
+                                      [] { ::kill(::getpid(), SIGTERM); });
+    preloaded = all;
+    if (isProgram)
         program = ::getpid();
-    scenario->prepare(inProcessBoards());
-    static ControlServer control(inProcessBoards(), newRunName());
-    inBackground([] { control.answerAll(); });
-    inBackground([] { scenario->play(inProcessBoards(), reached); });
+    keepJournal(all->cabinet);
+    all->scenario.prepare(all->session);
+    inBackground([control] { control->answerAll(); });
+    inBackground([all] { all->scenario.play(all->session, reached); });
 }
 
 [[gnu::constructor]] void beginWithTheProgram()
@@ -64,8 +116,12 @@ void begin(const char *boardArguments)
 [[gnu::destructor]] void endWithTheProgram()
 {
     pid_t self = ::getpid();
-    if (program.compare_exchange_strong(self, 0))
-        scenario->reportUnplayed(reached);
+    if (program.compare_exchange_strong(self, 0)) {
+        preloaded->scenario.reportUnplayed(reached);
+        if (keeper)
+            keeper->finish(longestFinish);
+        endMemories(inProcessBoards(), preloaded->options);
+    }
 }
 
 }  // namespace

@@ -1,7 +1,9 @@
 #include "sim/command/run_command.h"
 
-#include "sim/command/control_socket.h"
+#include "sim/command/background.h"
 #include "sim/command/preload.h"
+#include "sim/control/control_server.h"
+#include "sim/language/kept_memories.h"
 #include "sim/nodes/attributes.h"
 #include "sim/nodes/board_process.h"
 #include "sim/nodes/key_files.h"
@@ -10,8 +12,11 @@
 #include "sim/system/failure.h"
 #include "sim/system/program.h"
 
+#include <array>
+#include <cerrno>
 #include <cstdio>
 #include <sched.h>
+#include <signal.h>
 #include <sys/wait.h>
 
 namespace sim
@@ -20,8 +25,11 @@ namespace sim
 namespace
 {
 
-// The life of the serving process.
-void serve(BoardService &service, const RunRequest &request, const RunName &name)
+// A file that takes nothing more, on a server that is gone, does not hold up the end of a run for ever.
+constexpr std::chrono::seconds longestFinish{30};
+
+// The life of the serving process, of which `run` is to hear what ends it.
+void serve(BoardService &service, const RunRequest &request, const RunName &name, pid_t run)
 {
     std::optional<KeyFiles> keyFiles;
     if (request.privateIpc)
@@ -29,20 +37,33 @@ void serve(BoardService &service, const RunRequest &request, const RunName &name
     SteadyClock clock;
     VirtualBoards boards(clock);
     plugBoards(boards, request.boards);
-    ControlServer control(boards, name);
+    keepMemories(boards, request.boards);
+    ControlServer control(boards, request.cabinet, name, request.program, [run] {
+        if (::getppid() == run)
+            ::kill(run, SIGTERM);
+    });
+    Session session{boards, request.cabinet};
     MountedDevices devices = service.receiveDevices();
     Attributes attributes(boards, std::move(devices.attributes));
     std::vector<std::unique_ptr<Node>> nodes;
     for (auto &[deviceNo, device] : devices.nodes)
         nodes.push_back(std::make_unique<Node>(boards, deviceNo, std::move(device)));
-    request.scenario.prepare(boards);
+    std::optional<Keeper> keeper;
+    if (request.keeping.anything())
+        keeper.emplace(boards, request.keeping, request.cabinet);
+    request.scenario.prepare(session);
     std::thread([&control] { control.answerAll(); }).detach();
     service.ready();
     std::atomic<std::size_t> reached = 0;
     if (service.waitForStart()) {
-        std::thread([&] { request.scenario.play(boards, reached); }).detach();
+        std::thread([&] { request.scenario.play(session, reached); }).detach();
+        if (request.inBackground)
+            redirectToNull(STDERR_FILENO);
         service.waitForEnd();
         request.scenario.reportUnplayed(reached);
+        if (keeper)
+            keeper->finish(longestFinish);
+        endMemories(boards, request.boards);
     }
     if (keyFiles)
         keyFiles->removeNewOnes(allRuns().size() > 1);
@@ -57,10 +78,23 @@ std::vector<int> deviceNosOf(const RunRequest &request)
     return numbers;
 }
 
-RunName nameWithTheRightToMount()
+RunName nameWithTheRightToMount(const RunRequest &request)
 {
     obtainTheRightToMount();
-    return newRunName();
+    return newRunName(request.name);
+}
+
+// Whoever holds the other end of the input may be killed and say nothing.
+void endWithInput()
+{
+    std::thread([] {
+        std::array<char, 4096> ignored;
+        ssize_t size;
+        do
+            size = ::read(STDIN_FILENO, ignored.data(), ignored.size());
+        while (size > 0 || (size < 0 && errno == EINTR));
+        ::kill(::getpid(), SIGTERM);
+    }).detach();
 }
 
 // Everything that must be there before a program can meet the boards.
@@ -68,8 +102,8 @@ class RunEnvironment
 {
 public:
     explicit RunEnvironment(const RunRequest &request)
-        : name_(nameWithTheRightToMount()),
-          boards_([&request, this](BoardService &service) { serve(service, request, name_); })
+        : name_(nameWithTheRightToMount(request)),
+          boards_([&request, this](BoardService &service) { serve(service, request, name_, run_); })
     {
         boards_.serve(mountDevices(deviceNosOf(request), name_.text()));
         learnOwnersOfNodes(deviceNosOf(request));
@@ -81,62 +115,65 @@ public:
     BoardProcess &boards() { return boards_; }
 
 private:
+    pid_t run_ = ::getpid();
     RunName name_;
     BoardProcess boards_;
 };
 
-int runOnNodes(const RunRequest &request, const TextWords &program)
+int runOnNodes(const RunRequest &request)
 {
     const BlockedSignals blocked;
     ProcessGroupMember groupMember;
     RunEnvironment environment(request);
-    return runProgram(program, {blocked, groupMember, &environment.boards().process()});
+    return runProgram(request.program, {blocked, groupMember, &environment.boards().process()});
 }
 
 }  // namespace
 
-How howFrom(const std::string &word)
-{
-    if (word != "node" && word != "preload" && word != "auto")
-        refuse(word, "way", {"node", "preload", "auto"});
-    return word == "node" ? How::Node : word == "preload" ? How::Preload : How::Auto;
-}
-
-void runWithBoards(const RunRequest &request, const TextWords &program)
+void runWithBoards(const RunRequest &request)
 {
     if (request.how == How::Preload)
-        executePreloaded(request, program);
+        executePreloaded(request);
     if (request.how == How::Auto) {
         if (const std::optional<std::string> reason = whatNodesLack()) {
             std::fprintf(stderr, "sorvane-sim: boards inside the program, for want of device nodes: %s\n",
                          reason->c_str());
-            executePreloaded(request, program);
+            executePreloaded(request);
         }
     }
-    endLike(runOnNodes(request, program));
+    endLike(runOnNodes(request));
 }
 
 int serveBoards(const RunRequest &request)
 {
+    std::optional<Background> background;
+    if (request.inBackground)
+        background = goToBackground();
     const BlockedSignals blocked;
     RunEnvironment environment(request);
     environment.boards().programStarts();
-    std::printf("virtual boards are up; enter with: sorvane-sim enter --run %s -- PROGRAM\n",
-                environment.name().id.c_str());
-    std::fflush(stdout);
+    const std::string &name = environment.name().shown();
+    if (background) {
+        background->isUp(name, request.endsWithInput);
+    } else {
+        std::printf("virtual boards are up; enter with: sorvane-sim enter --run %s -- PROGRAM\n", name.c_str());
+        std::fflush(stdout);
+    }
+    if (request.endsWithInput)
+        endWithInput();
     waitForEndingSignal();
     return 0;
 }
 
-void enterRun(const std::optional<std::string> &id, const TextWords &program)
+void enterRun(const std::optional<std::string> &which, const TextWords &program)
 {
     const auto enter = [&] {
         const BlockedSignals blocked;
         ProcessGroupMember groupMember;
-        const RunName name = chooseRun(id);
+        const RunName name = chooseRun(which);
         joinNamespacesOf(name.process());
         if (findRunFromInside() != name.text())
-            throw std::runtime_error("nobody can enter the run " + name.id +
+            throw std::runtime_error("nobody can enter the run " + name.shown() +
                                      ": its boards are inside its program, or another process namespace counts "
                                      "its id; start one to enter with: " +
                                      howToServe);

@@ -7,12 +7,9 @@
 namespace sim
 {
 
-/// node, preload or auto; throws UsageError for anything else.
-How howFrom(const std::string &word);
-
 /// Each ends the process as its program ends.
-[[noreturn]] void runWithBoards(const RunRequest &request, const TextWords &program);
-[[noreturn]] void enterRun(const std::optional<std::string> &id, const TextWords &program);
+[[noreturn]] void runWithBoards(const RunRequest &request);
+[[noreturn]] void enterRun(const std::optional<std::string> &which, const TextWords &program);
 
 /// Until a signal ends it; the result is the exit status.
 int serveBoards(const RunRequest &request);

@@ -2,7 +2,8 @@
 #ifndef SORVANE_SIM_COMMAND_RUN_REQUEST_H
 #define SORVANE_SIM_COMMAND_RUN_REQUEST_H
 
-#include "sim/command/scenario.h"
+#include "sim/journal/keeper.h"
+#include "sim/language/scenario.h"
 
 namespace sim
 {
@@ -11,12 +12,19 @@ namespace sim
 enum class How { Node, Preload, Auto };
 
 struct RunRequest {
+    std::string name;  ///< empty: none
     std::vector<BoardOptions> boards;
+    cabinet::Cabinet cabinet;
     Scenario scenario;
     bool privateIpc = true;
     How how = How::Auto;
-    TextWords boardArguments;  ///< as they came, for who plugs the boards elsewhere
+    TextWords program;           ///< empty: programs enter
+    TextWords boardArguments;    ///< as they came, for who plugs the boards elsewhere
+    bool inBackground = false;   ///< of serve
+    bool endsWithInput = false;  ///< of serve
     std::string scenarioFile;
+    std::string cabinetFile;
+    Keeping keeping;
 };
 
 }  // namespace sim

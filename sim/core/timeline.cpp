@@ -27,13 +27,20 @@ void Timeline::settle()
         return;
     settling_ = true;
     const Nanoseconds end = clock_->now();
+    watcher_();
     while (!actions_.empty() && actions_.begin()->first <= end) {
         const auto next = actions_.extract(actions_.begin());
         now_ = next.key();
         next.mapped().run();
+        watcher_();
     }
     now_ = std::max(now_, end);
     settling_ = false;
+}
+
+std::optional<Nanoseconds> Timeline::nextDue() const
+{
+    return actions_.empty() ? std::nullopt : std::optional(actions_.begin()->first);
 }
 
 }  // namespace sim

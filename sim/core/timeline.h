@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 
 namespace sim
 {
@@ -30,6 +31,13 @@ public:
     /// Carries out what is due. From inside an action it does nothing.
     void settle();
 
+    /// Called when a settle begins and after each of its actions, while now() is still the time of what came before: so
+    /// it sees each thing that happens by itself, at its time.
+    void watch(std::function<void()> watcher) { watcher_ = std::move(watcher); }
+
+    /// When the next action is due.
+    std::optional<Nanoseconds> nextDue() const;
+
 private:
     struct Action {
         const void *owner;
@@ -39,6 +47,7 @@ private:
     Clock *clock_;
     Nanoseconds now_;
     std::multimap<Nanoseconds, Action> actions_;
+    std::function<void()> watcher_ = [] {};
     bool settling_ = false;
 };
 

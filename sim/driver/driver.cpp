@@ -75,7 +75,7 @@ bool isThere(const VirtualBoard &board, const DriverCall &call)
 
 bool isThereNow(VirtualBoard &board, const DriverCall &call)
 {
-    const auto lock = board.lock();
+    const auto lock = board.lockOnly();
     return isThere(board, call);
 }
 
@@ -86,8 +86,8 @@ bool waitIfSlow(VirtualBoard &board, unsigned char request, int pipe, const Driv
     Nanoseconds left{};
     unsigned int calledOff = 0;
     {
-        const auto lock = board.lock();
-        left = board.faults().takeDelay(request, pipe);
+        const auto lock = board.lockOnly();
+        left = board.takeDelay(request, pipe);
         calledOff = board.faults().delaysCalledOff();
     }
     while (left > Nanoseconds::zero()) {
@@ -97,7 +97,7 @@ bool waitIfSlow(VirtualBoard &board, unsigned char request, int pipe, const Driv
         else if (!call.wait(step))
             return false;
         left -= step;
-        const auto lock = board.lock();
+        const auto lock = board.lockOnly();
         if (!isThere(board, call) || board.faults().delaysCalledOff() != calledOff)
             break;
     }
@@ -151,7 +151,7 @@ bool deliver(const Record &record, const Exchange &exchange, CallerWidth width, 
 int carryOut(VirtualBoard &board, const Record &record, const Bytes &payload, CallerWidth width, CallerMemory &memory,
              const DriverCall &call)
 {
-    const auto lock = board.lock();
+    const auto lock = board.lockOnly();
     if (!isThere(board, call))
         return -ENODEV;
     PendingExchange pending = board.prepare(record.request, static_cast<int>(record.pipeIndex) + 1, payload);
@@ -201,7 +201,7 @@ int packetExchange(VirtualBoard &board, unsigned char *packet, const DriverCall 
     const auto turn = board.turn();
     if (!waitIfSlow(board, packet[dataAt], static_cast<int>(pipe), call))
         return -EINTR;
-    const auto lock = board.lock();
+    const auto lock = board.lockOnly();
     if (!isThere(board, call))
         return -ENODEV;
     PendingExchange pending =

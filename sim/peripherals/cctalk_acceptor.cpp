@@ -9,7 +9,7 @@ namespace
 {
 
 constexpr unsigned char ownAddress = 2;
-constexpr std::size_t frameOverhead = 5;
+constexpr std::size_t ccTalkOverhead = 5;
 constexpr std::size_t creditsKept = 5;
 constexpr unsigned char sorterPath = 1;
 
@@ -132,8 +132,8 @@ void CcTalkAcceptor::receive(const Words &words)
         incoming_.clear();
     lastHeard_ = now;
     incoming_.insert(incoming_.end(), words.begin(), words.end());
-    while (incoming_.size() >= frameOverhead && incoming_.size() >= incoming_[1] + frameOverhead) {
-        const auto length = static_cast<std::ptrdiff_t>(incoming_[1] + frameOverhead);
+    while (incoming_.size() >= ccTalkOverhead && incoming_.size() >= incoming_[1] + ccTalkOverhead) {
+        const auto length = static_cast<std::ptrdiff_t>(incoming_[1] + ccTalkOverhead);
         const Bytes frame(incoming_.begin(), incoming_.begin() + length);
         incoming_.erase(incoming_.begin(), incoming_.begin() + length);
         handle(frame);

@@ -131,4 +131,11 @@ void Reel::runUntil(Nanoseconds now)
     }
 }
 
+Nanoseconds Reel::restsAt() const
+{
+    Reel ahead = *this;
+    ahead.runUntil(Nanoseconds::max());
+    return ahead.lastStep_;
+}
+
 }  // namespace sim

@@ -38,6 +38,8 @@ public:
     /// The board's count of it: steps since power-on, or since the index passed while synchronising.
     unsigned int count() const { return count_; }
     unsigned int stepsLeft() const { return stepsLeft_; }
+    /// When it comes, or came, to rest by itself; only of one that does.
+    Nanoseconds restsAt() const;
 
 private:
     Nanoseconds stepTime() const;

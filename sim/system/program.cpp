@@ -3,8 +3,11 @@
 #include "sim/system/failure.h"
 #include "sim/system/process_namespace.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <sstream>
 #include <sys/resource.h>
 #include <sys/wait.h>
 
@@ -110,6 +113,20 @@ int waitForEndingSignal()
     }
 }
 
+std::string findProgram(const std::string &name)
+{
+    if (name.find('/') != std::string::npos)
+        return name;
+    const char *path = std::getenv("PATH");
+    std::istringstream folders(path ? path : "/bin:/usr/bin");
+    for (std::string folder; std::getline(folders, folder, ':');) {
+        std::string candidate = (folder.empty() ? "." : folder) + "/" + name;
+        if (::access(candidate.c_str(), X_OK) == 0)
+            return candidate;
+    }
+    return "";
+}
+
 void execute(const std::vector<std::string> &words)
 {
     std::vector<char *> arguments;
@@ -119,7 +136,7 @@ void execute(const std::vector<std::string> &words)
     arguments.push_back(nullptr);
     ::execvp(arguments[0], arguments.data());
     const int error = errno;
-    std::fprintf(stderr, "sorvane-sim: %s: %s\n", arguments[0], std::strerror(error));
+    std::fprintf(stderr, "%s: %s: %s\n", program_invocation_short_name, arguments[0], std::strerror(error));
     ::_exit(error == ENOENT || error == ENOTDIR ? notFound : cannotExecute);
 }
 

@@ -24,6 +24,9 @@ struct Supervision {
 /// (126 or 127 as an exit when it cannot be started). Everything it started is gone when this returns.
 int runProgram(const std::vector<std::string> &words, Supervision supervision);
 
+/// Where execute() is going to find it; empty when nowhere.
+std::string findProgram(const std::string &name);
+
 /// Becomes the program; where that fails it says so and exits with 126 or 127.
 [[noreturn]] void execute(const std::vector<std::string> &words);
 

@@ -1,8 +1,8 @@
 // A cabinet file, whatever stands in it: it is refused with a line for each mistake, or its boards can be plugged and
 // each of its parts is found by its name and its number.
 #include "sim/cabinet/cabinet.h"
-#include "sim/command/board_options.h"
-#include "sim/command/cabinet_boards.h"
+#include "sim/language/board_options.h"
+#include "sim/language/cabinet_boards.h"
 #include "tests/fuzz/fuzz_input.h"
 
 namespace

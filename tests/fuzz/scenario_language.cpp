@@ -1,6 +1,6 @@
 // The language of scenarios and of `ctl`, and the words of --board: whatever is written, it is carried out or refused
 // with a UsageError.
-#include "sim/command/scenario.h"
+#include "sim/language/scenario.h"
 #include "tests/fuzz/fuzz_input.h"
 
 #include <sstream>
@@ -13,12 +13,14 @@ void tryScenario(const std::string &text)
     std::istringstream lines(text);
     const sim::Scenario scenario = sim::Scenario::parse(lines, "scenario");
     const std::vector<sim::BoardOptions> options = sim::boardsFrom({"0=R20", "1=R20s", "15=R35"});
-    scenario.check(options);
+    const cabinet::Cabinet nameless;
+    scenario.check(options, nameless);
 
     sim::ManualClock clock;
     sim::VirtualBoards boards(clock);
     sim::plugBoards(boards, options);
-    scenario.prepare(boards);
+    sim::Session session{boards, nameless};
+    scenario.prepare(session);
     for (const sim::BoardOptions &option : options) {
         sim::VirtualBoard &board = *boards.find(option.deviceNo);
         board.exchange(75, 1, nullptr, 0);

@@ -9,8 +9,8 @@
 //   input 3 on             any command of `ctl`
 //
 // A comment may begin with the table's board, and with `first` and what comes before each of its lines.
-#include "sim/command/board_options.h"
-#include "sim/command/commands.h"
+#include "sim/language/board_options.h"
+#include "sim/language/commands.h"
 #include "tests/sim/sim_test.h"
 
 #include <fstream>
@@ -38,9 +38,9 @@ public:
             else if (step.starts_with("board "))
                 plug(step.substr(6));
             else if (step.starts_with("shows "))
-                expectPart(step.substr(6), Command::parse({"state", "--json"}).carryOut(boards_));
+                expectPart(step.substr(6), Command::parse({"state", "--json"}).carryOut(session_).data);
             else
-                Command::parse(splitWords(step)).carryOut(boards_);
+                (void)Command::parse(splitWords(step)).carryOut(session_);
         }
     }
 
@@ -83,6 +83,8 @@ private:
 
     ManualClock clock_;
     VirtualBoards boards_{clock_};
+    cabinet::Cabinet nameless_;
+    Session session_{boards_, nameless_};
 };
 
 void tryTable(const std::vector<std::string> &rows, std::istream &page)

@@ -1,0 +1,107 @@
+#include "sim/command/run_options.h"
+
+#include "sim/command/cabinet_command.h"
+#include "sim/control/run_names.h"
+#include "sim/language/cabinet_boards.h"
+#include "sim/language/kept_memories.h"
+
+#include <CLI/CLI.hpp>
+
+namespace sim
+{
+
+namespace
+{
+
+const std::map<std::string, How> ways{{"node", How::Node}, {"preload", How::Preload}, {"auto", How::Auto}};
+
+// On boards like them, before a program starts.
+void tryOut(const RunRequest &request)
+{
+    request.scenario.check(request.boards, request.cabinet);
+    ManualClock clock;
+    VirtualBoards boards(clock);
+    plugBoards(boards, request.boards);
+    loadMemories(boards, request.boards);
+}
+
+}  // namespace
+
+BoardsOptions::BoardsOptions(CLI::App &command)
+{
+    command.add_option("--board", boards_, boardOptionsHelp())->expected(1)->take_all();
+    command.add_option("--cabinet", cabinet_, "a file that says what the machine is (docs/cabinet.md)");
+    command.add_option("--scenario", scenario_, "a file of commands; `at 1.5s` before one says when");
+    command.add_option("--name", name_, "what the run is called in ctl, enter, list and stop");
+    const auto privateIpc =
+        command.add_flag("--private-ipc", privateIpc_, "SysV objects of the program's own (the default)");
+    const auto shareIpc = command.add_flag("--share-ipc", shareIpc_, "the machine's SysV objects");
+    privateIpc->disable_flag_override();
+    shareIpc->disable_flag_override()->excludes(privateIpc);
+}
+
+RunRequest BoardsOptions::request() const
+{
+    RunRequest request;
+    if (name_)
+        checkRunName(*name_);
+    request.name = name_.value_or("");
+    request.cabinetFile = cabinet_.value_or("");
+    if (cabinet_)
+        request.cabinet = cabinetFrom(*cabinet_);
+    request.boardArguments = boardArguments(request.cabinet);
+    request.boardArguments.insert(request.boardArguments.end(), boards_.begin(), boards_.end());
+    request.boards = boardsFrom(request.boardArguments);
+    if (request.boards.empty())
+        throw UsageError("there is no board; allowed: --board N=MODEL[,option=value...], as in --board 0=R35, and "
+                         "--cabinet FILE");
+    if (scenario_)
+        request.scenario = Scenario::read(*scenario_);
+    request.privateIpc = !shareIpc_;
+    request.scenarioFile = scenario_.value_or("");
+    tryOut(request);
+    return request;
+}
+
+RunOptions::RunOptions(CLI::App &command) : boards_(command)
+{
+    const auto isWay = [](const std::string &word) {
+        return ways.count(word) > 0 ? "" : "\"" + word + "\" is no way; allowed: node, preload, auto";
+    };
+    command.add_flag("--summary", summary_, "tell at the end what each board was asked and how it was left")
+        ->disable_flag_override();
+    command.add_option("--record", record_, "keep the journal of the boards in this file, as JSON Lines");
+    command.add_option("--how", how_, "node, preload, or auto: nodes where they are possible")->check(isWay);
+}
+
+RunRequest RunOptions::request(const TextWords &program) const
+{
+    RunRequest request = boards_.request();
+    request.program = program;
+    request.how = ways.at(how_);
+    request.keeping = {summary_,
+                       record_.value_or(""),
+                       {journal::formatVersion, "sorvane-sim " SORVANE_VERSION, program, journal::timeNow()}};
+    // Behind all checks: nobody loses an old record by a wrong call.
+    if (record_)
+        prepareRecord(*record_);
+    return request;
+}
+
+ServeOptions::ServeOptions(CLI::App &command) : boards_(command)
+{
+    command.add_flag("--background", background_, "print the run's name alone once programs may enter, and stay")
+        ->disable_flag_override();
+    command.add_flag("--end-with-input", endsWithInput_, "end also when the standard input ends")
+        ->disable_flag_override();
+}
+
+RunRequest ServeOptions::request() const
+{
+    RunRequest request = boards_.request();
+    request.inBackground = background_;
+    request.endsWithInput = endsWithInput_;
+    return request;
+}
+
+}  // namespace sim

@@ -1,0 +1,138 @@
+// `trace`: every exchange of an unmodified program, or of one that runs already.
+#include "sim/system/program.h"
+#include "tools/board_names.h"
+#include "tools/command.h"
+#include "tools/failure.h"
+#include "tools/trace/report.h"
+#include "tools/trace/run.h"
+
+#include <CLI/CLI.hpp>
+#include <cstring>
+#include <memory>
+
+namespace tools
+{
+
+namespace
+{
+
+struct Options {
+    std::string output;
+    std::string record;
+    std::vector<std::string> filter;
+    bool summary = false;
+    int process = 0;
+};
+
+// Descriptors of ours must not be the program's.
+std::FILE *openForWriting(const std::string &name)
+{
+    std::FILE *file = std::fopen(name.c_str(), "we");
+    if (!file)
+        throw Refusal(name + " cannot be written: " + std::strerror(errno));
+    return file;
+}
+
+class Trace
+{
+public:
+    Trace(const Options &options, const Settings &settings)
+        : output_(options.output.empty() ? stderr : openForWriting(options.output)),
+          report_(output_, formOf(options, settings), filterOf(options), boardNames(settings.cabinet))
+    {
+        if (!options.record.empty())
+            recording_.emplace(openForWriting(options.record), trace::Form::Data, trace::Filter(),
+                               boardNames(settings.cabinet));
+    }
+
+    int ofProgram(const std::vector<std::string> &program)
+    {
+        begin(program);
+        const int status = trace::traceProgram(program, exchange_, note);
+        end();
+        sim::endLike(status);
+    }
+
+    int ofProcess(int process)
+    {
+        begin({});
+        trace::traceProcess(process, exchange_, note);
+        end();
+        return 0;
+    }
+
+private:
+    static trace::Form formOf(const Options &options, const Settings &settings)
+    {
+        if (options.summary)
+            return settings.json ? trace::Form::SummaryAsData : trace::Form::Summary;
+        return settings.json ? trace::Form::Data : trace::Form::Lines;
+    }
+
+    static trace::Filter filterOf(const Options &options)
+    {
+        try {
+            return trace::Filter(options.filter);
+        } catch (const std::invalid_argument &error) {
+            throw UsageError(error.what());
+        }
+    }
+
+    static void note(const std::string &text) { std::fprintf(stderr, "sorvane: %s\n", text.c_str()); }
+
+    void begin(const std::vector<std::string> &program)
+    {
+        const journal::Header header{journal::formatVersion, "sorvane " SORVANE_VERSION, program, journal::timeNow()};
+        report_.begin(header);
+        if (recording_)
+            recording_->begin(header);
+    }
+
+    void end()
+    {
+        if (!report_.end() || (recording_ && !recording_->end()))
+            note(std::string("not all of the trace could be written: ") + std::strerror(errno));
+        if (!any_)
+            note("no exchange with a board reached the kernel");
+    }
+
+    std::FILE *output_;
+    trace::Report report_;
+    std::optional<trace::Report> recording_;
+    bool any_ = false;
+    trace::OnExchange exchange_ = [this](const journal::Event &event) {
+        any_ = true;
+        report_.add(event);
+        if (recording_)
+            recording_->add(event);
+    };
+};
+
+int carryOut(const Options &options, const Settings &settings)
+{
+    const bool attaches = options.process != 0;
+    if (attaches != settings.program.empty())
+        throw UsageError("what is traced is either a process (-p PID) or a program (-- PROGRAM [ARG...])");
+    try {
+        Trace trace(options, settings);
+        return attaches ? trace.ofProcess(options.process) : trace.ofProgram(settings.program);
+    } catch (const trace::Obstacle &obstacle) {
+        throw Refusal(obstacle.what, obstacle.advice);
+    }
+}
+
+}  // namespace
+
+Command::Action declareTrace(CLI::App &command)
+{
+    auto options = std::make_shared<Options>();
+    command.footer("What is traced is a program behind --, or with -p a process.");
+    command.add_option("-o,--output", options->output, "the file that the trace goes to; without it, standard error");
+    command.add_flag("--summary", options->summary, "operations, how often and how long, instead of every exchange");
+    command.add_option("--filter", options->filter, "these operations alone")->expected(1, -1);
+    command.add_option("--record", options->record, "a file for `sorvane show` and `sorvane-sim run --replay`");
+    command.add_option("-p,--process", options->process, "a process that runs already")->check(CLI::PositiveNumber);
+    return [options](const Settings &settings) { return carryOut(*options, settings); };
+}
+
+}  // namespace tools
