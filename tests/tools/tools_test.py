@@ -182,7 +182,8 @@ class Tools(unittest.TestCase):
         self.assertIn("input 2: 1 more, 1 in all", coins.stdout.readline())
         for program, number in (inputs, signal.SIGHUP), (coins, signal.SIGTERM):
             program.send_signal(number)
-            self.assertEqual(0, program.wait(10))
+            program.communicate(timeout=10)
+            self.assertEqual(0, program.returncode)
         self.assertFalse(any(counter["checking"] for counter in state(3)["counters"]))
 
     def test_a_signal_at_any_moment_of_a_payout_leaves_the_hopper_stopped(self):
@@ -215,6 +216,7 @@ class Tools(unittest.TestCase):
         # A killed program leaves its registration and, as nobody else is there, the memory: whoever joins and leaves
         # takes the memory away.
         writer = self.writer()
+        self.addCleanup(run, "doctor", "--reset-if-unused")
         writer.kill()
         writer.wait()
 
