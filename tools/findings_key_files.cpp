@@ -1,9 +1,9 @@
 #include "tools/findings.h"
+#include "tools/holders.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <pwd.h>
 #include <sstream>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -18,12 +18,6 @@ namespace fs = std::filesystem;
 
 constexpr const char *keyFiles[] = {"/tmp/R20SharedMemory", "/tmp/Sem_R20Mutex"};
 constexpr uid_t firstOrdinaryUser = 1000;
-
-std::string userName(uid_t id)
-{
-    const passwd *entry = ::getpwuid(id);
-    return entry ? entry->pw_name : std::to_string(id);
-}
 
 std::vector<std::string> configurationLines(const std::vector<std::string> &folders)
 {

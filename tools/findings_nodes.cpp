@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <cstring>
 #include <grp.h>
-#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -16,12 +15,6 @@ namespace tools
 
 namespace
 {
-
-std::string userName(uid_t id)
-{
-    const passwd *entry = ::getpwuid(id);
-    return entry ? entry->pw_name : std::to_string(id);
-}
 
 std::string groupName(gid_t id)
 {

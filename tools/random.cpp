@@ -14,14 +14,14 @@ namespace tools
 namespace
 {
 
-struct Options {
+struct RandomOptions {
     std::string board, file;
     unsigned int count = 0;
     std::optional<std::uint32_t> enable;
     Consent consent;
 };
 
-int random(const Options &options, const Settings &settings)
+int random(const RandomOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
     if (options.enable)
@@ -66,7 +66,7 @@ int random(const Options &options, const Settings &settings)
 
 Command::Action declareRandom(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<RandomOptions>();
     command.add_option("BOARD", options->board, boardHelp)->required();
     command.add_option("COUNT", options->count, "how many numbers")->required();
     command.add_option("--out", options->file, "a file for them, two bytes each, the low one first");

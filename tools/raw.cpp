@@ -12,7 +12,7 @@ namespace tools
 namespace
 {
 
-struct Options {
+struct RawOptions {
     std::string board;
     int pipe = 0;
     unsigned int request = 0;
@@ -48,7 +48,7 @@ Json jsonOf(const std::vector<protocol::Value> &values)
     return json;
 }
 
-int raw(const Options &options, const Settings &settings)
+int raw(const RawOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
     const std::vector<unsigned char> payload(options.bytes.begin(), options.bytes.end());
@@ -82,7 +82,7 @@ int raw(const Options &options, const Settings &settings)
 
 Command::Action declareRaw(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<RawOptions>();
     command.add_option("BOARD", options->board, boardHelp)->required();
     command.add_option("PIPE", options->pipe, "1 to 7")->required()->check(CLI::Range(1, 7));
     command.add_option("REQUEST", options->request, "0 to 255; docs/wire.md has them all")

@@ -24,7 +24,7 @@ namespace
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-struct Options {
+struct SelftestOptions {
     std::string board, junit;
     std::optional<std::size_t> sram;
     bool loopback = false;
@@ -33,7 +33,7 @@ struct Options {
 
 struct Bench {
     Board &board;
-    const Options &options;
+    const SelftestOptions &options;
     StopSignals &signals;
 };
 
@@ -264,14 +264,14 @@ TestReport carryOut(const Test &test, Bench &bench, bool firmwareRuns)
     return report;
 }
 
-void checkSpareRegion(const Options &options, const Board &board)
+void checkSpareRegion(const SelftestOptions &options, const Board &board)
 {
     const std::size_t most = sramBytes(board.model()) - patternBytes;
     if (options.sram && *options.sram > most)
         throw UsageError("--sram " + std::to_string(*options.sram) + ": allowed: 0 to " + std::to_string(most));
 }
 
-int selftest(const Options &options, const Settings &settings)
+int selftest(const SelftestOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
     checkSpareRegion(options, board);
@@ -304,7 +304,7 @@ int selftest(const Options &options, const Settings &settings)
 
 Command::Action declareSelftest(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<SelftestOptions>();
     command.add_option("BOARD", options->board, boardHelp)->required();
     command.add_option("--sram", options->sram,
                        "the address of 64 spare bytes of the SRAM: a pattern is written there and put back");
