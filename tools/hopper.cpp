@@ -105,6 +105,8 @@ bool waitForEnd(Hopper &hopper, Payout &payout, StopSignals &signals)
 Payout payAtOnce(Hopper &hopper, unsigned int output, const HopperOptions &options, StopSignals &signals)
 {
     Payout payout;
+    if ((payout.stopped = signals.arrived()))
+        return payout;
     payout.asked = *options.count;
     hopper.release(output, payout.asked, options);
     if (!waitForEnd(hopper, payout, signals)) {

@@ -21,6 +21,18 @@ struct RandomOptions {
     Consent consent;
 };
 
+std::uint32_t draw(Board &board)
+{
+    const protocol::Decoded drawn = board.tryToAsk("GetRandomNumber");
+    if (drawn.outcome == protocol::Outcome::Refused)
+        throw Refusal("drawing a number on " + board.title() + ": code " + std::to_string(drawn.status) +
+                          ", a status of the board's own; its generator may be off",
+                      "Try: --enable SETTING switches it on", drawn.status);
+    if (drawn.outcome == protocol::Outcome::Failed)
+        refuse("drawing a number on " + board.title(), drawn.status);
+    return Answer(drawn).number("number");
+}
+
 int random(const RandomOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
@@ -40,7 +52,7 @@ int random(const RandomOptions &options, const Settings &settings)
     Json numbers = Json::array();
     unsigned int drawn = 0;
     for (; drawn < options.count && !signals.arrived(); progress.at(++drawn)) {
-        const std::uint32_t number = board.ask("GetRandomNumber").number("number");
+        const std::uint32_t number = draw(board);
         if (file.is_open())
             file.put(static_cast<char>(number & 0xFF)).put(static_cast<char>(number >> 8));
         else if (settings.json)

@@ -43,8 +43,15 @@ constexpr std::string_view harmless[] = {"FirmwareRuns",
 Json jsonOf(const std::vector<protocol::Value> &values)
 {
     Json json = Json::object();
-    for (const protocol::Value &value : values)
-        json[std::string(value.name)] = protocol::textOf(value);
+    for (const protocol::Value &value : values) {
+        Json &told = json[std::string(value.name)];
+        if (value.kind == protocol::Kind::Number)
+            told = value.numbers.at(0);
+        else if (value.kind == protocol::Kind::Numbers || value.kind == protocol::Kind::Bits)
+            told = value.numbers;
+        else
+            told = hexadecimal(value.bytes);
+    }
     return json;
 }
 

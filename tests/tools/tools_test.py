@@ -245,6 +245,13 @@ class Tools(unittest.TestCase):
             self.sees(["selftest", 0, "--loopback", "--sram", 16320, "--yes", "--junit", results], 0,
                       "passed      SRAM", "passed      clock", "passed      serial port 0", "passed      serial port 1",
                       "check byte right", "at the 99th percentile")
+            ctl("--board", 0, "slow", "50ms")
+            stopped = begin("selftest", 0, "--sram", 64, "--yes")
+            while [each["operation"] for each in state(0)["last_exchanges"][-1:]] != ["WriteBankedSRAM"]:
+                time.sleep(0.01)
+            stopped.terminate()
+            self.assertIn("what was begun was ended", stopped.communicate(timeout=20)[0])
+            ctl("--board", 0, "slow", "0s")
             self.sees(["sram", 0, "dump", after, "--page", 0], 0)
             self.assertEqual(before.read_bytes(), after.read_bytes())
             suite = xml.etree.ElementTree.parse(results).getroot()
