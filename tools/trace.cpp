@@ -16,7 +16,7 @@ namespace tools
 namespace
 {
 
-struct Options {
+struct TraceOptions {
     std::string output;
     std::string record;
     std::vector<std::string> filter;
@@ -36,7 +36,7 @@ std::FILE *openForWriting(const std::string &name)
 class Trace
 {
 public:
-    Trace(const Options &options, const Settings &settings)
+    Trace(const TraceOptions &options, const Settings &settings)
         : output_(options.output.empty() ? stderr : openForWriting(options.output)),
           report_(output_, formOf(options, settings), filterOf(options), boardNames(settings.cabinet))
     {
@@ -62,14 +62,14 @@ public:
     }
 
 private:
-    static trace::Form formOf(const Options &options, const Settings &settings)
+    static trace::Form formOf(const TraceOptions &options, const Settings &settings)
     {
         if (options.summary)
             return settings.json ? trace::Form::SummaryAsData : trace::Form::Summary;
         return settings.json ? trace::Form::Data : trace::Form::Lines;
     }
 
-    static trace::Filter filterOf(const Options &options)
+    static trace::Filter filterOf(const TraceOptions &options)
     {
         try {
             return trace::Filter(options.filter);
@@ -108,7 +108,7 @@ private:
     };
 };
 
-int carryOut(const Options &options, const Settings &settings)
+int carryOut(const TraceOptions &options, const Settings &settings)
 {
     const bool attaches = options.process != 0;
     if (attaches != settings.program.empty())
@@ -125,7 +125,7 @@ int carryOut(const Options &options, const Settings &settings)
 
 Command::Action declareTrace(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<TraceOptions>();
     command.footer("What is traced is a program behind --, or with -p a process.");
     command.add_option("-o,--output", options->output, "the file that the trace goes to; without it, standard error");
     command.add_flag("--summary", options->summary, "operations, how often and how long, instead of every exchange");
