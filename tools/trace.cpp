@@ -1,10 +1,11 @@
 // `trace`: every exchange of an unmodified program, or of one that runs already.
+#include "sim/cabinet/event_names.h"
 #include "sim/system/program.h"
-#include "tools/board_names.h"
 #include "tools/command.h"
 #include "tools/failure.h"
-#include "tools/trace/report.h"
+#include "tools/node.h"
 #include "tools/trace/run.h"
+#include "tools/trace_options.h"
 
 #include <CLI/CLI.hpp>
 #include <cstring>
@@ -19,8 +20,7 @@ namespace
 struct Options {
     std::string output;
     std::string record;
-    std::vector<std::string> filter;
-    bool summary = false;
+    ReportOptions report;
     int process = 0;
 };
 
@@ -33,16 +33,27 @@ std::FILE *openForWriting(const std::string &name)
     return file;
 }
 
+std::vector<journal::HeaderBoard> boardsThere()
+{
+    std::vector<journal::HeaderBoard> boards;
+    for (int device = 0; device < devices; ++device) {
+        if (const std::optional<protocol::Model> model = modelOf(device))
+            boards.push_back({device, *model, isHighSpeed(device)});
+    }
+    return boards;
+}
+
 class Trace
 {
 public:
     Trace(const Options &options, const Settings &settings)
         : output_(options.output.empty() ? stderr : openForWriting(options.output)),
-          report_(output_, formOf(options, settings), filterOf(options), boardNames(settings.cabinet))
+          report_(output_, options.report.form(settings), options.report.chosen(),
+                  cabinet::eventNames(settings.cabinet))
     {
         if (!options.record.empty())
             recording_.emplace(openForWriting(options.record), trace::Form::Data, trace::Filter(),
-                               boardNames(settings.cabinet));
+                               cabinet::eventNames(settings.cabinet));
     }
 
     int ofProgram(const std::vector<std::string> &program)
@@ -62,27 +73,12 @@ public:
     }
 
 private:
-    static trace::Form formOf(const Options &options, const Settings &settings)
-    {
-        if (options.summary)
-            return settings.json ? trace::Form::SummaryAsData : trace::Form::Summary;
-        return settings.json ? trace::Form::Data : trace::Form::Lines;
-    }
-
-    static trace::Filter filterOf(const Options &options)
-    {
-        try {
-            return trace::Filter(options.filter);
-        } catch (const std::invalid_argument &error) {
-            throw UsageError(error.what());
-        }
-    }
-
     static void note(const std::string &text) { std::fprintf(stderr, "sorvane: %s\n", text.c_str()); }
 
     void begin(const std::vector<std::string> &program)
     {
-        const journal::Header header{journal::formatVersion, "sorvane " SORVANE_VERSION, program, journal::timeNow()};
+        const journal::Header header{journal::formatVersion, "sorvane " SORVANE_VERSION, program, journal::timeNow(),
+                                     boardsThere()};
         report_.begin(header);
         if (recording_)
             recording_->begin(header);
@@ -128,8 +124,7 @@ Command::Action declareTrace(CLI::App &command)
     auto options = std::make_shared<Options>();
     command.footer("What is traced is a program behind --, or with -p a process.");
     command.add_option("-o,--output", options->output, "the file that the trace goes to; without it, standard error");
-    command.add_flag("--summary", options->summary, "operations, how often and how long, instead of every exchange");
-    command.add_option("--filter", options->filter, "these operations alone")->expected(1, -1);
+    options->report.declare(command);
     command.add_option("--record", options->record, "a file for `sorvane show` and `sorvane-sim run --replay`");
     command.add_option("-p,--process", options->process, "a process that runs already")->check(CLI::PositiveNumber);
     return [options](const Settings &settings) { return carryOut(*options, settings); };
