@@ -6,16 +6,13 @@ namespace sim
 namespace
 {
 
-using journal::Aspect;
-using journal::Kind;
-
 void noteHopper(Diary &diary, unsigned int input, const HopperSnapshot &was, const HopperSnapshot &is)
 {
-    diary.noteChange(Kind::Hopper, input, was.stock, is.stock, Aspect::Stock);
-    diary.noteChange(Kind::Hopper, input, was.stock == 0, is.stock == 0, Aspect::Empty);
-    diary.noteChange(Kind::Hopper, input, was.jammed, is.jammed, Aspect::Jammed);
-    diary.noteChange(Kind::Hopper, input, was.paid, is.paid, Aspect::Paid);
-    diary.noteChange(Kind::Hopper, input, was.paying, is.paying, Aspect::Paying);
+    diary.noteChange(journal::Kind::Hopper, input, was.stock, is.stock, journal::Aspect::Stock);
+    diary.noteChange(journal::Kind::Hopper, input, was.stock == 0, is.stock == 0, journal::Aspect::Empty);
+    diary.noteChange(journal::Kind::Hopper, input, was.jammed, is.jammed, journal::Aspect::Jammed);
+    diary.noteChange(journal::Kind::Hopper, input, was.paid, is.paid, journal::Aspect::Paid);
+    diary.noteChange(journal::Kind::Hopper, input, was.paying, is.paying, journal::Aspect::Paying);
 }
 
 }  // namespace
@@ -34,18 +31,18 @@ std::uint32_t Snapshot::output(unsigned int number) const
 
 void noteChanges(Diary &diary, const Snapshot &was, const Snapshot &is)
 {
-    diary.noteChange(Kind::Plugged, 0, was.plugged, is.plugged);
-    diary.noteChange(Kind::Firmware, 0, was.firmwareRunning, is.firmwareRunning);
+    diary.noteChange(journal::Kind::Plugged, 0, was.plugged, is.plugged);
+    diary.noteChange(journal::Kind::Firmware, 0, was.firmwareRunning, is.firmwareRunning);
     for (unsigned int input = 0; input < inputCount; ++input)
-        diary.noteChange(Kind::Input, input, holds(was.inputs, input), holds(is.inputs, input));
+        diary.noteChange(journal::Kind::Input, input, holds(was.inputs, input), holds(is.inputs, input));
     for (unsigned int input = 0; input < counterCount; ++input)
-        diary.noteChange(Kind::Counter, input, was.counters[input], is.counters[input]);
+        diary.noteChange(journal::Kind::Counter, input, was.counters[input], is.counters[input]);
     for (unsigned int input = 0; input < inputCount; ++input)
         noteHopper(diary, input, was.hoppers[input], is.hoppers[input]);
     for (unsigned int output = 0; output < outputCount; ++output)
-        diary.noteChange(Kind::Output, output, was.output(output), is.output(output));
+        diary.noteChange(journal::Kind::Output, output, was.output(output), is.output(output));
     for (unsigned int reel = 0; reel < is.turning.size(); ++reel)
-        diary.noteChange(Kind::Reel, reel, was.turning[reel], is.turning[reel]);
+        diary.noteChange(journal::Kind::Reel, reel, was.turning[reel], is.turning[reel]);
 }
 
 }  // namespace sim

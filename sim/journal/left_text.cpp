@@ -8,8 +8,6 @@ namespace sim
 namespace
 {
 
-using journal::Kind;
-
 class LeftText
 {
 public:
@@ -34,7 +32,7 @@ public:
 private:
     void add(const std::string &line) { text_ += "    " + line + "\n"; }
 
-    journal::Event about(Kind kind, unsigned int number) const
+    journal::Event about(journal::Kind kind, unsigned int number) const
     {
         journal::Event event;
         event.device = deviceNo_;
@@ -43,7 +41,7 @@ private:
         return event;
     }
 
-    std::string named(Kind kind, unsigned int number) const
+    std::string named(journal::Kind kind, unsigned int number) const
     {
         const std::string name = names_.part(about(kind, number));
         return name.empty() ? std::to_string(number) : name + " (" + std::to_string(number) + ")";
@@ -57,7 +55,7 @@ private:
             const bool inOn = holds(board_.outputs().onPattern(), output);
             const bool inOff = holds(board_.outputs().offPattern(), output);
             if (inOn || inOff)
-                (inOn && inOff ? on : flashing) += " " + named(Kind::Output, output);
+                (inOn && inOff ? on : flashing) += " " + named(journal::Kind::Output, output);
         }
         return " on:" + (on.empty() ? " none" : on) + (flashing.empty() ? "" : "; flashing:" + flashing);
     }
@@ -66,8 +64,8 @@ private:
     {
         std::string on;
         for (unsigned int input = 0; input < firstBoardNumberInput; ++input)
-            on += board_.inputs().level(input) != names_.activeLow(about(Kind::Input, input))
-                      ? " " + named(Kind::Input, input)
+            on += board_.inputs().level(input) != names_.activeLow(about(journal::Kind::Input, input))
+                      ? " " + named(journal::Kind::Input, input)
                       : "";
         return ":" + (on.empty() ? " none" : on);
     }
@@ -76,7 +74,7 @@ private:
     {
         for (const auto &[input, hopper] : board_.hoppers().all()) {
             const Hoppers::Release release = board_.hoppers().release(input);
-            add("hopper " + named(Kind::Hopper, input) + ": stock " + std::to_string(hopper.stock()) +
+            add("hopper " + named(journal::Kind::Hopper, input) + ": stock " + std::to_string(hopper.stock()) +
                 (hopper.jammed() ? ", jammed" : "") +
                 (release.asked > 0 ? ", paid " + std::to_string(release.paid) + " of " + std::to_string(release.asked)
                                    : ""));

@@ -163,12 +163,15 @@ TextWords wordsIn(const SyntaxTable &table)
     return words;
 }
 
-std::string jsonOf(const SyntaxTable &table)
+std::string jsonOf(const std::map<std::string, SyntaxTable> &tables)
 {
-    Json rows = Json::array();
-    for (const Syntax *row : table)
-        rows.push_back(of(*row));
-    return rows.dump(2);
+    Json all;
+    for (const auto &[name, table] : tables) {
+        Json &rows = all[name] = Json::array();
+        for (const Syntax *row : table)
+            rows.push_back(of(*row));
+    }
+    return all.dump(2);
 }
 
 }  // namespace sim

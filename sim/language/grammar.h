@@ -11,6 +11,7 @@
 #include "sim/cabinet/cabinet.h"
 #include "sim/language/words.h"
 
+#include <map>
 #include <optional>
 
 namespace sim
@@ -69,8 +70,8 @@ TextWords namesIn(const SyntaxTable &table);
 /// Every word that has a meaning of its own in these rows and might be a part's name, which it must not be.
 TextWords wordsIn(const SyntaxTable &table);
 
-/// The rows for another program, a list in JSON.
-std::string jsonOf(const SyntaxTable &table);
+/// The rows for another program: {"commands":[...]}.
+std::string jsonOf(const std::map<std::string, SyntaxTable> &tables);
 
 }  // namespace sim
 

@@ -50,6 +50,11 @@ mistake "No such file" run --board 0=R35 --scenario "" -- true
 mistake "cannot be read" run --board 0=R35 --scenario /tmp -- true
 mistake "regular file" run --board 0=R35 --how preload --scenario /dev/null -- true
 mistake "run and enter" serve --board 0=R35 -- true
+mistake "a letter, then" serve --board 0=R35 --name 0bench
+mistake "holds no memory" run --board 0=R35,eeprom_file=/dev/null -- true
+mistake "65536, as in the board" run --board 0=R20,sram_file=$machine -- true
+mistake "one file for each" run --board 0=R20,sram_file=/tmp/same,eeprom_file=/tmp/same -- true
+mistake "in a folder" run --board 0=R20,sram_file=/none/none -- true
 mistake "run and enter" ctl unplug -- plug
 mistake "there is no run" ctl --run "" unplug
 mistake "0 to 15" ctl --board "" unplug
@@ -65,6 +70,8 @@ mistake "input PART on|off|pulse" ctl input 3 on off
 mistake "jam" ctl hopper 5
 mistake "open, close" ctl switch shut
 mistake "fail, replace" ctl battery
+mistake "0 to 64" ctl sram dump - --page 65
+mistake "a file's name" ctl eeprom load
 mistake "1.5s or 20ms" ctl slow 20
 mistake "1.5s or 20ms" ctl slow -1s
 mistake "\\xHH" ctl serial 0 send 'a\q'

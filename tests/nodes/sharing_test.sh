@@ -45,7 +45,8 @@ if [ "$(id -u)" -eq 0 ] && command -v setpriv >/dev/null && "${user[@]}" test -x
     stranger=$!
     eventually grep -qs planted "$folder/planted"
     SECONDS=0
-    check "a name that somebody else took" "" "$("$sim" ctl input 3 on 2>&1)"
+    contains "root means its own runs" "of yours" "$("$sim" ctl input 3 on 2>&1)"
+    check "a name that somebody else took" "" "$("$sim" ctl --run $serving input 3 on 2>&1)"
     check "it keeps nobody" yes "$([ $SECONDS -le 60 ] && echo yes)"
     kill $serving $stranger
     wait $serving $stranger 2>/dev/null

@@ -6,6 +6,7 @@
 #include "sim/language/board_options.h"
 #include "sim/language/cabinet_boards.h"
 #include "sim/language/commands.h"
+#include "sim/language/state_text.h"
 #include "tests/sim/sim_test.h"
 
 namespace
@@ -42,7 +43,8 @@ TEST(CabinetFile, TellsEveryMistakeWithItsLine)
         {"number = 8\ncolour = 1",
          "c:5: board 0: number is 8; allowed: 0 to 7\nc:6: board 0: unknown key \"colour\"; allowed: name, device, "
          "model, "
-         "speed, number, eeprom, firmware, inputs, outputs, coins, hoppers, reels, meters, switches, serial0, serial1"},
+         "speed, number, eeprom, firmware, eeprom_file, sram_file, inputs, outputs, coins, hoppers, reels, meters, "
+         "switches, serial0, serial1"},
         {"firmware = true", "c:5: board 0: firmware is true; allowed: running, missing"},
         {"name = \"a.b\"", "c:5: board: name is \"a.b\"; allowed: a letter, then letters, digits, _ and -"},
         {"serial0 = \"mouse\"", "c:5: serial0: peripheral is \"mouse\"" + peripherals},
@@ -123,7 +125,7 @@ meters = { total = { address = 0x10, order = "big", bytes = 3 } }
 name = "topper"
 device = 5
 model = "R20"
-inputs = { start = 1, bell = 2 }
+inputs = { start = 1, bell = 2, door = { number = 4, active = "low" } }
 )";
 
 TEST(CabinetLookUp, LeadsFromWordsToParts)
@@ -144,7 +146,7 @@ TEST(CabinetLookUp, LeadsFromWordsToParts)
     EXPECT_EQ(found({Kind::Input}, "main.start"), "3 8 start");
     EXPECT_EQ(found({Kind::Input}, "main.start", 5), "\"main.start\" is on board 3 and not on board 5");
     EXPECT_EQ(found({Kind::Input}, "top.start"), "there is no board \"top\"; allowed: main, topper");
-    EXPECT_EQ(found({Kind::Input}, "bel", 5), "there is no input \"bel\"; allowed: a number, bell, start");
+    EXPECT_EQ(found({Kind::Input}, "bel", 5), "there is no input \"bel\"; allowed: a number, bell, door, start");
     EXPECT_EQ(found({Kind::Reel}, "bell"), "there is no reel \"bell\"; allowed: a number, since none has a name here");
     EXPECT_EQ(found({Kind::Input}, "0x8", 3), "3 8 start");
     EXPECT_EQ(found({Kind::Input}, "7"), "? 7 -");
@@ -164,6 +166,50 @@ TEST(CabinetLookUp, LeadsFromWordsToParts)
     EXPECT_EQ(meter.number, 16U);
     EXPECT_EQ(meter.bytes, 3U);
     EXPECT_TRUE(meter.bigEndian);
+}
+
+TEST(CabinetLookUp, LeadsCommandsToBoards)
+{
+    const Cabinet cabinet = Cabinet::parse(twoBoards, "c");
+    sim::ManualClock clock;
+    sim::VirtualBoards boards(clock);
+    plugBoards(boards, sim::boardsFrom(sim::boardArguments(cabinet)));
+    sim::Session session{boards, cabinet};
+    // What each says, then which inputs of both boards are at their high level.
+    const struct {
+        const char *line;
+        const char *said;
+        std::vector<unsigned int> main, topper;
+    } cases[] = {
+        {"input bell on", "", {}, {2, 4}},
+        {"input door on", "", {}, {2}},  // active low
+        {"--board topper input 4 off", "", {}, {2, 4}},
+        {"\"input door\" pulse", "", {}, {2}},
+        {"--board main input start on", "", {8}, {2, 4}},
+        {"coin slot", "", {2, 8}, {2, 4}},
+        {"coin token", "", {8}, {2, 4}},
+        {"--board 3 coin 9", "", {8}, {2, 4}},
+        {"coin acceptor", "coin: there is no coin \"acceptor\"; allowed: a number, slot, token", {8}, {2, 4}},
+        {"input start on", "input: which input \"start\"? Allowed: main.start, topper.start", {8}, {2, 4}},
+        {"input 3 on", "which board? Say --board with one of: 3 (main), 5 (topper)", {8}, {2, 4}},
+        {"--board main input bell on",
+         "input: there is no input \"bell\"; allowed: a number, slot, start, token",
+         {8},
+         {2, 4}},
+        {"--board mine unplug", "there is no board \"mine\"; allowed: 3 (main), 5 (topper)", {8}, {2, 4}},
+    };
+    for (const auto &step : cases) {
+        std::string said;
+        try {
+            said = sim::Command::parse(sim::splitWords(step.line)).carryOut(session).text;
+        } catch (const sim::UsageError &error) {
+            said = error.what();
+        }
+        EXPECT_EQ(said, step.said) << step.line;
+        EXPECT_EQ(sim::numbersOf(boards.find(3)->inputs().levels(), 33), step.main) << step.line;
+        EXPECT_EQ(sim::numbersOf(boards.find(5)->inputs().levels(), 33), step.topper) << step.line;
+        clock.advance(std::chrono::seconds(1));
+    }
 }
 
 TEST(CabinetBoards, ArePluggedAsTheFileSays)
