@@ -291,6 +291,8 @@ Header headerFrom(std::string_view line)
 std::optional<Event> eventFrom(std::string_view line)
 {
     return read(line, [](const Json &json) -> std::optional<Event> {
+        if (json.contains("lost"))
+            return std::nullopt;
         const std::optional<Kind> kind = kindFor(json.at("kind").get<std::string>());
         if (!kind)
             return std::nullopt;

@@ -24,14 +24,6 @@ TextWords boardsOf(const Replay &replay)
     return words;
 }
 
-std::vector<journal::HeaderBoard> headerBoards(const std::vector<BoardOptions> &boards)
-{
-    std::vector<journal::HeaderBoard> all;
-    for (const BoardOptions &board : boards)
-        all.push_back({board.deviceNo, static_cast<protocol::Model>(board.model), board.highSpeed.value_or(false)});
-    return all;
-}
-
 // On boards like them, before a program starts.
 void tryOut(const RunRequest &request)
 {
@@ -106,8 +98,7 @@ RunRequest RunOptions::request(const TextWords &program) const
         throw UsageError("--replay needs device nodes; allowed: --how node, --how auto");
     request.keeping = {summary_,
                        record_.value_or(""),
-                       {journal::formatVersion, "sorvane-sim " SORVANE_VERSION, program, journal::timeNow(),
-                        headerBoards(request.boards)}};
+                       {journal::formatVersion, "sorvane-sim " SORVANE_VERSION, program, journal::timeNow(), {}}};
     // Behind all checks: nobody loses an old record by a wrong call.
     if (record_)
         prepareRecord(*record_);
