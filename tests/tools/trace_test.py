@@ -6,6 +6,7 @@
 OTHER_WORKER: trace_worker of the other width, where this machine makes both.
 """
 import collections
+import concurrent.futures
 import itertools
 import json
 import os
@@ -37,8 +38,8 @@ def run(*words, **options):
     return subprocess.run(words, capture_output=True, text=True, timeout=60, **options)
 
 
-def on_board(board, *words, **options):
-    return run(SIM, "run", "--board", "0=" + board, "--record", file("journal"), "--", *words, **options)
+def on_board(board, *words, journal="journal", **options):
+    return run(SIM, "run", "--board", "0=" + board, "--record", file(journal), "--", *words, **options)
 
 
 def replay(name, *words):
@@ -70,17 +71,21 @@ class Trace(unittest.TestCase):
             self.assertNotIn("payload", event["arguments"], event)
             self.assertNotIn("answer", event["results"], event)
 
+    def check_example(self, model, name):
+        trace, lines, journal = (f"{model}-{name}-{kind}" for kind in ("trace", "lines", "journal"))
+        done = on_board(f"{model},{FITTED}", SORVANE, "trace", "--record", file(trace), "-o", file(lines), "--",
+                        example(name), journal=journal)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.check_is_decoded_by_name(exchanges(trace))
+        self.assertEqual(run(SORVANE, "show", file(trace)).stdout, file(lines).read_text())
+        for recording in trace, journal:
+            again = replay(recording, example(name))
+            self.assertEqual((again.returncode, again.stdout, again.stderr), (0, done.stdout, ""), recording)
+
     def test_examples_are_decoded_by_name_and_replay_to_the_same_output(self):
-        for model, name in itertools.product(("R20", "R35"), EXAMPLES):
-            done = on_board(f"{model},{FITTED}", SORVANE, "trace", "--record", file("trace"), "-o", file("lines"), "--",
-                            example(name))
-            self.assertEqual(done.returncode, 0, done.stderr)
-            self.check_is_decoded_by_name(exchanges("trace"))
-            shown = run(SORVANE, "show", file("trace"))
-            self.assertEqual(shown.stdout, file("lines").read_text())
-            for recording in "trace", "journal":
-                again = replay(recording, example(name))
-                self.assertEqual((again.returncode, again.stdout, again.stderr), (0, done.stdout, ""), (model, name))
+        with concurrent.futures.ThreadPoolExecutor(10) as side_by_side:
+            runs = itertools.product(("R20", "R35"), EXAMPLES)
+            list(side_by_side.map(lambda each: self.check_example(*each), runs))
 
     def test_fruit_machine_is_decoded_by_name(self):
         machine = pathlib.Path(__file__).parents[2] / "examples/cabinets/fruit_machine.toml"
