@@ -1,5 +1,6 @@
 // `trace`: every exchange of an unmodified program, or of one that runs already.
 #include "sim/cabinet/event_names.h"
+#include "sim/system/descriptors.h"
 #include "sim/system/program.h"
 #include "tools/command.h"
 #include "tools/failure.h"
@@ -8,7 +9,9 @@
 #include "tools/trace_options.h"
 
 #include <CLI/CLI.hpp>
+#include <cerrno>
 #include <cstring>
+#include <fcntl.h>
 #include <memory>
 
 namespace tools
@@ -24,10 +27,12 @@ struct Options {
     int process = 0;
 };
 
-// Descriptors of ours must not be the program's.
+// Its descriptor is neither the program's nor in the place of a standard one that was closed.
 std::FILE *openForWriting(const std::string &name)
 {
-    std::FILE *file = std::fopen(name.c_str(), "we");
+    const sim::OwnedFd opened(::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
+    const int descriptor = opened ? ::fcntl(opened.get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1) : -1;
+    std::FILE *file = descriptor != -1 ? ::fdopen(descriptor, "w") : nullptr;
     if (!file)
         throw Refusal(name + " cannot be written: " + std::strerror(errno));
     return file;
