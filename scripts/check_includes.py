@@ -30,7 +30,7 @@ MAY_INCLUDE = {
     "sim/nodes": ["sim/core", "sim/board", "sim/driver", "sim/system"],
     "sim/cabinet": ["sim/core", "sim/peripherals", "journal"],
     "sim/journal": ["journal", "sim/core", "sim/board", "sim/cabinet"],
-    "sim/language": ["journal", "sim/core", "sim/peripherals", "sim/board", "sim/system", "sim/cabinet", "sim/journal",
+    "sim/language": ["protocol", "journal", "sim/core", "sim/peripherals", "sim/board", "sim/system", "sim/cabinet", "sim/journal",
                      "board/requests.h"],
     "sim/control": ["journal", "sim/core", "sim/board", "sim/system", "sim/nodes", "sim/cabinet", "sim/journal",
                     "sim/language"],

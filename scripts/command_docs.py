@@ -12,7 +12,7 @@ import subprocess
 import sys
 
 PAGE = pathlib.Path(__file__).resolve().parents[1] / "docs/virtual_boards.md"
-HEADS = {"| command | what happens |": "commands"}
+HEADS = {"| command | what happens |": "commands", "| condition | what holds |": "conditions"}
 
 
 def rows(table):

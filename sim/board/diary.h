@@ -19,7 +19,8 @@ public:
 
     const journal::Ring &events() const { return ring_; }
     /// The number of the board in its events; set before the first.
-    void device(int number) { device_ = number; }
+    void setDevice(int number) { device_ = number; }
+    int device() const { return device_; }
 
     /// An event of this moment, for the caller to fill in.
     journal::Event &note(journal::Kind kind, unsigned int part = 0);

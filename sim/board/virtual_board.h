@@ -139,11 +139,15 @@ public:
 
     BoardState state();
 
+    /// The states that the journal tells of, as they are now.
+    Snapshot snapshot();
     /// What has happened so far.
     const journal::Ring &events();
     /// Before the first event: the board's number in them, and what rings when something has happened or is going to
     /// happen earlier than it was.
     void tell(int deviceNo, std::shared_ptr<Bell> bell);
+
+    int deviceNo() const { return diary_.device(); }
 
     /// Guards the board.
     class Lock
@@ -174,7 +178,6 @@ private:
         return part;
     }
     void settle();
-    Snapshot snapshot();
     void noteChanges();
     void noteExchange(const PendingExchange &pending);
     Reply answerOf(unsigned char code, int pipe, Payload payload);

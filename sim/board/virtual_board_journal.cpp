@@ -76,7 +76,7 @@ const journal::Ring &VirtualBoard::events()
 
 void VirtualBoard::tell(int deviceNo, std::shared_ptr<Bell> bell)
 {
-    diary_.device(deviceNo);
+    diary_.setDevice(deviceNo);
     bell_ = std::move(bell);
 }
 

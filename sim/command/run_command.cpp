@@ -2,6 +2,7 @@
 
 #include "sim/command/background.h"
 #include "sim/command/preload.h"
+#include "sim/control/control_client.h"
 #include "sim/control/control_server.h"
 #include "sim/language/kept_memories.h"
 #include "sim/nodes/attributes.h"
@@ -183,19 +184,21 @@ int serveBoards(const RunRequest &request)
     return 0;
 }
 
-void enterRun(const std::optional<std::string> &which, const TextWords &program)
+void enterRun(const std::optional<std::string> &which, const TextWords &program, bool endsWithRun)
 {
     const auto enter = [&] {
         const BlockedSignals blocked;
         ProcessGroupMember groupMember;
         const RunName name = chooseRun(which);
+        std::optional<ControlClient> run;
+        const int watched = endsWithRun ? run.emplace(name).dieWithRun() : -1;
         joinNamespacesOf(name.process());
         if (findRunFromInside() != name.text())
             throw std::runtime_error("nobody can enter the run " + name.shown() +
                                      ": its boards are inside its program, or another process namespace counts "
                                      "its id; start one to enter with: " +
                                      howToServe);
-        return runProgram(program, {blocked, groupMember, nullptr});
+        return runProgram(program, {blocked, groupMember, nullptr, watched});
     };
     endLike(enter());
 }

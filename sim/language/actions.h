@@ -27,6 +27,12 @@ Outcome tellState(Call &call);
 // event_actions.cpp
 Outcome tellEvents(Call &call);
 
+// condition_actions.cpp
+void checkWait(const Reading &reading);
+void checkExpect(const Reading &reading);
+Outcome waitForCondition(Call &call);
+Outcome expectCondition(Call &call);
+
 // fault_actions.cpp
 void checkErrno(const Reading &reading);
 void failIoctl(VirtualBoard &board, const Reading &reading);

@@ -11,12 +11,6 @@ namespace sim
 namespace
 {
 
-// Whether on is its low level.
-bool isActiveLow(const Value &input)
-{
-    return input.part && input.part->activeLow;
-}
-
 std::vector<NumberedState> statesOf(VirtualBoards &boards, const std::vector<int> &numbers)
 {
     std::vector<NumberedState> states;
@@ -126,7 +120,7 @@ Outcome tellState(Call &call)
 {
     const std::vector<NumberedState> states = statesOf(call.session.boards, call.devices);
     if (call.session.wantsData || call.reading.has("--json"))
-        return {.data = jsonOf(states)};
+        return {.data = jsonOf(states, call.session.cabinet)};
     return {.text = textOf(states)};
 }
 

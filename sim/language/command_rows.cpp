@@ -55,6 +55,8 @@ std::vector<CommandRow> makeRows()
     const Argument time{.name = "TIME", .sort = Sort::Time, .what = "a time"};
     const Option count{"count", number("N", "a number of exchanges", 1, mostExchanges), "N exchanges instead of one"};
     const Option request{"request", number("CODE", "a request code", 1, 255), "only exchanges of this request"};
+    const Argument condition{.name = "CONDITION", .sort = Sort::Condition, .what = "a condition"};
+    const Argument eventNumber = number("N", "the number of an event", 0, 0xFFFFFFFF);
     Argument kind{.name = "KIND", .sort = Sort::Choice, .what = "kind of event", .repeated = true};
     for (std::size_t i = 0; i < journal::kindCount; ++i)
         kind.choices.push_back(wordFor(static_cast<journal::Kind>(i)));
@@ -196,9 +198,19 @@ std::vector<CommandRow> makeRows()
                       {"--follow", std::nullopt, "on a terminal, redrawn in place until Ctrl-C"}},
           .help = "the whole board, or every board"},
          tellState},
+        {{.name = "wait",
+          .arguments = {condition},
+          .options = {{"within", time, "TIME instead of 5s"},
+                      {"--since", eventNumber, "also what came behind event N"}},
+          .help = "until a condition holds or has held, from now on"},
+         waitForCondition,
+         checkWait},
+        {{.name = "expect", .arguments = {condition}, .help = "whether a condition holds now"},
+         expectCondition,
+         checkExpect},
         {{.name = "events",
           .options = {{"--follow", std::nullopt, "goes on with what happens, until Ctrl-C or the end of the run"},
-                      {"--since", number("N", "the number of an event", 0, 0xFFFFFFFF), "what came behind event N"},
+                      {"--since", eventNumber, "what came behind event N"},
                       {"--kind", kind, "only of these kinds"},
                       {"--part", anyPart, "only of these parts"},
                       {"--exchanges", std::nullopt, "the exchanges with the program, too"},

@@ -48,6 +48,22 @@ int onlyOne(const std::vector<int> &numbers, const cabinet::Cabinet &cabinet)
 
 }  // namespace
 
+EventNumbers eventsUpToNow(const VirtualBoards &boards)
+{
+    EventNumbers last;
+    for (const int number : numbersOf(boards)) {
+        const std::shared_ptr<VirtualBoard> board = boards.hold(number);
+        const auto lock = board->lock();
+        last[number] = board->events().last();
+    }
+    return last;
+}
+
+int onlyDevice(const Call &call)
+{
+    return onlyOne(call.devices, call.session.cabinet);
+}
+
 const SyntaxTable &commandSyntax()
 {
     static const SyntaxTable table = [] {
@@ -148,6 +164,9 @@ std::string commandsHelp()
 {
     std::string help = "Commands, each on one board ([--board N|NAME] before it when there are several):\n";
     for (const Syntax *row : commandSyntax())
+        help += "  " + usageOf(*row) + "\n      " + row->help + "\n";
+    help += "Conditions, each also behind `not`:\n";
+    for (const Syntax *row : conditionSyntax())
         help += "  " + usageOf(*row) + "\n      " + row->help + "\n";
     return help;
 }

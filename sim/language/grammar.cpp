@@ -54,6 +54,12 @@ const char *nameOf(Sort sort)
         return "time";
     case Sort::Choice:
         return "choice";
+    case Sort::Byte:
+        return "byte";
+    case Sort::Operation:
+        return "operation";
+    case Sort::Condition:
+        return "condition";
     case Sort::Text:
         return "text";
     case Sort::Content:

@@ -19,13 +19,16 @@ namespace sim
 
 /// What one argument may be. Reading (reading.h) knows how each is read.
 enum class Sort {
-    Number,   ///< least to most, decimal or hexadecimal behind 0x
-    Part,     ///< of the kinds: a number from least to most, a name, or BOARD.name
-    Time,     ///< 1.5s, 20ms, 300us
-    Choice,   ///< one of the words
-    Text,     ///< with \\n, \\r, \\t, \\\\ and \\xHH; not empty
-    Content,  ///< a file: whoever speaks opens it, and its bytes go along
-    NewFile   ///< a file that whoever speaks writes
+    Number,     ///< least to most, decimal or hexadecimal behind 0x
+    Part,       ///< of the kinds: a number from least to most, a name, or BOARD.name
+    Time,       ///< 1.5s, 20ms, 300us
+    Choice,     ///< one of the words
+    Byte,       ///< two hexadecimal digits
+    Operation,  ///< the name of an operation of the library
+    Condition,  ///< a row of conditionSyntax(), perhaps behind `not`
+    Text,       ///< with \\n, \\r, \\t, \\\\ and \\xHH; not empty
+    Content,    ///< a file: whoever speaks opens it, and its bytes go along
+    NewFile     ///< a file that whoever speaks writes
 };
 
 struct Argument {
@@ -57,6 +60,9 @@ struct Syntax {
 };
 
 using SyntaxTable = std::vector<const Syntax *>;
+
+/// What can be waited for.
+const SyntaxTable &conditionSyntax();
 
 /// ` [COUNT]`, empty without arguments.
 std::string argumentsOf(const Syntax &row);

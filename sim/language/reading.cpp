@@ -1,5 +1,7 @@
 #include "sim/language/reading.h"
 
+#include "protocol/families.h"
+
 #include <algorithm>
 #include <cctype>
 
@@ -21,9 +23,36 @@ const Option *optionOf(const Syntax &row, const std::string &word)
     return found == row.options.end() ? nullptr : &*found;
 }
 
+bool isByte(const std::string &word)
+{
+    const auto isDigit = [](char c) { return std::isxdigit(static_cast<unsigned char>(c)) != 0; };
+    return !word.empty() && word.size() <= 2 && std::all_of(word.begin(), word.end(), isDigit);
+}
+
+unsigned int byteFrom(const std::string &word)
+{
+    if (!isByte(word))
+        throw UsageError("\"" + word + "\" is no byte; allowed are one or two hexadecimal digits, as in 2A 00");
+    return static_cast<unsigned int>(std::stoul(word, nullptr, 16));
+}
+
+void checkOperation(const std::string &word)
+{
+    for (const protocol::Family &family : protocol::families()) {
+        for (const protocol::Operation &operation : family.operations) {
+            if (operation.isSentBy(word) || word == operation.name)
+                return;
+        }
+    }
+    throw UsageError((word.empty() ? "missing operation" : "unknown operation \"" + word + "\"") +
+                     "; allowed are those of SorvaneUSB that ask a board, as in GetClock");
+}
+
 // Whether a word may be what this argument is, where it can be left out or repeated.
 bool mayBe(const Argument &argument, const Syntax &row, const std::string &word)
 {
+    if (argument.sort == Sort::Byte)
+        return isByte(word);
     const bool isNumber = std::isdigit(static_cast<unsigned char>(word[0])) != 0;
     return !optionOf(row, word) && (isNumber || (argument.sort != Sort::Number && argument.sort != Sort::Time));
 }
@@ -55,6 +84,10 @@ Value valueFrom(const Argument &argument, WordStream &words)
 {
     const bool whole = argument.sort == Sort::Text || argument.sort == Sort::Content || argument.sort == Sort::NewFile;
     Value value;
+    if (argument.sort == Sort::Condition) {
+        value.condition = std::make_shared<ConditionReading>(ConditionReading::parse(words));
+        return value;
+    }
     value.word = whole ? words.takeWhole() : words.take();
     switch (argument.sort) {
     case Sort::Part:
@@ -70,6 +103,14 @@ Value valueFrom(const Argument &argument, WordStream &words)
     case Sort::Choice:
         if (std::find(argument.choices.begin(), argument.choices.end(), value.word) == argument.choices.end())
             refuse(value.word, argument.what, {argument.choices.begin(), argument.choices.end()});
+        break;
+    case Sort::Byte:
+        value.number = byteFrom(value.word);
+        break;
+    case Sort::Operation:
+        checkOperation(value.word);
+        break;
+    case Sort::Condition:
         break;
     case Sort::Text:
         value.bytes = bytesOfText(value.word);
@@ -117,6 +158,12 @@ bool WordStream::takeIf(const std::string &word)
 std::string WordStream::takeWhole()
 {
     return next_ < words_.size() ? words_[next_++] : "";
+}
+
+std::string WordStream::since(std::size_t place) const
+{
+    const auto at = [this](std::size_t index) { return words_.begin() + static_cast<std::ptrdiff_t>(index); };
+    return join({at(place), at(next_)}, " ");
 }
 
 void WordStream::end()
@@ -217,6 +264,12 @@ std::optional<int> Reading::deviceIn(const cabinet::Cabinet &cabinet, std::optio
     } catch (const cabinet::Error &error) {
         throw UsageError(row_->name + std::string(": ") + error.what());
     }
+    for (const auto &[key, values] : values_) {
+        for (const Value &value : values) {
+            if (value.condition)
+                device = value.condition->reading.deviceIn(cabinet, device);
+        }
+    }
     return device;
 }
 
@@ -229,6 +282,26 @@ void Reading::resolve(const cabinet::Cabinet &cabinet, int device)
             value.part = place.part;
         }
     });
+    for (auto &[key, values] : values_) {
+        for (Value &value : values) {
+            if (!value.condition)
+                continue;
+            value.condition = std::make_shared<ConditionReading>(*value.condition);
+            value.condition->reading.resolve(cabinet, device);
+        }
+    }
+}
+
+ConditionReading ConditionReading::parse(WordStream &words)
+{
+    ConditionReading condition;
+    (void)words.peek();
+    const std::size_t start = words.place();
+    while (words.takeIf("not"))
+        condition.negated = !condition.negated;
+    condition.reading = Reading::parse(conditionSyntax(), "condition", words);
+    condition.text = words.since(start);
+    return condition;
 }
 
 }  // namespace sim

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 
 namespace sim
 {
@@ -24,6 +25,9 @@ public:
     bool takeIf(const std::string &word);
     /// The next word with its blanks.
     std::string takeWhole();
+    /// How far it has come, and the words from there to here.
+    std::size_t place() const { return next_; }
+    std::string since(std::size_t place) const;
     /// Throws UsageError when words are left.
     void end();
 
@@ -32,6 +36,8 @@ private:
     std::size_t next_ = 0;
 };
 
+struct ConditionReading;
+
 /// What an argument was.
 struct Value {
     std::string word;  ///< as it was written
@@ -39,9 +45,16 @@ struct Value {
     Nanoseconds time{};
     Bytes bytes{};
     const cabinet::Part *part = nullptr;  ///< once it is resolved, and where the cabinet has a name for it
+    std::shared_ptr<ConditionReading> condition{};
 
     bool isName() const { return !word.empty() && (word[0] < '0' || word[0] > '9'); }
 };
+
+/// Whether on is an input's low level.
+inline bool isActiveLow(const Value &input)
+{
+    return input.part && input.part->activeLow;
+}
 
 class Reading
 {
@@ -79,6 +92,16 @@ private:
     const Syntax *row_ = nullptr;
     std::string keyword_;
     std::map<std::string, std::vector<Value>> values_;
+};
+
+/// A condition that was read.
+struct ConditionReading {
+    bool negated = false;  ///< by `not`
+    Reading reading;
+    std::string text;  ///< as it was said, for messages
+
+    /// Takes its words and no more; throws UsageError that names what is allowed.
+    static ConditionReading parse(WordStream &words);
 };
 
 }  // namespace sim

@@ -92,7 +92,7 @@ int runProgram(const std::vector<std::string> &words, Supervision supervision)
         execute(words);
     });
     closeAllBut({program.channel().fd(), supervision.groupMember.channel(), processes.channel(),
-                 supervision.boards ? supervision.boards->channel().fd() : -1});
+                 supervision.boards ? supervision.boards->channel().fd() : -1, supervision.watched});
     passOnEarlySignals(program.id(), supervision.groupMember);
     if (supervision.boards)
         supervision.boards->channel().send("start");

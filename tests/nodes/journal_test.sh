@@ -20,7 +20,26 @@ contains "ctl events --part" "coin coin_1 (2) in" "$("$sim" ctl events --part co
 "$sim" ctl events --json >"$folder/events.jsonl"
 eventually grep -q "coin_1 (2) off" "$folder/followed"
 check "what was followed" "$("$sim" ctl events)" "$(cat "$folder/followed")"
+
+# A wait is woken by what it waits for, holds nobody up, and ends with whoever waits, or with the run.
+"$sim" ctl wait "hopper main_hopper stock = 7" within 60s &
+waiter=$!
+timeout 0.3 "$sim" ctl wait input start on within 60s
+"$sim" ctl hopper main_hopper stock 7
+wait $waiter
+check "a wait for what comes" 0 $?
+"$sim" ctl wait "input start pulse" 2>/dev/null
+check "a wait for what is no condition" 2 $?
+output=$("$sim" ctl wait not input start off within 10ms --since 4 2>&1)
+check "a wait in vain" 3 $?
+contains "a wait in vain" "now: input start (8) off" "$output"
+"$sim" ctl wait meter games = 7 2>/dev/null &
+waiter=$!
+"$sim" ctl expect hopper main_hopper stock = 7
+check "expect" 0 $?
 "$sim" stop "$run"
+wait $waiter
+check "a wait beyond the end of the run" 1 $?
 wait $follower
 
 # A record is written as it goes; a summary tells what was asked and what was left.
