@@ -10,12 +10,12 @@ namespace tools
 namespace
 {
 
-struct Options {
+struct BatteryOptions {
     std::string board;
     Consent consent;
 };
 
-int battery(const Options &options, const Settings &settings)
+int battery(const BatteryOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
     options.consent.obtain(board, "read and so reset the battery and clock flags");
@@ -43,7 +43,7 @@ int battery(const Options &options, const Settings &settings)
 
 Command::Action declareBattery(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<BatteryOptions>();
     command.add_option("BOARD", options->board, boardHelp)->required();
     options->consent.addTo(command);
     return [options](const Settings &settings) { return battery(*options, settings); };

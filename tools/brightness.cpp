@@ -10,13 +10,13 @@ namespace tools
 namespace
 {
 
-struct Options {
+struct BrightnessOptions {
     std::string board;
     unsigned int level = 0;
     Consent consent;
 };
 
-int brightness(const Options &options, const Settings &settings)
+int brightness(const BrightnessOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
     options.consent.obtain(board, "set the brightness to " + std::to_string(options.level));
@@ -33,7 +33,7 @@ int brightness(const Options &options, const Settings &settings)
 
 Command::Action declareBrightness(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<BrightnessOptions>();
     command.add_option("BOARD", options->board, boardHelp)->required();
     command.add_option("LEVEL", options->level, "0 to 10")->required()->check(CLI::Range(0, 10));
     options->consent.addTo(command);

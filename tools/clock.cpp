@@ -13,7 +13,7 @@ namespace tools
 namespace
 {
 
-struct Options {
+struct ClockOptions {
     std::string board, action, value;
     Consent consent;
 };
@@ -29,7 +29,7 @@ std::uint32_t valueFrom(const std::string &word)
     return value;
 }
 
-int clock(const Options &options, const Settings &settings)
+int clock(const ClockOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
     if (!options.action.empty()) {
@@ -51,7 +51,7 @@ int clock(const Options &options, const Settings &settings)
 
 Command::Action declareClock(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<ClockOptions>();
     command.add_option("BOARD", options->board, boardHelp)->required();
     CLI::Option *action = command.add_option("ACTION", options->action, "set")->check(CLI::IsMember({"set"}));
     command

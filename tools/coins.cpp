@@ -13,9 +13,9 @@ namespace
 {
 
 constexpr unsigned int lastCountedInput = 23;
-constexpr std::chrono::milliseconds betweenTwoLooks(20);
+constexpr std::chrono::milliseconds betweenTwoCounts(20);
 
-struct Options {
+struct CoinsOptions {
     std::string board, part;
     bool follow = false;
     std::optional<unsigned int> setting, settingEx, active;
@@ -39,7 +39,7 @@ private:
     unsigned int input_;
 };
 
-void configure(Board &board, unsigned int input, const Options &options)
+void configure(Board &board, unsigned int input, const CoinsOptions &options)
 {
     if (!options.setting && !options.settingEx && !options.active)
         return;
@@ -65,7 +65,7 @@ void follow(Board &board, unsigned int input, const std::string &name, unsigned 
     StopSignals signals;
     const InputCheck checking(board, input);
     unsigned int all = 0;
-    while (!signals.wait(betweenTwoLooks)) {
+    while (!signals.wait(betweenTwoCounts)) {
         const unsigned int now = counterOf(board, input);
         const unsigned int more = (now - counter) & 0xFF;  // it counts to 255 and again from 0
         counter = now;
@@ -77,7 +77,7 @@ void follow(Board &board, unsigned int input, const std::string &name, unsigned 
     }
 }
 
-int coins(const Options &options, const Settings &settings)
+int coins(const CoinsOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
     using cabinet::Kind;
@@ -106,7 +106,7 @@ int coins(const Options &options, const Settings &settings)
 
 Command::Action declareCoins(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<CoinsOptions>();
     command.add_option("BOARD", options->board, boardHelp)->required();
     command.add_option("PART", options->part, "the coin's input, 0 to 23, or its name")->required();
     command.add_flag("--follow", options->follow, "has the board count, and tells each coin, until Ctrl-C");

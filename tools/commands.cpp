@@ -25,6 +25,8 @@ Command::Action declareBattery(CLI::App &command);
 Command::Action declareRandom(CLI::App &command);
 Command::Action declareFirmware(CLI::App &command);
 Command::Action declareRaw(CLI::App &command);
+Command::Action declareSelftest(CLI::App &command);
+Command::Action declareDoctor(CLI::App &command);
 Command::Action declareTrace(CLI::App &command);
 Command::Action declareShow(CLI::App &command);
 
@@ -53,6 +55,8 @@ constexpr Command table[] = {
     {"random", "numbers of the board's random number generator", declareRandom},
     {"firmware", "whether the firmware runs, and loading it", declareFirmware},
     {"raw", "any request, with its answer in words", declareRaw},
+    {"selftest", "whether a board is well, by what resets and takes nothing", declareSelftest},
+    {"doctor", "what is wrong with the machine, and what to do", declareDoctor},
     {"trace", "trace [OPTION...] -- PROGRAM [ARG...]: every exchange of a program", declareTrace, true},
     {"show", "show FILE: what a recording holds, as trace tells it", declareShow},
 };

@@ -19,7 +19,7 @@ namespace
 constexpr unsigned int firstAddress = 8;
 constexpr std::size_t chunkBytes = 512;
 
-struct Options {
+struct EEPROMOptions {
     std::string board, action, file, chip;
     Consent consent;
     Opening opening;
@@ -50,7 +50,7 @@ void inChunks(Opening &opening, OpenedBoard &opened, std::string &bytes, const s
     }
 }
 
-std::string readAll(Options &options, OpenedBoard &opened, std::size_t length)
+std::string readAll(EEPROMOptions &options, OpenedBoard &opened, std::size_t length)
 {
     std::string bytes(length, '\0');
     inChunks(options.opening, opened, bytes, "reading the EEPROM",
@@ -61,7 +61,7 @@ std::string readAll(Options &options, OpenedBoard &opened, std::size_t length)
 }
 
 /// Which chip it is: the one that was named, or the one that is configured.
-unsigned int reachableBytes(Options &options, OpenedBoard &opened)
+unsigned int reachableBytes(EEPROMOptions &options, OpenedBoard &opened)
 {
     if (!options.chip.empty())
         check(opened, opened.configureEEPROM(sim::findEEPROMChip(options.chip)->description), "configuring the EEPROM");
@@ -80,14 +80,14 @@ void needLength(const std::string &file, std::size_t length, unsigned int reacha
                   "Try: --chip NAME where the chip is another; a blank one is taken for a smaller one of its family");
 }
 
-void compare(Options &options, OpenedBoard &opened, const std::string &wanted)
+void compare(EEPROMOptions &options, OpenedBoard &opened, const std::string &wanted)
 {
     const std::string difference = firstDifference(wanted, readAll(options, opened, wanted.size()), firstAddress);
     if (!difference.empty())
         throw Refusal(options.file + " and the EEPROM differ, first " + difference);
 }
 
-void detect(Options &options, Board &board, OpenedBoard &opened, const Settings &settings)
+void detect(EEPROMOptions &options, Board &board, OpenedBoard &opened, const Settings &settings)
 {
     R20EEPROM found = {};
     check(opened, opened.checkEEPROM(found), "finding out the EEPROM of " + board.title());
@@ -104,7 +104,7 @@ void detect(Options &options, Board &board, OpenedBoard &opened, const Settings 
 }
 
 /// Returns the number of bytes.
-std::size_t transfer(Options &options, OpenedBoard &opened)
+std::size_t transfer(EEPROMOptions &options, OpenedBoard &opened)
 {
     const unsigned int reachable = reachableBytes(options, opened);
     if (options.action == "dump") {
@@ -122,7 +122,7 @@ std::size_t transfer(Options &options, OpenedBoard &opened)
     return reachable;
 }
 
-std::string actionOf(const Options &options)
+std::string actionOf(const EEPROMOptions &options)
 {
     const std::string chip = options.chip.empty() ? "" : " and configure the board for a " + options.chip;
     if (options.action == "restore")
@@ -131,7 +131,7 @@ std::string actionOf(const Options &options)
                                       : "read the EEPROM" + chip;
 }
 
-int eeprom(Options &options, const Settings &settings)
+int eeprom(EEPROMOptions &options, const Settings &settings)
 {
     if (options.file.empty() != (options.action == "detect"))
         throw UsageError(options.action + (options.file.empty() ? " needs a FILE" : " takes no FILE"));
@@ -166,7 +166,7 @@ int eeprom(Options &options, const Settings &settings)
 
 Command::Action declareEeprom(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<EEPROMOptions>();
     command.add_option("BOARD", options->board, boardHelp)->required();
     command.add_option("ACTION", options->action, "dump, restore, verify or detect")
         ->required()

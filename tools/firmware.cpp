@@ -12,13 +12,13 @@ namespace tools
 namespace
 {
 
-struct Options {
+struct FirmwareOptions {
     std::string board, action;
     Consent consent;
     Opening opening;
 };
 
-void load(Board &board, Options &options)
+void load(Board &board, FirmwareOptions &options)
 {
     refuseStandIn(board);
     options.consent.obtain(board, "load the firmware");
@@ -26,7 +26,7 @@ void load(Board &board, Options &options)
     options.opening.open(board);
 }
 
-int firmware(Options &options, const Settings &settings)
+int firmware(FirmwareOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
     const bool loading = !options.action.empty() && !board.firmwareRuns();
@@ -59,7 +59,7 @@ int firmware(Options &options, const Settings &settings)
 
 Command::Action declareFirmware(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<FirmwareOptions>();
     command.add_option("BOARD", options->board, boardHelp)->required();
     command
         .add_option("ACTION", options->action,

@@ -83,6 +83,12 @@ std::string Holders::text() const
     return list;
 }
 
+std::string userName(uid_t id)
+{
+    const passwd *entry = ::getpwuid(id);
+    return entry ? entry->pw_name : std::to_string(id);
+}
+
 Process describe(int process)
 {
     const fs::path folder = "/proc/" + std::to_string(process);
@@ -97,10 +103,8 @@ Process describe(int process)
     }
     struct stat status;
     std::string user = "unknown";
-    if (::stat(folder.c_str(), &status) == 0) {
-        const passwd *entry = ::getpwuid(status.st_uid);
-        user = entry ? entry->pw_name : std::to_string(status.st_uid);
-    }
+    if (::stat(folder.c_str(), &status) == 0)
+        user = userName(status.st_uid);
     return {process, command, user};
 }
 

@@ -3,6 +3,7 @@
 #define SORVANE_TOOLS_HOLDERS_H
 
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
 namespace tools
@@ -25,6 +26,8 @@ struct Holders {
 };
 
 Process describe(int process);
+/// As a number where the system has no name.
+std::string userName(uid_t id);
 
 /// Of each path, in the same order. This process is left out.
 std::vector<Holders> holdersOf(const std::vector<std::string> &paths);

@@ -17,9 +17,9 @@ namespace
 {
 
 constexpr unsigned int lastHopperInput = 23;  // the state of a hopper on a higher one cannot be read
-constexpr std::chrono::milliseconds betweenTwoLooks(20);
+constexpr std::chrono::milliseconds betweenTwoStates(20);
 
-struct Options {
+struct HopperOptions {
     std::string board, part, action;
     std::optional<unsigned int> count, output;
     unsigned int setting = 0, settingEx = 0, active = 1, hopperSetting = 0;
@@ -43,7 +43,7 @@ public:
         return {answer.number("status"), answer.number("hopperByte")};
     }
 
-    void release(unsigned int output, unsigned int coins, const Options &options)
+    void release(unsigned int output, unsigned int coins, const HopperOptions &options)
     {
         const char *operation = isStoppable() ? "ReleaseParallelHopperCoinsEx" : "ReleaseParallelHopperCoins";
         const protocol::Decoded asked = board_.tryToAsk(operation, {{"input", input_},
@@ -95,16 +95,18 @@ bool waitForEnd(Hopper &hopper, Payout &payout, StopSignals &signals)
 {
     while ((payout.last = hopper.state()).isPaying()) {
         showWhilePaying(payout.last, payout.asked);
-        if (signals.wait(betweenTwoLooks))
+        if (signals.wait(betweenTwoStates))
             return false;
     }
     hopper.hasEnded();
     return true;
 }
 
-Payout payAtOnce(Hopper &hopper, unsigned int output, const Options &options, StopSignals &signals)
+Payout payAtOnce(Hopper &hopper, unsigned int output, const HopperOptions &options, StopSignals &signals)
 {
     Payout payout;
+    if ((payout.stopped = signals.arrived()))
+        return payout;
     payout.asked = *options.count;
     hopper.release(output, payout.asked, options);
     if (!waitForEnd(hopper, payout, signals)) {
@@ -123,11 +125,11 @@ bool waitForCoinUnderWay(Hopper &hopper, Payout &payout)
     constexpr std::chrono::seconds patience(3);
     const auto end = std::chrono::steady_clock::now() + patience;
     while ((payout.last = hopper.state()).isPaying() && std::chrono::steady_clock::now() < end)
-        std::this_thread::sleep_for(betweenTwoLooks);
+        std::this_thread::sleep_for(betweenTwoStates);
     return !payout.last.isPaying();
 }
 
-Payout payCoinByCoin(Hopper &hopper, unsigned int output, const Options &options, StopSignals &signals)
+Payout payCoinByCoin(Hopper &hopper, unsigned int output, const HopperOptions &options, StopSignals &signals)
 {
     Payout payout;
     std::optional<State> usual;  // how the first coin ended; one that ends otherwise ends the payout
@@ -170,7 +172,8 @@ int tellEnd(const Payout &payout, const Board &board, const Settings &settings, 
     return payout.stopped ? statusOfFailure : 0;
 }
 
-int pay(Board &board, Hopper &hopper, const cabinet::Place &place, const Options &options, const Settings &settings)
+int pay(Board &board, Hopper &hopper, const cabinet::Place &place, const HopperOptions &options,
+        const Settings &settings)
 {
     const std::optional<unsigned int> output = options.output ? options.output
                                                : place.part   ? place.part->output
@@ -193,7 +196,7 @@ int pay(Board &board, Hopper &hopper, const cabinet::Place &place, const Options
     return tellEnd(payout, board, settings, byCoins, *options.count);
 }
 
-int hopper(const Options &options, const Settings &settings)
+int hopper(const HopperOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
     const cabinet::Place place = board.part({cabinet::Kind::Hopper}, options.part, lastHopperInput);
@@ -224,7 +227,7 @@ int hopper(const Options &options, const Settings &settings)
 
 Command::Action declareHopper(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<HopperOptions>();
     command.add_option("BOARD", options->board, boardHelp)->required();
     command.add_option("PART", options->part, "the hopper, by the input that its coins pass, 0 to 23, or by name")
         ->required();

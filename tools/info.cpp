@@ -11,12 +11,12 @@ namespace tools
 namespace
 {
 
-struct Options {
+struct InfoOptions {
     std::string board;
     Opening opening;
 };
 
-int info(Options &options, const Settings &settings)
+int info(InfoOptions &options, const Settings &settings)
 {
     const int device = deviceFrom(options.board, settings.cabinet);
     if (options.opening.allowed) {
@@ -39,7 +39,7 @@ int info(Options &options, const Settings &settings)
 
 Command::Action declareInfo(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<InfoOptions>();
     command.add_option("BOARD", options->board, boardHelp)->required();
     options->opening.addTo(command);
     return [options](const Settings &settings) { return info(*options, settings); };

@@ -16,7 +16,7 @@ namespace
 
 constexpr unsigned int inputCount = 33;
 
-struct Options {
+struct InputsOptions {
     std::string board;
     bool follow = false, raw = false, changed = false, multiplexed = false;
     unsigned int everyMs = 10;
@@ -30,7 +30,7 @@ struct Look {
     bool operator==(const Look &) const = default;
 };
 
-Look look(Board &board, const Options &options)
+Look look(Board &board, const InputsOptions &options)
 {
     Look look;
     if (options.multiplexed) {
@@ -58,7 +58,7 @@ struct Told {
     bool on;
 };
 
-Told told(const Board &board, const Options &options, std::size_t input, bool high)
+Told told(const Board &board, const InputsOptions &options, std::size_t input, bool high)
 {
     if (options.multiplexed)
         return {"", high, high};
@@ -80,7 +80,7 @@ Json jsonOf(std::size_t input, const Told &told)
     return json;
 }
 
-void tellState(const Settings &settings, const Board &board, const Options &options, const Look &look)
+void tellState(const Settings &settings, const Board &board, const InputsOptions &options, const Look &look)
 {
     Json list = Json::array();
     for (std::size_t input = 0; input < look.inputs.size(); ++input)
@@ -106,7 +106,8 @@ void tellState(const Settings &settings, const Board &board, const Options &opti
     }
 }
 
-void tellChange(const Settings &settings, const Board &board, const Options &options, std::size_t input, bool high)
+void tellChange(const Settings &settings, const Board &board, const InputsOptions &options, std::size_t input,
+                bool high)
 {
     const Told now = told(board, options, input, high);
     if (settings.json) {
@@ -120,7 +121,7 @@ void tellChange(const Settings &settings, const Board &board, const Options &opt
                         : "off");
 }
 
-void follow(const Settings &settings, Board &board, const Options &options, Look before)
+void follow(const Settings &settings, Board &board, const InputsOptions &options, Look before)
 {
     StopSignals signals;
     while (!signals.wait(std::chrono::milliseconds(options.everyMs))) {
@@ -133,7 +134,7 @@ void follow(const Settings &settings, Board &board, const Options &options, Look
     }
 }
 
-int inputs(const Options &options, const Settings &settings)
+int inputs(const InputsOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
     if (options.changed)
@@ -150,7 +151,7 @@ int inputs(const Options &options, const Settings &settings)
 
 Command::Action declareInputs(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<InputsOptions>();
     command.add_option("BOARD", options->board, boardHelp)->required();
     command.add_flag("--follow", options->follow, "then every change with its time, until Ctrl-C");
     command.add_option("--every", options->everyMs, "milliseconds from one look to the next")

@@ -1,6 +1,6 @@
 // Every board that the machine shows, by what can be learnt without changing anything.
 #include "tools/board_report.h"
-#include "tools/node.h"
+#include "tools/opening.h"
 
 #include <CLI/CLI.hpp>
 #include <unistd.h>
@@ -21,9 +21,15 @@ std::vector<int> presentDevices()
     return present;
 }
 
-int list(const Settings &settings)
+int list(const Opening &opening, const Settings &settings)
 {
     const std::vector<int> present = presentDevices();
+    for (const int device : opening.allowed ? present : std::vector<int>{}) {
+        Board board(settings, std::to_string(device));
+        Opening own;
+        own.allowed = true;
+        own.open(board);
+    }
     std::vector<std::string> paths;
     for (const int device : present)
         paths.push_back(pathOf(device));
@@ -45,9 +51,11 @@ int list(const Settings &settings)
 
 }  // namespace
 
-Command::Action declareList(CLI::App &)
+Command::Action declareList(CLI::App &command)
 {
-    return list;
+    auto opening = std::make_shared<Opening>();
+    opening->addTo(command);
+    return [opening](const Settings &settings) { return list(*opening, settings); };
 }
 
 }  // namespace tools

@@ -11,7 +11,7 @@ namespace tools
 namespace
 {
 
-struct Options {
+struct MetersOptions {
     std::string board;
     Opening opening;
 };
@@ -38,7 +38,7 @@ std::uint64_t valueOf(OpenedBoard &opened, const cabinet::Part &meter)
     return value;
 }
 
-int meters(Options &options, const Settings &settings)
+int meters(MetersOptions &options, const Settings &settings)
 {
     const auto meters = metersOf(settings.cabinet.board(deviceFrom(options.board, settings.cabinet)));
     if (meters.empty())
@@ -62,7 +62,7 @@ int meters(Options &options, const Settings &settings)
 
 Command::Action declareMeters(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<MetersOptions>();
     command.add_option("BOARD", options->board, boardHelp)->required();
     options->opening.addTo(command);
     return [options](const Settings &settings) { return meters(*options, settings); };

@@ -14,13 +14,13 @@ namespace
 
 constexpr unsigned int lastOutput = 37;
 
-struct Options {
+struct OutputOptions {
     std::string board, part, state;
     Consent consent;
     Opening opening;
 };
 
-int output(Options &options, const Settings &settings)
+int output(OutputOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
     const cabinet::Place place = board.part({cabinet::Kind::Output}, options.part, lastOutput);
@@ -42,7 +42,7 @@ int output(Options &options, const Settings &settings)
 
 Command::Action declareOutput(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<OutputOptions>();
     command.add_option("BOARD", options->board, boardHelp)->required();
     command.add_option("PART", options->part, "the output, 0 to 37 or by name")->required();
     command

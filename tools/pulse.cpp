@@ -12,14 +12,14 @@ namespace
 
 constexpr unsigned int lastPulsedOutput = 31;
 
-struct Options {
+struct PulseOptions {
     std::string board, part;
     unsigned int value = 0;
     bool off = false;
     Consent consent;
 };
 
-int pulse(const Options &options, const Settings &settings)
+int pulse(const PulseOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
     const cabinet::Place place = board.part({cabinet::Kind::Output}, options.part, lastPulsedOutput);
@@ -41,7 +41,7 @@ int pulse(const Options &options, const Settings &settings)
 
 Command::Action declarePulse(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<PulseOptions>();
     command.add_option("BOARD", options->board, boardHelp)->required();
     command.add_option("PART", options->part, "the output, 0 to 31 or by name")->required();
     command.add_option("VALUE", options->value, "0 to 255; its unit is the firmware's")

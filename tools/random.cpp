@@ -14,14 +14,26 @@ namespace tools
 namespace
 {
 
-struct Options {
+struct RandomOptions {
     std::string board, file;
     unsigned int count = 0;
     std::optional<std::uint32_t> enable;
     Consent consent;
 };
 
-int random(const Options &options, const Settings &settings)
+std::uint32_t draw(Board &board)
+{
+    const protocol::Decoded drawn = board.tryToAsk("GetRandomNumber");
+    if (drawn.outcome == protocol::Outcome::Refused)
+        throw Refusal("drawing a number on " + board.title() + ": code " + std::to_string(drawn.status) +
+                          ", a status of the board's own; its generator may be off",
+                      "Try: --enable SETTING switches it on", drawn.status);
+    if (drawn.outcome == protocol::Outcome::Failed)
+        refuse("drawing a number on " + board.title(), drawn.status);
+    return Answer(drawn).number("number");
+}
+
+int random(const RandomOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
     if (options.enable)
@@ -40,7 +52,7 @@ int random(const Options &options, const Settings &settings)
     Json numbers = Json::array();
     unsigned int drawn = 0;
     for (; drawn < options.count && !signals.arrived(); progress.at(++drawn)) {
-        const std::uint32_t number = board.ask("GetRandomNumber").number("number");
+        const std::uint32_t number = draw(board);
         if (file.is_open())
             file.put(static_cast<char>(number & 0xFF)).put(static_cast<char>(number >> 8));
         else if (settings.json)
@@ -66,7 +78,7 @@ int random(const Options &options, const Settings &settings)
 
 Command::Action declareRandom(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<RandomOptions>();
     command.add_option("BOARD", options->board, boardHelp)->required();
     command.add_option("COUNT", options->count, "how many numbers")->required();
     command.add_option("--out", options->file, "a file for them, two bytes each, the low one first");

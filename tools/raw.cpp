@@ -12,7 +12,7 @@ namespace tools
 namespace
 {
 
-struct Options {
+struct RawOptions {
     std::string board;
     int pipe = 0;
     unsigned int request = 0;
@@ -43,12 +43,19 @@ constexpr std::string_view harmless[] = {"FirmwareRuns",
 Json jsonOf(const std::vector<protocol::Value> &values)
 {
     Json json = Json::object();
-    for (const protocol::Value &value : values)
-        json[std::string(value.name)] = protocol::textOf(value);
+    for (const protocol::Value &value : values) {
+        Json &told = json[std::string(value.name)];
+        if (value.kind == protocol::Kind::Number)
+            told = value.numbers.at(0);
+        else if (value.kind == protocol::Kind::Numbers || value.kind == protocol::Kind::Bits)
+            told = value.numbers;
+        else
+            told = hexadecimal(value.bytes);
+    }
     return json;
 }
 
-int raw(const Options &options, const Settings &settings)
+int raw(const RawOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
     const std::vector<unsigned char> payload(options.bytes.begin(), options.bytes.end());
@@ -82,7 +89,7 @@ int raw(const Options &options, const Settings &settings)
 
 Command::Action declareRaw(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<RawOptions>();
     command.add_option("BOARD", options->board, boardHelp)->required();
     command.add_option("PIPE", options->pipe, "1 to 7")->required()->check(CLI::Range(1, 7));
     command.add_option("REQUEST", options->request, "0 to 255; docs/wire.md has them all")

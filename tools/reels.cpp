@@ -13,7 +13,7 @@ namespace
 
 constexpr unsigned int lastReel = 2;
 
-struct Options {
+struct ReelOptions {
     std::string board, part, action;
     unsigned int steps = 0, mode = 1;
     std::optional<unsigned int> reels, setting, option;
@@ -46,7 +46,7 @@ int reels(const std::string &word, const Settings &settings)
     return 0;
 }
 
-int spin(const Options &options, const Settings &settings)
+int spin(const ReelOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
     const cabinet::Place place = board.part({cabinet::Kind::Reel}, options.part, lastReel);
@@ -79,7 +79,7 @@ Command::Action declareReels(CLI::App &command)
 
 Command::Action declareReel(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<ReelOptions>();
     command.add_option("BOARD", options->board, boardHelp)->required();
     command.add_option("PART", options->part, "the reel, 0 to 2 or by name")->required();
     command.add_option("ACTION", options->action, "spin")->required()->check(CLI::IsMember({"spin"}));

@@ -11,7 +11,7 @@ namespace tools
 namespace
 {
 
-struct Options {
+struct SecurityOptions {
     std::string board, action = "all";
     Consent consent;
 };
@@ -73,7 +73,7 @@ void sayReport(const Board &board, const Json &report)
         say("security switches of %s: cleared\n", board.title().c_str());
 }
 
-int security(const Options &options, const Settings &settings)
+int security(const SecurityOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
     options.consent.obtain(board, options.action == "clear"
@@ -101,7 +101,7 @@ int security(const Options &options, const Settings &settings)
 
 Command::Action declareSecurity(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<SecurityOptions>();
     command.add_option("BOARD", options->board, boardHelp)->required();
     command.add_option("ACTION", options->action, "flags, log, all (both) or clear")
         ->capture_default_str()

@@ -16,17 +16,17 @@ namespace tools
 namespace
 {
 
-constexpr std::chrono::milliseconds betweenTwoLooks(20);
+constexpr std::chrono::milliseconds betweenTwoReceptions(20);
 constexpr char endKey = 0x1D;  // Ctrl-]
 
-struct Options {
+struct SerialOptions {
     std::string board, port, format;
     bool hex = false, timestamps = false;
     unsigned int waitMs = 500;
     Consent consent;
 };
 
-void show(const std::string &bytes, const Options &options, const Settings &settings)
+void show(const std::string &bytes, const SerialOptions &options, const Settings &settings)
 {
     if (settings.json)
         printLine({{"time", timeOfDay()}, {options.timestamps ? "batch" : "received", hexadecimal(bytes)}});
@@ -60,7 +60,7 @@ bool inputWaits()
     return ::poll(&input, 1, 0) > 0;
 }
 
-void talk(SerialLine &line, const Options &options, const Settings &settings)
+void talk(SerialLine &line, const SerialOptions &options, const Settings &settings)
 {
     using Clock = std::chrono::steady_clock;
     StopSignals signals;
@@ -68,7 +68,7 @@ void talk(SerialLine &line, const Options &options, const Settings &settings)
     bool inputEnded = false;
     Clock::time_point last = Clock::now();
     const std::chrono::milliseconds patience(terminal ? 0 : options.waitMs);
-    while (!signals.wait(betweenTwoLooks, inputEnded ? -1 : STDIN_FILENO)) {
+    while (!signals.wait(betweenTwoReceptions, inputEnded ? -1 : STDIN_FILENO)) {
         if (!inputEnded && inputWaits()) {
             line.send(typed(static_cast<bool>(terminal), inputEnded));
             last = Clock::now();
@@ -84,7 +84,7 @@ void talk(SerialLine &line, const Options &options, const Settings &settings)
     }
 }
 
-int serial(const Options &options, const Settings &settings)
+int serial(const SerialOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
     const cabinet::Place place = board.part({cabinet::Kind::Serial}, options.port, 1);
@@ -108,7 +108,7 @@ int serial(const Options &options, const Settings &settings)
 
 Command::Action declareSerial(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<SerialOptions>();
     command.add_option("BOARD", options->board, boardHelp)->required();
     command.add_option("PORT", options->port, "0, 1, or its name")->required();
     command

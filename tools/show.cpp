@@ -16,7 +16,7 @@ namespace tools
 namespace
 {
 
-struct Options {
+struct ShowOptions {
     std::string file;
     ReportOptions report;
 };
@@ -38,7 +38,7 @@ void show(std::istream &stream, const std::string &file, trace::Report &report)
     }
 }
 
-int carryOut(const Options &options, const Settings &settings)
+int carryOut(const ShowOptions &options, const Settings &settings)
 {
     trace::Report report(stdout, options.report.form(settings), options.report.chosen(),
                          cabinet::eventNames(settings.cabinet));
@@ -55,7 +55,7 @@ int carryOut(const Options &options, const Settings &settings)
 
 Command::Action declareShow(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<ShowOptions>();
     command.add_option("FILE", options->file, "the recording")->required();
     options->report.declare(command);
     return [options](const Settings &settings) { return carryOut(*options, settings); };

@@ -15,7 +15,7 @@ namespace tools
 namespace
 {
 
-struct Options {
+struct SRAMOptions {
     std::string board, action, file;
     std::optional<std::size_t> page;
     Consent consent;
@@ -25,7 +25,7 @@ struct Range {
     std::size_t address, length;
 };
 
-Range rangeFrom(const Options &options, protocol::Model model)
+Range rangeFrom(const SRAMOptions &options, protocol::Model model)
 {
     const std::size_t all = sramBytes(model);
     if (!options.page)
@@ -67,7 +67,7 @@ void writeAll(Board &board, const Range &range, std::string_view bytes)
     }
 }
 
-void restore(Board &board, const Options &options, const Range &range)
+void restore(Board &board, const SRAMOptions &options, const Range &range)
 {
     const std::string bytes = readFile(options.file);
     if (bytes.size() != range.length)
@@ -82,7 +82,7 @@ void restore(Board &board, const Options &options, const Range &range)
         throw Refusal("what was written reads back differently, " + difference);
 }
 
-int sram(const Options &options, const Settings &settings)
+int sram(const SRAMOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
     const Range range = rangeFrom(options, board.model());
@@ -108,7 +108,7 @@ int sram(const Options &options, const Settings &settings)
 
 Command::Action declareSram(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<SRAMOptions>();
     command.add_option("BOARD", options->board, boardHelp)->required();
     command.add_option("ACTION", options->action, "dump or restore")
         ->required()

@@ -20,7 +20,7 @@ namespace tools
 namespace
 {
 
-struct Options {
+struct TraceOptions {
     std::string output;
     std::string record;
     ReportOptions report;
@@ -51,7 +51,7 @@ std::vector<journal::HeaderBoard> boardsThere()
 class Trace
 {
 public:
-    Trace(const Options &options, const Settings &settings)
+    Trace(const TraceOptions &options, const Settings &settings)
         : output_(options.output.empty() ? stderr : openForWriting(options.output)),
           report_(output_, options.report.form(settings), options.report.chosen(),
                   cabinet::eventNames(settings.cabinet))
@@ -109,7 +109,7 @@ private:
     };
 };
 
-int carryOut(const Options &options, const Settings &settings)
+int carryOut(const TraceOptions &options, const Settings &settings)
 {
     const bool attaches = options.process != 0;
     if (attaches != settings.program.empty())
@@ -126,7 +126,7 @@ int carryOut(const Options &options, const Settings &settings)
 
 Command::Action declareTrace(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<TraceOptions>();
     command.footer("What is traced is a program behind --, or with -p a process.");
     command.add_option("-o,--output", options->output, "the file that the trace goes to; without it, standard error");
     options->report.declare(command);
