@@ -21,7 +21,9 @@ void Background::isUp(const std::string &text, bool keepsInput)
 
 Background goToBackground()
 {
-    auto [here, there] = Channel::pair();
+    std::pair<Channel, Channel> ends = Channel::pair();
+    Channel &here = ends.first;
+    Channel &there = ends.second;
     const pid_t child = checked(::fork(), "starting a process");
     if (child == 0) {
         here.close();

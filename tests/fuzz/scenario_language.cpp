@@ -1,5 +1,6 @@
 // The language of scenarios and of `ctl`, and the words of --board: whatever is written, it is carried out or refused
 // with a UsageError.
+#include "sim/control/protocol.h"
 #include "sim/language/scenario.h"
 #include "tests/fuzz/fuzz_input.h"
 
@@ -41,15 +42,27 @@ void tryBoardOptions(const std::string &text)
     sim::plugBoards(boards, options);
 }
 
+// Whoever is connected may send anything.
+void tryRequest(const std::string &line)
+{
+    const sim::Request request = sim::requestFrom(line);
+    if (request.kind == sim::Request::Kind::Command)
+        (void)sim::Command::parse(request.words);
+    fuzz::require(sim::lineOf(sim::requestFrom(sim::lineOf(request))) == sim::lineOf(request),
+                  "a request is passed on");
+}
+
 }  // namespace
 
-/// The first character chooses: '=' for the words of --board, anything else for a scenario.
+/// The first character chooses: '=' for the words of --board, '{' for a request to a run, anything else for a scenario.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const std::string text(reinterpret_cast<const char *>(data), size);
     try {
         if (!text.empty() && text[0] == '=')
             tryBoardOptions(text.substr(1));
+        else if (!text.empty() && text[0] == '{')
+            tryRequest(text);
         else
             tryScenario(text);
     } catch (const sim::UsageError &error) {
