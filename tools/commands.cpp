@@ -28,6 +28,7 @@ Command::Action declareRaw(CLI::App &command);
 Command::Action declareSelftest(CLI::App &command);
 Command::Action declareDoctor(CLI::App &command);
 Command::Action declareTrace(CLI::App &command);
+Command::Action declareShow(CLI::App &command);
 
 namespace
 {
@@ -57,6 +58,7 @@ constexpr Command table[] = {
     {"selftest", "whether a board is well, by what resets and takes nothing", declareSelftest},
     {"doctor", "what is wrong with the machine, and what to do", declareDoctor},
     {"trace", "trace [OPTION...] -- PROGRAM [ARG...]: every exchange of a program", declareTrace, true},
+    {"show", "show FILE: what a recording holds, as trace tells it", declareShow},
 };
 
 }  // namespace

@@ -29,6 +29,13 @@ namespace
 // A file that takes nothing more, on a server that is gone, does not hold up the end of a run for ever.
 constexpr std::chrono::seconds longestFinish{30};
 
+void tellUnasked(Replay &replay)
+{
+    const std::string unasked = replay.hasDeparted() ? "" : replay.unasked();
+    if (!unasked.empty())
+        std::fprintf(stderr, "sorvane-sim: %s\n", unasked.c_str());
+}
+
 // The life of the serving process, of which `run` is to hear what ends it.
 void serve(BoardService &service, const RunRequest &request, const RunName &name, pid_t run)
 {
@@ -39,10 +46,16 @@ void serve(BoardService &service, const RunRequest &request, const RunName &name
     VirtualBoards boards(clock);
     plugBoards(boards, request.boards);
     keepMemories(boards, request.boards);
-    ControlServer control(boards, request.cabinet, name, request.program, [run] {
+    const auto endRun = [run] {
         if (::getppid() == run)
             ::kill(run, SIGTERM);
-    });
+    };
+    if (request.replay)
+        request.replay->answerFor(boards, [&endRun](const std::string &departure) {
+            std::fprintf(stderr, "sorvane-sim: %s\n", departure.c_str());
+            endRun();
+        });
+    ControlServer control(boards, request.cabinet, name, request.program, endRun);
     Session session{boards, request.cabinet};
     MountedDevices devices = service.receiveDevices();
     Attributes attributes(boards, std::move(devices.attributes));
@@ -64,6 +77,8 @@ void serve(BoardService &service, const RunRequest &request, const RunName &name
         request.scenario.reportUnplayed(reached);
         if (keeper)
             keeper->finish(longestFinish);
+        if (request.replay)
+            tellUnasked(*request.replay);
         endMemories(boards, request.boards);
     }
     if (keyFiles)
@@ -126,7 +141,8 @@ int runOnNodes(const RunRequest &request)
     const BlockedSignals blocked;
     ProcessGroupMember groupMember;
     RunEnvironment environment(request);
-    return runProgram(request.program, {blocked, groupMember, &environment.boards().process()});
+    const int status = runProgram(request.program, {blocked, groupMember, &environment.boards().process()});
+    return request.replay && request.replay->hasDeparted() ? W_EXITCODE(statusOfDeparture, 0) : status;
 }
 
 }  // namespace
@@ -137,6 +153,8 @@ void runWithBoards(const RunRequest &request)
         executePreloaded(request);
     if (request.how == How::Auto) {
         if (const std::optional<std::string> reason = whatNodesLack()) {
+            if (request.replay)
+                throw std::runtime_error("--replay needs device nodes: " + *reason);
             std::fprintf(stderr, "sorvane-sim: boards inside the program, for want of device nodes: %s\n",
                          reason->c_str());
             executePreloaded(request);

@@ -20,7 +20,9 @@ public:
     BoardsOptions(const BoardsOptions &) = delete;
     BoardsOptions &operator=(const BoardsOptions &) = delete;
 
-    RunRequest request() const;
+    RunRequest request() const { return request(boards_); }
+    /// With these boards and no others; each word is one --board.
+    RunRequest request(const TextWords &boards) const;
 
 private:
     TextWords boards_;
@@ -43,6 +45,7 @@ private:
     std::string how_ = "auto";
     bool summary_ = false;
     std::optional<std::string> record_;
+    std::optional<std::string> replay_;
 };
 
 class ServeOptions
