@@ -84,6 +84,16 @@ bool takeArenaMutex(int setID)
     return ::semop(setID, &take, 1) == 0;
 }
 
+/// Its maker died before anybody could register: nobody can be in it.
+bool isUninitialised(int setID)
+{
+    semid_ds status;
+    bool used = ::semctl(setID, 0, IPC_STAT, &status) != 0;
+    for (int semaphore = 0; !used && semaphore < static_cast<int>(status.sem_nsems); ++semaphore)
+        used = ::semctl(setID, semaphore, GETVAL) != 0;
+    return !used;
+}
+
 [[noreturn]] void refuseToReset(const std::string &why)
 {
     throw Refusal("nothing was removed: " + why, "Try: end every program that uses the boards first");
@@ -125,7 +135,7 @@ Findings resetIfUnused()
         refuseToReset(std::to_string(arena.attachments) + " processes are attached to the shared memory");
     if (arena.setID != -1) {
         refuseLiving(arena.setID);
-        if (!takeArenaMutex(arena.setID))
+        if (!isUninitialised(arena.setID) && !takeArenaMutex(arena.setID))
             refuseToReset("the shared memory's lock cannot be had; a program may be starting");
     }
     // In this order, as the last program does it: who waits for the lock then starts with neither.
