@@ -34,16 +34,20 @@ bool isStopped(int process)
     return state == 'T' || state == 't';
 }
 
+Finding stoppedHolder(const ArenaReport::Held &held)
+{
+    const std::string process = std::to_string(held.process);
+    return {Weight::Problem, "lock",
+            "process " + describe(held.process).text() + " is stopped while it holds lock " +
+                std::to_string(held.mutex) + ": all others wait for it, for all boards",
+            "let it go on (kill -CONT " + process + ") or end it (kill -KILL " + process + ")"};
+}
+
 void addLocks(const ArenaReport &arena, Findings &findings)
 {
     for (const ArenaReport::Held &held : arena.held) {
-        if (!isStopped(held.process))
-            continue;
-        const std::string process = std::to_string(held.process);
-        findings.push_back({Weight::Problem, "lock",
-                            "process " + describe(held.process).text() + " is stopped while it holds lock " +
-                                std::to_string(held.mutex) + ": all others wait for it, for all boards",
-                            "let it go on (kill -CONT " + process + ") or end it (kill -KILL " + process + ")"});
+        if (isStopped(held.process))
+            findings.push_back(stoppedHolder(held));
     }
 }
 

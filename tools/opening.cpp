@@ -19,7 +19,7 @@ namespace
 /// The library waits without a limit for processes that hold the shared memory's mutex: better not to begin.
 ArenaReport lookAtArena()
 {
-    const ArenaReport report = reportArena();
+    ArenaReport report = reportArena();
     if (!report.findings.empty())
         throw Refusal("the shared memory is not in order: " + report.findings.front(),
                       "Try: sorvane doctor tells more and what to do");
