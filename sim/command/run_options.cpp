@@ -40,7 +40,7 @@ BoardsOptions::BoardsOptions(CLI::App &command)
     shareIpc->disable_flag_override()->excludes(privateIpc);
 }
 
-RunRequest BoardsOptions::request() const
+RunRequest BoardsOptions::request(const TextWords &steps) const
 {
     RunRequest request;
     if (name_)
@@ -55,8 +55,10 @@ RunRequest BoardsOptions::request() const
     if (request.boards.empty())
         throw UsageError("there is no board; allowed: --board N=MODEL[,option=value...], as in --board 0=R35, and "
                          "--cabinet FILE");
-    if (scenario_)
-        request.scenario = Scenario::read(*scenario_);
+    if (scenario_ && !steps.empty())
+        throw UsageError("--steps and --scenario exclude each other; allowed is a line `steps` in the scenario");
+    request.scenario = scenario_ ? Scenario::read(*scenario_) : Scenario::fromSteps(steps);
+    request.steps = steps;
     request.privateIpc = !shareIpc_;
     request.scenarioFile = scenario_.value_or("");
     tryOut(request);
@@ -68,6 +70,10 @@ RunOptions::RunOptions(CLI::App &command) : boards_(command)
     const auto isWay = [](const std::string &word) {
         return ways.count(word) > 0 ? "" : "\"" + word + "\" is no way; allowed: node, preload, auto";
     };
+    command.add_option("--steps", steps_, "a step, as in a scenario below the line `steps`; may be given again")
+        ->expected(1)
+        ->take_all();
+    command.add_option("--grace", grace_, "how long a program that is to end may take before it is killed (2s)");
     command.add_flag("--summary", summary_, "tell at the end what each board was asked and how it was left")
         ->disable_flag_override();
     command.add_option("--record", record_, "keep the journal of the boards in this file, as JSON Lines");
@@ -76,8 +82,9 @@ RunOptions::RunOptions(CLI::App &command) : boards_(command)
 
 RunRequest RunOptions::request(const TextWords &program) const
 {
-    RunRequest request = boards_.request();
+    RunRequest request = boards_.request(steps_);
     request.program = program;
+    request.grace = durationFrom(grace_);
     request.how = ways.at(how_);
     request.keeping = {summary_,
                        record_.value_or(""),
@@ -99,6 +106,8 @@ ServeOptions::ServeOptions(CLI::App &command) : boards_(command)
 RunRequest ServeOptions::request() const
 {
     RunRequest request = boards_.request();
+    if (!request.scenario.steps().empty())
+        throw UsageError("steps are for one program; allowed is a scenario with them for run");
     request.inBackground = background_;
     request.endsWithInput = endsWithInput_;
     return request;

@@ -20,7 +20,9 @@ public:
     BoardsOptions(const BoardsOptions &) = delete;
     BoardsOptions &operator=(const BoardsOptions &) = delete;
 
-    RunRequest request() const;
+    /// Steps come from `run` alone.
+    RunRequest request(const TextWords &steps = {}) const;
+    bool hasScenario() const { return scenario_.has_value(); }
 
 private:
     TextWords boards_;
@@ -43,6 +45,8 @@ private:
     std::string how_ = "auto";
     bool summary_ = false;
     std::optional<std::string> record_;
+    TextWords steps_;
+    std::string grace_ = "2s";
 };
 
 class ServeOptions
