@@ -12,7 +12,7 @@ namespace
 constexpr std::size_t headerBytes = 128;
 constexpr std::size_t blockBytes = 124;
 constexpr std::uint32_t blocksInArena = 526;
-constexpr int devices = 16;
+constexpr int devices = ArenaContents::deviceCount;
 
 struct Object {
     const char *name;
@@ -53,11 +53,21 @@ void lookAtHeader(const Bytes &bytes, ArenaContents &contents)
             u32(bytes, 124));
 }
 
+void lookAtPatterns(const Bytes &bytes, std::size_t data, int object, ArenaContents &contents)
+{
+    for (int device = 0; device < devices; ++device) {
+        ArenaContents::Device &shared = contents.devices[device];
+        const auto pattern = bytes.data() + data + ArenaContents::patternBytes * static_cast<std::size_t>(device);
+        std::memcpy(object == 0 ? shared.onPattern : shared.offPattern, pattern, ArenaContents::patternBytes);
+    }
+}
+
 void lookAtEEPROMs(const Bytes &bytes, std::size_t data, ArenaContents &contents)
 {
     for (int device = 0; device < devices; ++device) {
         const std::size_t entry = data + 8 * static_cast<std::size_t>(device);
         const unsigned int highest = u16(bytes, entry + 2);
+        contents.devices[device].eepromConfigured = bytes[entry + 6] == 1;
         if (bytes[entry + 6] > 1 || bytes[entry + 7] != 0)
             add(contents.findings, "EEPROM of device %d: flag %u, reserved byte %u", device, bytes[entry + 6],
                 bytes[entry + 7]);
@@ -87,6 +97,8 @@ void lookAtObject(const Bytes &bytes, std::size_t run, int object, ArenaContents
         add(contents.findings, "%s has %u blocks", name, u32(bytes, run + 120));
     if (bytes[run + 56] != 0 || u32(bytes, run + 108) != 1 || u32(bytes, run + 112) != 0)
         add(contents.findings, "%s: its mutex ID is not the empty one", name);
+    if (object < 2)
+        lookAtPatterns(bytes, run + blockBytes, object, contents);
     if (object == 2)
         lookAtEEPROMs(bytes, run + blockBytes, contents);
     if (object == 3)

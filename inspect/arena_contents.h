@@ -10,10 +10,20 @@ constexpr std::size_t segmentBytes = 65536;
 
 struct ArenaContents {
     static constexpr int objectCount = 4;
+    static constexpr int deviceCount = 16;
+    static constexpr int patternBytes = 5;
+
+    /// What all processes share of one board.
+    struct Device {
+        unsigned char onPattern[patternBytes] = {};
+        unsigned char offPattern[patternBytes] = {};
+        bool eepromConfigured = false;
+    };
 
     unsigned int useCounts[objectCount] = {};  // patterns of the on and the off period, EEPROMs, receive buffers
-    std::vector<std::string> findings;         // what must never be
-    std::vector<std::string> remarks;          // what killed processes leave by right, and what may be a stranger's
+    Device devices[deviceCount];
+    std::vector<std::string> findings;  // what must never be
+    std::vector<std::string> remarks;   // what killed processes leave by right, and what may be a stranger's
 };
 
 /// Adds a line; at most 200 characters of it.

@@ -103,6 +103,8 @@ void lookAtSet(ArenaReport &report, const QuietArena &quiet)
         sum += values[k];
         if (values[k] > 1)
             add(report.findings, "mutex %d is %u: it can be held by several at once", k - 1, values[k]);
+        if (values[k] == 0 && values[0] > 0)
+            report.held.push_back({k - 1, ::semctl(report.setID, k, GETPID)});
         if (values[k] == 0 && values[0] > 0 && diedWith(report.setID, k))
             add(report.findings, "mutex %d is held, but the process that took it is gone", k - 1);
     }

@@ -11,6 +11,7 @@
 #include "inspect/arena_contents.h"
 
 #include <string>
+#include <vector>
 
 struct ArenaReport : ArenaContents {
     bool clean() const { return segmentID == -1 && setID == -1; }
@@ -22,6 +23,12 @@ struct ArenaReport : ArenaContents {
     int registrations = 0;
     unsigned long attachments = 0;
     int attachedProcesses = 0;  // as far as /proc shows them
+
+    struct Held {
+        int mutex;
+        int process;  // the one that took it
+    };
+    std::vector<Held> held;  // mutexes that were taken at that moment
 };
 
 ArenaReport reportArena();

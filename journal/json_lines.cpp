@@ -16,6 +16,7 @@ using Json = nlohmann::ordered_json;
 
 constexpr const char *outputBits[] = {"on_period", "off_period", "release", "pulse_on", "pulse_off"};
 constexpr const char *outcomes[] = {"success", "refused", "failed"};
+constexpr const char *speeds[] = {"full", "high"};
 constexpr const char *modelNames[] = {"R20", "R20s", "R35"};
 
 std::string text(const Json &json)
@@ -165,9 +166,14 @@ std::size_t placeOf(const Words &words, const std::string &word)
     return static_cast<std::size_t>(found - std::begin(words));
 }
 
+protocol::Model modelFrom(const Json &json)
+{
+    return static_cast<protocol::Model>(placeOf(modelNames, json.at("model")) + 1);
+}
+
 void readExchange(Event &event, const Json &json)
 {
-    event.model = static_cast<protocol::Model>(placeOf(modelNames, json.at("model")) + 1);
+    event.model = modelFrom(json);
     event.pipe = json.at("pipe");
     event.request = json.at("request");
     event.before = bytesFrom(json.at("payload"));
@@ -237,7 +243,16 @@ std::string timeNow(std::chrono::nanoseconds ago)
 
 std::string jsonOf(const Header &header)
 {
-    return text({{"journal", header.version}, {"by", header.by}, {"program", header.program}, {"start", header.start}});
+    Json boards = Json::array();
+    for (const HeaderBoard &board : header.boards)
+        boards.push_back({{"device", board.device},
+                          {"model", modelNames[static_cast<int>(board.model) - 1]},
+                          {"speed", speeds[board.highSpeed ? 1 : 0]}});
+    return text({{"journal", header.version},
+                 {"by", header.by},
+                 {"program", header.program},
+                 {"start", header.start},
+                 {"boards", boards}});
 }
 
 std::string jsonOf(const Event &event, const Names &names)
@@ -267,6 +282,8 @@ Header headerFrom(std::string_view line)
         header.by = json.value("by", "");
         header.program = json.value("program", std::vector<std::string>());
         header.start = json.value("start", "");
+        for (const Json &board : json.value("boards", Json::array()))
+            header.boards.push_back({board.at("device"), modelFrom(board), board.at("speed") == speeds[1]});
         return header;
     });
 }
@@ -274,6 +291,8 @@ Header headerFrom(std::string_view line)
 std::optional<Event> eventFrom(std::string_view line)
 {
     return read(line, [](const Json &json) -> std::optional<Event> {
+        if (json.contains("lost"))
+            return std::nullopt;
         const std::optional<Kind> kind = kindFor(json.at("kind").get<std::string>());
         if (!kind)
             return std::nullopt;

@@ -18,11 +18,19 @@ namespace journal
 
 constexpr int formatVersion = 1;
 
+/// One that was there at the start.
+struct HeaderBoard {
+    int device = 0;
+    protocol::Model model = protocol::Model::R20;
+    bool highSpeed = false;
+};
+
 struct Header {
     int version = formatVersion;
     std::string by;                    ///< the program that wrote it, with its version
     std::vector<std::string> program;  ///< whose boards these are, with its arguments; empty: not known
     std::string start;                 ///< UTC, "2026-01-31T12:00:00.000Z": the time from which the events count
+    std::vector<HeaderBoard> boards = {};
 };
 
 /// The present moment, or one so long ago, as the start is written.
@@ -41,7 +49,7 @@ public:
 /// Throws FormatError when the line is no such line, or its version is none that this reader knows.
 Header headerFrom(std::string_view line);
 
-/// Nothing for a kind that this reader does not know. Throws FormatError for a line that is none.
+/// Nothing for a kind that this reader does not know, and for a line that tells of events that are not there. Throws FormatError for a line that is none.
 std::optional<Event> eventFrom(std::string_view line);
 
 }  // namespace journal

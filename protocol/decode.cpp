@@ -188,7 +188,7 @@ std::string textOf(const Value &value, std::size_t mostBytes)
     return text.empty() ? "none" : text;
 }
 
-std::string line(const Decoded &decoded, std::size_t mostBytes)
+std::string question(const Decoded &decoded, std::size_t mostBytes)
 {
     std::string text = decoded.name + '(';
     for (const Value &argument : decoded.arguments) {
@@ -196,7 +196,12 @@ std::string line(const Decoded &decoded, std::size_t mostBytes)
             text += ", ";
         text += std::string(argument.name) + '=' + textOf(argument, mostBytes);
     }
-    text += ") = ";
+    return text + ')';
+}
+
+std::string line(const Decoded &decoded, std::size_t mostBytes)
+{
+    std::string text = question(decoded, mostBytes) + " = ";
     if (decoded.outcome == Outcome::Failed)
         return text + "failed";
     if (decoded.outcome == Outcome::Refused)

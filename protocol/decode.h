@@ -67,6 +67,9 @@ bool isText(const Value &value);
 /// Of longer byte strings the first `mostBytes` are told, and how many there are.
 std::string textOf(const Value &value, std::size_t mostBytes = ~std::size_t{0});
 
+/// "GetClock()", "SetClock(time=5)": what is asked alone.
+std::string question(const Decoded &decoded, std::size_t mostBytes = ~std::size_t{0});
+
 /// "GetClock() = time 1234", "SetClock(time=5) = status 33", "GetClock() = failed": one line, printable characters.
 std::string line(const Decoded &decoded, std::size_t mostBytes = ~std::size_t{0});
 

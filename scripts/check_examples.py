@@ -15,7 +15,7 @@ An example is a fenced or an indented block, and its first line says what it is:
                       does; `...` stands for anything, 4711 for any number. `$ cat FILE`: a file that all examples find
     anything else     lines for a shell, which must succeed; scripts/NAME need only be there, for they run this test
 
-All are run in one folder, which holds what the reader has: the examples' programs, a game, and its tests.
+All are run in one folder, which holds what the reader has: the examples and their programs, a game, and its tests.
 """
 import contextlib
 import os
@@ -192,6 +192,7 @@ def prepare(folder, build):
     write_program(folder / "bin/cmake", CMAKE % shutil.which("cmake"))
     (folder / "bin/sorvane-sim").symlink_to(build / "sim/command/sorvane-sim")
     (folder / "bin/sorvane").symlink_to(build / "tools/sorvane")
+    (folder / "examples").symlink_to(ROOT / "examples")
     os.environ["PATH"] = f"{folder}/bin:{os.environ['PATH']}"
     (folder / "build").mkdir()
     for preset in ("i386", "amd64"):

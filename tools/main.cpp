@@ -36,6 +36,10 @@ int run(int argc, char **argv)
     app.require_subcommand(1);
     app.add_flag("--json", settings.json, "data instead of text: one object, or a line each for what goes on");
     app.add_option("--cabinet", cabinetFile, "a file with the names of boards and parts (docs/cabinet.md)");
+    app.footer(
+        "A BOARD is 0 to 15, /dev/Vexa_N, or with --cabinet a name. What pays, moves, writes, resets or takes asks\n"
+        "first, or needs --yes where there is no terminal. sorvane COMMAND --help tells the rest, as does\n"
+        "docs/technician.md with a session of each. To begin with: sorvane list");
     const Command *chosen = nullptr;
     Command::Action action;
     for (const Command &command : commands()) {

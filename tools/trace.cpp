@@ -1,13 +1,17 @@
 // `trace`: every exchange of an unmodified program, or of one that runs already.
+#include "sim/cabinet/event_names.h"
+#include "sim/system/descriptors.h"
 #include "sim/system/program.h"
-#include "tools/board_names.h"
 #include "tools/command.h"
 #include "tools/failure.h"
-#include "tools/trace/report.h"
+#include "tools/node.h"
 #include "tools/trace/run.h"
+#include "tools/trace_options.h"
 
 #include <CLI/CLI.hpp>
+#include <cerrno>
 #include <cstring>
+#include <fcntl.h>
 #include <memory>
 
 namespace tools
@@ -16,33 +20,45 @@ namespace tools
 namespace
 {
 
-struct Options {
+struct TraceOptions {
     std::string output;
     std::string record;
-    std::vector<std::string> filter;
-    bool summary = false;
+    ReportOptions report;
     int process = 0;
 };
 
-// Descriptors of ours must not be the program's.
+// Its descriptor is neither the program's nor in the place of a standard one that was closed.
 std::FILE *openForWriting(const std::string &name)
 {
-    std::FILE *file = std::fopen(name.c_str(), "we");
+    const sim::OwnedFd opened(::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
+    const int descriptor = opened ? ::fcntl(opened.get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1) : -1;
+    std::FILE *file = descriptor != -1 ? ::fdopen(descriptor, "w") : nullptr;
     if (!file)
         throw Refusal(name + " cannot be written: " + std::strerror(errno));
     return file;
 }
 
+std::vector<journal::HeaderBoard> boardsThere()
+{
+    std::vector<journal::HeaderBoard> boards;
+    for (int device = 0; device < devices; ++device) {
+        if (const std::optional<protocol::Model> model = modelOf(device))
+            boards.push_back({device, *model, isHighSpeed(device)});
+    }
+    return boards;
+}
+
 class Trace
 {
 public:
-    Trace(const Options &options, const Settings &settings)
+    Trace(const TraceOptions &options, const Settings &settings)
         : output_(options.output.empty() ? stderr : openForWriting(options.output)),
-          report_(output_, formOf(options, settings), filterOf(options), boardNames(settings.cabinet))
+          report_(output_, options.report.form(settings), options.report.chosen(),
+                  cabinet::eventNames(settings.cabinet))
     {
         if (!options.record.empty())
             recording_.emplace(openForWriting(options.record), trace::Form::Data, trace::Filter(),
-                               boardNames(settings.cabinet));
+                               cabinet::eventNames(settings.cabinet));
     }
 
     int ofProgram(const std::vector<std::string> &program)
@@ -62,27 +78,12 @@ public:
     }
 
 private:
-    static trace::Form formOf(const Options &options, const Settings &settings)
-    {
-        if (options.summary)
-            return settings.json ? trace::Form::SummaryAsData : trace::Form::Summary;
-        return settings.json ? trace::Form::Data : trace::Form::Lines;
-    }
-
-    static trace::Filter filterOf(const Options &options)
-    {
-        try {
-            return trace::Filter(options.filter);
-        } catch (const std::invalid_argument &error) {
-            throw UsageError(error.what());
-        }
-    }
-
     static void note(const std::string &text) { std::fprintf(stderr, "sorvane: %s\n", text.c_str()); }
 
     void begin(const std::vector<std::string> &program)
     {
-        const journal::Header header{journal::formatVersion, "sorvane " SORVANE_VERSION, program, journal::timeNow()};
+        const journal::Header header{journal::formatVersion, "sorvane " SORVANE_VERSION, program, journal::timeNow(),
+                                     boardsThere()};
         report_.begin(header);
         if (recording_)
             recording_->begin(header);
@@ -108,7 +109,7 @@ private:
     };
 };
 
-int carryOut(const Options &options, const Settings &settings)
+int carryOut(const TraceOptions &options, const Settings &settings)
 {
     const bool attaches = options.process != 0;
     if (attaches != settings.program.empty())
@@ -125,11 +126,10 @@ int carryOut(const Options &options, const Settings &settings)
 
 Command::Action declareTrace(CLI::App &command)
 {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<TraceOptions>();
     command.footer("What is traced is a program behind --, or with -p a process.");
     command.add_option("-o,--output", options->output, "the file that the trace goes to; without it, standard error");
-    command.add_flag("--summary", options->summary, "operations, how often and how long, instead of every exchange");
-    command.add_option("--filter", options->filter, "these operations alone")->expected(1, -1);
+    options->report.declare(command);
     command.add_option("--record", options->record, "a file for `sorvane show` and `sorvane-sim run --replay`");
     command.add_option("-p,--process", options->process, "a process that runs already")->check(CLI::PositiveNumber);
     return [options](const Settings &settings) { return carryOut(*options, settings); };

@@ -136,6 +136,14 @@ PendingExchange VirtualBoard::prepare(unsigned char request, int pipe, Payload p
     PendingExchange pending;
     pending.exchange = {request, pipe, toBytes(payload), 0, {}};
     pending.echo = request;
+    if (script_) {
+        ScriptedAnswer answer = script_(request, pipe, payload);
+        pending.ioctlResult = answer.ioctlResult;
+        pending.exchange.status = answer.status;
+        pending.exchange.received = std::move(answer.bytes);
+        pending.delivered = std::move(answer.delivered);
+        return pending;
+    }
     const std::optional<Fault> fault = faults_.find(request, pipe);
     pending.unplugs = fault && fault->kind == Fault::Kind::Unplug;
     if (!plugged_ || pending.unplugs)

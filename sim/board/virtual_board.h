@@ -53,6 +53,14 @@ struct PendingExchange {
     std::function<void()> delivered;
 };
 
+/// What a board says that is not asked itself.
+struct ScriptedAnswer {
+    int ioctlResult = 0;  ///< not 0: the driver call fails with it
+    int status = 0;
+    Bytes bytes = {};
+    std::function<void()> delivered = {};
+};
+
 class VirtualBoard
 {
 public:
@@ -105,6 +113,11 @@ public:
 
     /// Scripts one of the next answers, whatever is asked: status 0 and these bytes.
     void answerNext(Bytes bytes) { faults_.add(Fault::answer(std::move(bytes))); }
+
+    /// Something else answers from now on: neither the firmware nor the parts, nor faults, are asked. It is called with
+    /// the board's lock held.
+    using Script = std::function<ScriptedAnswer(unsigned char request, int pipe, Payload payload)>;
+    void answerBy(Script script) { script_ = std::move(script); }
 
     /// A coin of this number is thrown in: into the ccTalk acceptor if one hangs on a serial port, otherwise a pulse on
     /// the input of that number. False when the acceptor rejects it.
@@ -205,6 +218,7 @@ private:
     std::deque<Exchange> exchanges_;
     std::uint64_t exchangeCount_ = 0;
     std::function<void()> powerLossListener_;
+    Script script_;
 };
 
 }  // namespace sim

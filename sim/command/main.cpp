@@ -53,6 +53,7 @@ int run(int argc, char **argv)
     std::optional<std::string> board;
     std::string stopped;
     bool json = false;
+    bool endsWithRun = false;
     CLI::App app("Virtual Sorvane boards behind real device nodes", "sorvane-sim");
     app.set_version_flag("--version", version);
     app.require_subcommand(1);
@@ -70,6 +71,8 @@ int run(int argc, char **argv)
     const ServeOptions serveOptions(*serve);
     CLI::App *enter = add("enter", "enter [--run NAME|ID] -- PROGRAM [ARG...]: a program for boards that are up");
     addWhich(enter);
+    enter->add_flag("--end-with-run", endsWithRun, "kill the program and all that it started when the run ends")
+        ->disable_flag_override();
     CLI::App *ctl = add("ctl", "ctl [--run NAME|ID] [--board N|NAME] COMMAND: do something to the boards");
     addWhich(ctl);
     ctl->add_option("--board", board, "which board, where there are several");
@@ -89,7 +92,7 @@ int run(int argc, char **argv)
         if (run->parsed())
             runWithBoards(runOptions.request(checked(program)));
         if (enter->parsed())
-            enterRun(which, checked(program));
+            enterRun(which, checked(program), endsWithRun);
         if (serve->parsed())
             return serveBoards(serveOptions.request());
         if (list->parsed())

@@ -2,6 +2,7 @@
 
 #include "sim/command/background.h"
 #include "sim/command/preload.h"
+#include "sim/control/control_client.h"
 #include "sim/control/control_server.h"
 #include "sim/language/kept_memories.h"
 #include "sim/nodes/attributes.h"
@@ -34,6 +35,13 @@ constexpr char failed[] = "failed";
 // A file that takes nothing more, on a server that is gone, does not hold up the end of a run for ever.
 constexpr std::chrono::seconds longestFinish{30};
 
+void tellUnasked(Replay &replay)
+{
+    const std::string unasked = replay.hasDeparted() ? "" : replay.unasked();
+    if (!unasked.empty())
+        std::fprintf(stderr, "sorvane-sim: %s\n", unasked.c_str());
+}
+
 // The life of the serving process, of which `run` is to hear what ends it.
 void serve(BoardService &service, const RunRequest &request, const RunName &name, pid_t run)
 {
@@ -44,10 +52,16 @@ void serve(BoardService &service, const RunRequest &request, const RunName &name
     VirtualBoards boards(clock);
     plugBoards(boards, request.boards);
     keepMemories(boards, request.boards);
-    ControlServer control(boards, request.cabinet, name, request.program, [run] {
+    const auto endRun = [run] {
         if (::getppid() == run)
             ::kill(run, SIGTERM);
-    });
+    };
+    if (request.replay)
+        request.replay->answerFor(boards, [&endRun](const std::string &departure) {
+            std::fprintf(stderr, "sorvane-sim: %s\n", departure.c_str());
+            endRun();
+        });
+    ControlServer control(boards, request.cabinet, name, request.program, endRun);
     Session session{boards, request.cabinet};
     MountedDevices devices = service.receiveDevices();
     Attributes attributes(boards, std::move(devices.attributes));
@@ -78,6 +92,8 @@ void serve(BoardService &service, const RunRequest &request, const RunName &name
         const Verdict verdict = player ? player->end(longestFinish) : Verdict::Passed;
         if (keeper)
             keeper->finish(longestFinish);
+        if (request.replay)
+            tellUnasked(*request.replay);
         endMemories(boards, request.boards);
         service.tellVerdict(verdict == Verdict::Failed ? failed : verdict == Verdict::Stopped ? stopped : passed);
     }
@@ -143,6 +159,8 @@ int runOnNodes(const RunRequest &request)
     RunEnvironment environment(request);
     const int status = runProgram(request.program, {blocked, groupMember, &environment.boards().process()});
     const std::optional<std::string> verdict = environment.boards().judge();
+    if (request.replay && request.replay->hasDeparted())
+        return W_EXITCODE(statusOfDeparture, 0);
     if (verdict == failed || (!verdict && !request.scenario.steps().empty()))
         return W_EXITCODE(statusOfFailedSteps, 0);
     return verdict == stopped ? 0 : status;
@@ -156,6 +174,8 @@ void runWithBoards(const RunRequest &request)
         executePreloaded(request);
     if (request.how == How::Auto) {
         if (const std::optional<std::string> reason = whatNodesLack()) {
+            if (request.replay)
+                throw std::runtime_error("--replay needs device nodes: " + *reason);
             std::fprintf(stderr, "sorvane-sim: boards inside the program, for want of device nodes: %s\n",
                          reason->c_str());
             executePreloaded(request);
@@ -185,19 +205,21 @@ int serveBoards(const RunRequest &request)
     return 0;
 }
 
-void enterRun(const std::optional<std::string> &which, const TextWords &program)
+void enterRun(const std::optional<std::string> &which, const TextWords &program, bool endsWithRun)
 {
     const auto enter = [&] {
         const BlockedSignals blocked;
         ProcessGroupMember groupMember;
         const RunName name = chooseRun(which);
+        std::optional<ControlClient> run;
+        const int watched = endsWithRun ? run.emplace(name).dieWithRun() : -1;
         joinNamespacesOf(name.process());
         if (findRunFromInside() != name.text())
             throw std::runtime_error("nobody can enter the run " + name.shown() +
                                      ": its boards are inside its program, or another process namespace counts "
                                      "its id; start one to enter with: " +
                                      howToServe);
-        return runProgram(program, {blocked, groupMember, nullptr});
+        return runProgram(program, {blocked, groupMember, nullptr, watched});
     };
     endLike(enter());
 }

@@ -9,7 +9,7 @@ namespace sim
 
 /// Each ends the process as its program ends.
 [[noreturn]] void runWithBoards(const RunRequest &request);
-[[noreturn]] void enterRun(const std::optional<std::string> &which, const TextWords &program);
+[[noreturn]] void enterRun(const std::optional<std::string> &which, const TextWords &program, bool endsWithRun);
 
 /// Until a signal ends it; the result is the exit status.
 int serveBoards(const RunRequest &request);

@@ -15,6 +15,15 @@ namespace
 
 const std::map<std::string, How> ways{{"node", How::Node}, {"preload", How::Preload}, {"auto", How::Auto}};
 
+TextWords boardsOf(const Replay &replay)
+{
+    TextWords words;
+    for (const auto &[device, board] : replay.boards())
+        words.push_back(std::to_string(device) + '=' + nameOf(static_cast<Model>(board.model)) +
+                        (board.highSpeed ? ",speed=high" : ""));
+    return words;
+}
+
 // On boards like them, before a program starts.
 void tryOut(const RunRequest &request)
 {
@@ -40,7 +49,7 @@ BoardsOptions::BoardsOptions(CLI::App &command)
     shareIpc->disable_flag_override()->excludes(privateIpc);
 }
 
-RunRequest BoardsOptions::request(const TextWords &steps) const
+RunRequest BoardsOptions::request(const TextWords &boards, const TextWords &steps) const
 {
     RunRequest request;
     if (name_)
@@ -50,7 +59,7 @@ RunRequest BoardsOptions::request(const TextWords &steps) const
     if (cabinet_)
         request.cabinet = cabinetFrom(*cabinet_);
     request.boardArguments = boardArguments(request.cabinet);
-    request.boardArguments.insert(request.boardArguments.end(), boards_.begin(), boards_.end());
+    request.boardArguments.insert(request.boardArguments.end(), boards.begin(), boards.end());
     request.boards = boardsFrom(request.boardArguments);
     if (request.boards.empty())
         throw UsageError("there is no board; allowed: --board N=MODEL[,option=value...], as in --board 0=R35, and "
@@ -77,18 +86,26 @@ RunOptions::RunOptions(CLI::App &command) : boards_(command)
     command.add_flag("--summary", summary_, "tell at the end what each board was asked and how it was left")
         ->disable_flag_override();
     command.add_option("--record", record_, "keep the journal of the boards in this file, as JSON Lines");
+    CLI::Option *replay =
+        command.add_option("--replay", replay_, "a recording that answers for the boards in it, until one departs");
+    for (const char *boards : {"--board", "--cabinet", "--scenario"})
+        replay->excludes(command.get_option(boards));
     command.add_option("--how", how_, "node, preload, or auto: nodes where they are possible")->check(isWay);
 }
 
 RunRequest RunOptions::request(const TextWords &program) const
 {
-    RunRequest request = boards_.request(steps_);
+    const std::shared_ptr<Replay> replay = replay_ ? std::make_shared<Replay>(*replay_) : nullptr;
+    RunRequest request = replay ? boards_.request(boardsOf(*replay), steps_) : boards_.request(steps_);
+    request.replay = replay;
     request.program = program;
     request.grace = durationFrom(grace_);
     request.how = ways.at(how_);
+    if (replay && request.how == How::Preload)
+        throw UsageError("--replay needs device nodes; allowed: --how node, --how auto");
     request.keeping = {summary_,
                        record_.value_or(""),
-                       {journal::formatVersion, "sorvane-sim " SORVANE_VERSION, program, journal::timeNow()}};
+                       {journal::formatVersion, "sorvane-sim " SORVANE_VERSION, program, journal::timeNow(), {}}};
     // Behind all checks: nobody loses an old record by a wrong call.
     if (record_)
         prepareRecord(*record_);

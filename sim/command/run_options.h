@@ -21,8 +21,9 @@ public:
     BoardsOptions &operator=(const BoardsOptions &) = delete;
 
     /// Steps come from `run` alone.
-    RunRequest request(const TextWords &steps = {}) const;
-    bool hasScenario() const { return scenario_.has_value(); }
+    RunRequest request(const TextWords &steps = {}) const { return request(boards_, steps); }
+    /// With these boards and no others; each word is one --board.
+    RunRequest request(const TextWords &boards, const TextWords &steps) const;
 
 private:
     TextWords boards_;
@@ -47,6 +48,7 @@ private:
     std::optional<std::string> record_;
     TextWords steps_;
     std::string grace_ = "2s";
+    std::optional<std::string> replay_;
 };
 
 class ServeOptions

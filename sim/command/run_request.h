@@ -3,6 +3,7 @@
 #define SORVANE_SIM_COMMAND_RUN_REQUEST_H
 
 #include "sim/journal/keeper.h"
+#include "sim/journal/replay.h"
 #include "sim/language/scenario.h"
 
 namespace sim
@@ -27,6 +28,7 @@ struct RunRequest {
     Nanoseconds grace = std::chrono::seconds(2);
     std::string cabinetFile;
     Keeping keeping;
+    std::shared_ptr<Replay> replay;  ///< answers for the boards; null: they do it themselves
 };
 
 }  // namespace sim

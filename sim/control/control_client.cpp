@@ -2,6 +2,8 @@
 
 #include "sim/system/failure.h"
 
+#include <csignal>
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
 
@@ -56,6 +58,17 @@ Outcome ControlClient::ask(const Request &request, const std::function<void(cons
         }
     }
     return {.status = 1, .error = "the run " + id_ + " has ended"};
+}
+
+int ControlClient::dieWithRun()
+{
+    const int fd = connection_.fd();
+    checked(::fcntl(fd, F_SETOWN, ::getpid()), "watching the run");
+    checked(::fcntl(fd, F_SETSIG, SIGKILL), "watching the run");
+    checked(::fcntl(fd, F_SETFL, O_ASYNC), "watching the run");
+    if (connection_.isClosed())
+        throw UsageError("the run " + id_ + " has ended");
+    return fd;
 }
 
 bool ControlClient::waitForEnd(std::chrono::milliseconds most)

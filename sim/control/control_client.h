@@ -18,6 +18,10 @@ public:
     /// answer with status 1.
     Outcome ask(const Request &request, const std::function<void(const std::string &text)> &hear = {});
 
+    /// From now on the kernel kills this process when the run is gone, as long as the descriptor that is returned is
+    /// open.
+    int dieWithRun();
+
     /// Waits until the run is gone, at most so long; false when it is still there.
     bool waitForEnd(std::chrono::milliseconds most);
 

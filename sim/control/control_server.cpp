@@ -86,14 +86,18 @@ void ControlServer::answerAllOf(LineConnection &connection)
     try {
         while (const std::optional<std::string> line = connection.receive()) {
             Outcome outcome;
+            EventNumbers began;
             try {
-                outcome = carryOut(requestFrom(*line), connection);
+                const Request request = requestFrom(*line);
+                if (request.kind == Request::Kind::Command)
+                    began = eventsUpToNow(boards_);
+                outcome = carryOut(request, connection);
             } catch (const UsageError &error) {
                 outcome = {.status = statusOfUsageError, .error = error.what()};
             } catch (const std::exception &error) {
                 outcome = {.status = statusOfFailedCommand, .error = error.what()};
             }
-            if (!connection.send(lineOf(outcome)))
+            if (!connection.send(lineOf(outcome, began)))
                 return;
         }
     } catch (const std::exception &error) {
@@ -116,7 +120,7 @@ Outcome ControlServer::carryOut(const Request &request, LineConnection &connecti
     if (request.content)
         command.setContent(*request.content);
     RemoteListener listener(connection, request.wantsData);
-    Session session{boards_, cabinet_, request.wantsData, &listener};
+    Session session{boards_, cabinet_, request.wantsData, &listener, request.since};
     return command.carryOut(session);
 }
 

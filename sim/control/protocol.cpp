@@ -34,6 +34,19 @@ bool flag(const Json &request, const char *key)
     return found->get<bool>();
 }
 
+// {"0":4711}
+EventNumbers numbersFrom(const Json &since)
+{
+    EventNumbers numbers;
+    for (const auto &[device, number] : since.items()) {
+        if (!number.is_number_unsigned())
+            refuseRequest("\"since\" has no number of an event for each board");
+        const auto deviceNo = static_cast<int>(numberFrom(device, "a device number", 0, deviceCount - 1));
+        numbers[deviceNo] = number.get<std::uint64_t>();
+    }
+    return numbers;
+}
+
 }  // namespace
 
 std::string lineOf(const Request &request)
@@ -78,10 +91,12 @@ Request requestFrom(const std::string &line)
             refuseRequest("the content is no text of hexadecimal digits");
         request.content = bytesOfHex(content->get<std::string>());
     }
+    if (const auto since = json.find("since"); since != json.end())
+        request.since = numbersFrom(*since);
     return request;
 }
 
-std::string lineOf(const Outcome &outcome)
+std::string lineOf(const Outcome &outcome, const EventNumbers &began)
 {
     std::string line = textOf({{"sorvane", protocolVersion}, {"status", outcome.status}});
     line.pop_back();
@@ -91,6 +106,11 @@ std::string lineOf(const Outcome &outcome)
         line += ",\"text\":" + textOf(outcome.text);
     if (!outcome.data.empty())
         line += ",\"data\":" + outcome.data;
+    Json numbers;
+    for (const auto &[device, number] : began)
+        numbers[std::to_string(device)] = number;
+    if (!began.empty())
+        line += ",\"began\":" + textOf(numbers);
     return line + "}";
 }
 

@@ -22,14 +22,15 @@ struct Request {
     TextWords words{};
     bool wantsData = false;
     std::optional<Bytes> content{};
+    EventNumbers since{};
 };
 
 std::string lineOf(const Request &request);
 /// Throws UsageError for what is no request of this version.
 Request requestFrom(const std::string &line);
 
-/// The last answer to a request.
-std::string lineOf(const Outcome &outcome);
+/// The last answer to a request, and what had happened when it came.
+std::string lineOf(const Outcome &outcome, const EventNumbers &began = {});
 /// One before it: an object in JSON, or text.
 std::string lineOfMore(const std::string &text, bool isData);
 

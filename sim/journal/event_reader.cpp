@@ -32,6 +32,16 @@ std::vector<int> allBoards(const VirtualBoards &boards)
     return devices;
 }
 
+std::vector<journal::HeaderBoard> headerBoards(const VirtualBoards &boards)
+{
+    std::vector<journal::HeaderBoard> all;
+    for (const int device : allBoards(boards)) {
+        const std::shared_ptr<VirtualBoard> board = boards.hold(device);
+        all.push_back({device, static_cast<protocol::Model>(board->model()), board->isHighSpeed()});
+    }
+    return all;
+}
+
 EventReader::EventReader(VirtualBoards &boards, const std::vector<int> &devices, std::uint64_t since)
     : boards_(boards), listener_(boards.bell())
 {

@@ -2,6 +2,7 @@
 #ifndef SORVANE_SIM_JOURNAL_EVENT_READER_H
 #define SORVANE_SIM_JOURNAL_EVENT_READER_H
 
+#include "journal/json_lines.h"
 #include "sim/board/virtual_boards.h"
 
 #include <map>
@@ -11,6 +12,9 @@ namespace sim
 
 /// Every board of these, by device number.
 std::vector<int> allBoards(const VirtualBoards &boards);
+
+/// The same as a journal tells of them in front.
+std::vector<journal::HeaderBoard> headerBoards(const VirtualBoards &boards);
 
 class EventReader
 {

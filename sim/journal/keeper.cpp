@@ -58,6 +58,7 @@ Keeper::Keeper(VirtualBoards &boards, Keeping keeping, const cabinet::Cabinet &c
       names_(cabinet::eventNames(cabinet)), reader_(boards, devices_), end_(newPipe()), done_(newPipe())
 {
     if (!keeping_.record.empty()) {
+        keeping_.header.boards = headerBoards(boards);
         record_.open(keeping_.record, std::ios::binary);
         write(journal::jsonOf(keeping_.header) + '\n');
     }

@@ -120,7 +120,7 @@ Outcome tellState(Call &call)
 {
     const std::vector<NumberedState> states = statesOf(call.session.boards, call.devices);
     if (call.session.wantsData || call.reading.has("--json"))
-        return {.data = jsonOf(states)};
+        return {.data = jsonOf(states, call.session.cabinet)};
     return {.text = textOf(states)};
 }
 

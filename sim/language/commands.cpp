@@ -48,6 +48,17 @@ int onlyOne(const std::vector<int> &numbers, const cabinet::Cabinet &cabinet)
 
 }  // namespace
 
+EventNumbers eventsUpToNow(const VirtualBoards &boards)
+{
+    EventNumbers last;
+    for (const int number : numbersOf(boards)) {
+        const std::shared_ptr<VirtualBoard> board = boards.hold(number);
+        const auto lock = board->lock();
+        last[number] = board->events().last();
+    }
+    return last;
+}
+
 int onlyDevice(const Call &call)
 {
     return onlyOne(call.devices, call.session.cabinet);

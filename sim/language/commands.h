@@ -33,12 +33,17 @@ public:
     virtual int descriptor() = 0;
 };
 
+/// Of each board, by device number, the last event before a moment.
+using EventNumbers = std::map<int, std::uint64_t>;
+EventNumbers eventsUpToNow(const VirtualBoards &boards);
+
 /// What commands are carried out on.
 struct Session {
     VirtualBoards &boards;
     const cabinet::Cabinet &cabinet;
     bool wantsData = false;        ///< whoever asked takes the data instead of the text
     Listener *listener = nullptr;  ///< null: nobody hears more than the answer
+    EventNumbers since{};          ///< where a wait on this board begins; absent: now
 };
 
 /// One command on its way; its reading is resolved where one board is meant.

@@ -31,6 +31,15 @@ std::string lasting(Nanoseconds time)
     return milliseconds % 1000 == 0 ? std::to_string(milliseconds / 1000) + "s" : std::to_string(milliseconds) + "ms";
 }
 
+// From which point on a wait looks at the only board that is meant.
+Point beginOf(const Call &call, VirtualBoard &board)
+{
+    if (call.reading.has("--since"))
+        return pointBehind(board, call.reading["--since"].number);
+    const auto known = call.session.since.find(call.devices.front());
+    return known == call.session.since.end() ? pointNow(board) : pointBehind(board, known->second);
+}
+
 }  // namespace
 
 void checkWait(const Reading &reading)
@@ -61,10 +70,8 @@ Outcome waitForCondition(Call &call)
             bell.heard();
             const auto lock = board->lock();
             if (!watch) {
-                const Point now = pointNow(*board);
-                deadline = now.time + most;
-                watch.emplace(*call.reading["CONDITION"].condition, *board,
-                              call.reading.has("--since") ? pointBehind(*board, call.reading["--since"].number) : now);
+                deadline = pointNow(*board).time + most;
+                watch.emplace(*call.reading["CONDITION"].condition, *board, beginOf(call, *board));
             }
             if (watch->look(*board, deadline))
                 return {};

@@ -64,6 +64,7 @@ public:
         journal::Header header;
         header.by = "sorvane-sim";
         header.start = journal::timeNow(session_.boards.clock().now());
+        header.boards = headerBoards(session_.boards);
         return !asData_ || say(journal::jsonOf(header));
     }
     bool tell(const Event &event) { return say(asData_ ? jsonOf(event, names_) : lineOf(event, names_, several_)); }

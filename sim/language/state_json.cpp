@@ -18,11 +18,17 @@ Json of(const CounterState &counter)
     return {{"input", counter.input}, {"count", counter.count}, {"checking", counter.checking}};
 }
 
-Json of(const HopperState &hopper)
+Json of(const HopperState &hopper, const std::string &name)
 {
-    return {{"input", hopper.input},   {"output", hopper.output},         {"stock", hopper.stock},
-            {"jammed", hopper.jammed}, {"asked", hopper.asked},           {"paid", hopper.paid},
-            {"status", hopper.status}, {"status_text", hopper.statusText}};
+    return {{"input", hopper.input},
+            {"name", name},
+            {"output", hopper.output},
+            {"stock", hopper.stock},
+            {"jammed", hopper.jammed},
+            {"asked", hopper.asked},
+            {"paid", hopper.paid},
+            {"status", hopper.status},
+            {"status_text", hopper.statusText}};
 }
 
 Json of(const ReelState &reel)
@@ -54,10 +60,17 @@ Json listOf(const Parts &parts)
     return list;
 }
 
-Json of(const NumberedState &numbered)
+Json of(const NumberedState &numbered, const cabinet::Cabinet &cabinet)
 {
     const BoardState &state = numbered.state;
+    const cabinet::Board *board = cabinet.board(numbered.deviceNo);
+    Json hoppers = Json::array();
+    for (const HopperState &hopper : state.hoppers) {
+        const cabinet::Part *part = cabinet.part(numbered.deviceNo, cabinet::Kind::Hopper, hopper.input);
+        hoppers.push_back(of(hopper, part ? part->name : ""));
+    }
     return {{"device", numbered.deviceNo},
+            {"name", board ? board->name : std::string()},
             {"model", nameOf(state.model)},
             {"plugged", state.plugged},
             {"speed", state.highSpeed ? "high" : "full"},
@@ -71,7 +84,7 @@ Json of(const NumberedState &numbered)
             {"inputs", numbersOf(state.inputs, inputCount)},
             {"multiplexing", state.multiplexing},
             {"counters", listOf(state.counters)},
-            {"hoppers", listOf(state.hoppers)},
+            {"hoppers", hoppers},
             {"reels", listOf(state.reels)},
             {"serial_ports", listOf(state.serialPorts)},
             {"eeprom", state.eepromType},
@@ -90,11 +103,11 @@ Json of(const NumberedState &numbered)
 
 }  // namespace
 
-std::string jsonOf(const std::vector<NumberedState> &states)
+std::string jsonOf(const std::vector<NumberedState> &states, const cabinet::Cabinet &cabinet)
 {
     Json boards = Json::array();
     for (const NumberedState &state : states)
-        boards.push_back(of(state));
+        boards.push_back(of(state, cabinet));
     return Json{{"boards", boards}}.dump();
 }
 

@@ -2,12 +2,14 @@
 #ifndef SORVANE_SIM_LANGUAGE_STATE_JSON_H
 #define SORVANE_SIM_LANGUAGE_STATE_JSON_H
 
+#include "sim/cabinet/cabinet.h"
 #include "sim/language/state_text.h"
 
 namespace sim
 {
 
-std::string jsonOf(const std::vector<NumberedState> &states);
+/// The names are those of a cabinet, empty where it has none.
+std::string jsonOf(const std::vector<NumberedState> &states, const cabinet::Cabinet &cabinet);
 
 }  // namespace sim
 

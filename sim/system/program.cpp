@@ -93,7 +93,7 @@ int runProgram(const std::vector<std::string> &words, Supervision supervision)
         execute(words);
     });
     closeAllBut({program.channel().fd(), supervision.groupMember.channel(), processes.channel(),
-                 supervision.boards ? supervision.boards->channel().fd() : -1});
+                 supervision.boards ? supervision.boards->channel().fd() : -1, supervision.watched});
     passOnEarlySignals(program.id(), supervision.groupMember);
     // Whoever serves the boards may end the program, and no other that gets its number afterwards.
     const OwnedFd process(static_cast<int>(::syscall(SYS_pidfd_open, program.id(), 0)));

@@ -18,6 +18,7 @@ struct Supervision {
     /// The process that serves the boards of this run, told by a message when the program starts; null when the boards
     /// belong to somebody else.
     ChildProcess *boards;
+    int watched = -1;  ///< a descriptor that stays open
 };
 
 /// Runs the program to its end and passes every signal on that it has not got by itself. The result is its wait status

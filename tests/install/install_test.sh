@@ -134,6 +134,12 @@ for how in package folder; do
     ctest --test-dir "$work/$how" >/dev/null || fail "what the consumer builds by $how does not run"
 done
 
+# The technician's command, with the module that it loads.
+if [ -e "$build/tools/sorvane" ]; then
+    "$prefix/bin/sorvane" --version | grep -qx "sorvane $changed" || fail "sorvane is not installed"
+    [ -e "$(dirname "$(realpath "$prefix/bin/sorvane")")/sorvane_library.so" ] || fail "sorvane lacks its module"
+fi
+
 # Boards inside of programs of both widths that a script starts, each by the library of its width. The other width's is
 # a stand-in here; the loader complains where it is handed a wrong one.
 if [ -x "$build/sim/command/sorvane-sim" ]; then

@@ -16,6 +16,7 @@
 #include <random>
 #include <sorvaneusb.h>
 #include <sstream>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -255,14 +256,15 @@ std::string hammer(std::istream &words)
     std::exit(0);  // with all destructors
 }
 
-/// A child drives on what it inherited while its parent drives, too.
+/// A child drives on what it inherited while its parent drives, too. One that is "unseen" is made by the bare system
+/// call, so that nobody is told of the fork.
 std::string forkChild(std::istream &words)
 {
     std::string end;
     int output = 0;
     words >> end >> output;
     board();
-    const pid_t child = ::fork();
+    const pid_t child = end == "unseen" ? static_cast<pid_t>(::syscall(SYS_clone, SIGCHLD, 0, 0, 0, 0)) : ::fork();
     if (child == 0)
         driveAsChild(end, output);
     int status = 0;

@@ -122,8 +122,11 @@ TEST_F(Processes, AFullCountOfRegistrationsCostsNobodyTheLocks)
 TEST_F(Processes, AForkedChildTearsNothingDownAndRegistersNowhereForEver)
 {
     Peer peer;
-    EXPECT_EQ(peer.ask("fork exit 4"), "exited");
-    expectShared(1, "it was not the last one");
+    for (const char *end : {"fork exit 4", "fork unseen 4"}) {
+        EXPECT_EQ(peer.ask(end), "exited");
+        expectShared(1, "it was not the last one");
+        EXPECT_EQ(valueOf(0), 1) << end;
+    }
     EXPECT_EQ(peer.ask("lock 1"), "ok");
     ::semctl(semaphores(), 0, IPC_RMID);
     Peer next;

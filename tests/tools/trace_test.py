@@ -6,6 +6,8 @@
 OTHER_WORKER: trace_worker of the other width, where this machine makes both.
 """
 import collections
+import concurrent.futures
+import itertools
 import json
 import os
 import pathlib
@@ -36,8 +38,16 @@ def run(*words, **options):
     return subprocess.run(words, capture_output=True, text=True, timeout=60, **options)
 
 
-def on_board(board, *words, **options):
-    return run(SIM, "run", "--board", "0=" + board, "--", *words, **options)
+def on_board(board, *words, journal="journal", **options):
+    return run(SIM, "run", "--board", "0=" + board, "--record", file(journal), "--", *words, **options)
+
+
+def replay(name, *words):
+    return run(SIM, "run", "--replay", file(name), "--", *words)
+
+
+def example(name):
+    return BUILD / "examples" / name
 
 
 def events(name):
@@ -54,31 +64,69 @@ def asked(event):
 
 
 class Trace(unittest.TestCase):
-    def test_examples_are_decoded_by_name(self):
-        for example in EXAMPLES:
-            done = on_board("R35," + FITTED, SORVANE, "trace", "--json", "-o", file(example), "--", BUILD / "examples" / example)
-            self.assertEqual(done.returncode, 0, done.stderr)
-            self.assertGreater(len(exchanges(example)), 20)
-            for event in exchanges(example):
-                self.assertNotIn("request", event["operation"], event)
-                self.assertNotIn("payload", event["arguments"], event)
-                self.assertNotIn("answer", event["results"], event)
+    def check_is_decoded_by_name(self, events):
+        self.assertGreater(len(events), 20)
+        for event in events:
+            self.assertNotIn("request", event["operation"], event)
+            self.assertNotIn("payload", event["arguments"], event)
+            self.assertNotIn("answer", event["results"], event)
+
+    def check_example(self, model, name):
+        trace, lines, journal = (f"{model}-{name}-{kind}" for kind in ("trace", "lines", "journal"))
+        done = on_board(f"{model},{FITTED}", SORVANE, "trace", "--record", file(trace), "-o", file(lines), "--",
+                        example(name), journal=journal)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.check_is_decoded_by_name(exchanges(trace))
+        self.assertEqual(run(SORVANE, "show", file(trace)).stdout, file(lines).read_text())
+        for recording in trace, journal:
+            again = replay(recording, example(name))
+            self.assertEqual((again.returncode, again.stdout, again.stderr), (0, done.stdout, ""), recording)
+
+    def test_examples_are_decoded_by_name_and_replay_to_the_same_output(self):
+        with concurrent.futures.ThreadPoolExecutor(10) as side_by_side:
+            runs = itertools.product(("R20", "R35"), EXAMPLES)
+            list(side_by_side.map(lambda each: self.check_example(*each), runs))
+
+    def test_fruit_machine_is_decoded_by_name(self):
+        machine = pathlib.Path(__file__).parents[2] / "examples/cabinets/fruit_machine.toml"
+        run(SIM, "run", "--cabinet", machine, "--", SORVANE, "trace", "--json", "-o", file("game"), "--", "timeout",
+            "-s", "KILL", "2", example("fruit_machine"))
+        self.check_is_decoded_by_name([event for event in exchanges("game") if event["outcome"] != "failed"])
+
+    def test_departing_from_a_recording_ends_the_run(self):
+        on_board("R35," + FITTED, SORVANE, "trace", "--record", file("trace"), "-o", "/dev/null", "--", example("reels"))
+        lines = file("trace").read_text().splitlines(keepends=True)
+        last = next(n for n, line in enumerate(lines) if "ConfigureReelsEx" in line)
+        file("short").write_text("".join(lines[:last]))
+        there = "Sorvane R35 Board\n480\n"
+        for name, words, status, parts in (
+            ("trace", [example("lockdown")], 123, [f"exchange {last} of Vexa_0", "expected: ConfigureReelsEx(", "came: "]),
+            ("short", [example("reels")], 123, ["the recording ends here", "came:     ConfigureReelsEx("]),
+            ("trace", ["cat", *(f"/sys/class/Vexa/Vexa_0/device/{name}" for name in ("product", "speed"))], 0,
+             [f"{len(lines) - 1} exchanges before Vexa_0", "FirmwareRuns()"]),
+        ):
+            done = replay(name, *words)
+            self.assertEqual(done.returncode, status, done.stderr)
+            for part in parts:
+                self.assertIn(part, done.stderr)
+        self.assertEqual(done.stdout, there)
 
     def test_no_exchange_is_lost_and_none_is_added(self):
         for model, packets in (("R20", {"PACKETS": "1"}), ("R35", {})):
             children = [word for n in range(1, 5) for word in (str(n), OTHER_WORKER if n % 2 else WORKER)]
-            script = f'"$@"; echo $?; {SIM} ctl state | grep -o "exchanges [0-9]*,"'
-            done = on_board(f"{model},firmware=running", "bash", "-c", script, "-", SORVANE, "trace", "--json", "-o",
-                            file("storm"), "--", WORKER, "0", "8", "60", *children, env=os.environ | packets)
-            self.assertEqual(done.stdout, f"0\nexchanges {5 * 8 * 80 + 1},\n", done.stderr)
-            rounds = collections.defaultdict(list)
-            for event in exchanges("storm"):
-                self.assertEqual(event["outcome"], "success")
-                if event["operation"] == "ModifyOutputs":
-                    key = event["process"], event["thread"], event["payload"][:4]
-                    rounds[key].append(int.from_bytes(bytes.fromhex(event["payload"][4:8]), "little"))
+            done = on_board(f"{model},firmware=running", SORVANE, "trace", "--json", "-o", file("storm"), "--", WORKER,
+                            "0", "8", "60", *children, env=os.environ | packets)
+            self.assertEqual(done.returncode, 0, done.stderr)
             self.assertEqual(len(exchanges("storm")), 5 * 8 * 80 + 1)
-            self.assertEqual(list(rounds.values()), [list(range(60))] * 40)
+            of_board = [asked(event) for event in exchanges("journal")]
+            self.assertEqual(collections.Counter(map(asked, exchanges("storm"))), collections.Counter(of_board))
+            of_threads = collections.defaultdict(list)
+            for event in exchanges("storm"):
+                of_threads[event["process"], event["thread"]].append(asked(event))
+            self.assertEqual(len(of_threads), 41)
+            for of_thread in of_threads.values():
+                board = iter(of_board)
+                self.assertTrue(all(exchange in board for exchange in of_thread), "in the board's order")
 
     def test_ends_and_signals_pass(self):
         for script, status in (("exit 7", 7), ("kill -9 $$", -9), ("trap 'exit 5' TERM; kill -TERM $PPID; sleep 9", 5)):
@@ -103,7 +151,7 @@ class Trace(unittest.TestCase):
 
     def test_summary_and_filter(self):
         done = on_board("R35", SORVANE, "trace", "--summary", "--filter", "GetInputBit", "SetOutputBit", "--",
-                        BUILD / "examples/attract_mode")
+                        example("attract_mode"))
         lines = done.stderr.splitlines()[1:]
         self.assertRegex(lines[0], r"^ *17 ( +\d+ us){3}  ModifyOutputs$")
         self.assertRegex(lines[1], r"^ *1 ( +\d+ us){3}  GetInputs$")

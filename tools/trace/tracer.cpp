@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <csignal>
 #include <fstream>
+#include <stdexcept>
 #include <sys/ptrace.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -145,6 +146,8 @@ void Tracer::handleEvent(pid_t thread, int event, int signal)
 void Tracer::atCall(pid_t thread)
 {
     const std::optional<Stop> stop = stopOf(thread);
+    if (!stop && errno != ESRCH)
+        throw std::runtime_error("this kernel does not tell what a traced program asks of it; Linux 5.3 is needed");
     if (stop && stop->atExit)
         return finish(thread, stop->result);
     if (stop && stop->call && !lettingGo_)
@@ -189,10 +192,10 @@ void Tracer::hasExecuted(pid_t thread)
     listener_.executed(thread);
 }
 
-// The child may have been seen before, and may even have ended.
+// The child may have been seen before, and may even have ended. It is 0 where its parent was killed meanwhile.
 void Tracer::hasStarted(pid_t child)
 {
-    if (unannounced_.erase(child) == 0)
+    if (child != 0 && unannounced_.erase(child) == 0)
         followed_.try_emplace(child);
 }
 
