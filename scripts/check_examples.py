@@ -194,6 +194,8 @@ def prepare(folder, build):
     (folder / "bin/sorvane").symlink_to(build / "tools/sorvane")
     (folder / "examples").symlink_to(ROOT / "examples")
     os.environ["PATH"] = f"{folder}/bin:{os.environ['PATH']}"
+    os.environ["PYTHONPATH"] = str(ROOT / "python")
+    os.environ["PYTHONDONTWRITEBYTECODE"] = "1"
     (folder / "build").mkdir()
     for preset in ("i386", "amd64"):
         (folder / "build" / preset).symlink_to(build)
@@ -206,6 +208,7 @@ def skip_unless_possible(build):
         ("this machine does not run programs of this width", [build / "tests/nodes/node_client"]),
         ("no device nodes here", "sorvane-sim run --how node --board 0=R35 -- true".split()),
         ("jq is missing", ["jq", "--version"]),
+        ("python3-pytest is missing", ["/usr/bin/python3", "-m", "pytest", "--version"]),
     ]:
         there = shutil.which(words[0])
         tried = there and subprocess.run(words, stdin=subprocess.DEVNULL, capture_output=True, text=True)

@@ -65,7 +65,7 @@ def cabinet(request: pytest.FixtureRequest) -> Generator[Cabinet, None, None]:
         yield plugged
 
 
-@pytest.hookimpl(hookwrapper=True)
+@pytest.hookimpl(hookwrapper=True)  # type: ignore[misc]
 def pytest_runtest_makereport(item: pytest.Item, call: pytest.CallInfo[None]) -> Generator[None, Any, None]:
     """Attaches what the boards and the programs have to tell."""
     outcome = yield

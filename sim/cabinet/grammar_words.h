@@ -15,13 +15,13 @@ constexpr std::string_view grammarWords[] = {
     "battery", "clock", "coin", "expect", "fail", "hopper", "input", "never", "pause", "plug", "serial", "slow", "spi",
     "state", "steps", "stop", "switch", "unplug", "wait",
     // what is looked at
-    "board", "counter", "eeprom", "events", "firmware", "meter", "operation", "output", "quiet", "reel", "sram",
+    "counter", "eeprom", "events", "firmware", "meter", "operation", "output", "quiet", "reel", "sram",
     // how it is, and what becomes of it
-    "close", "closed", "dump", "echo", "empty", "flashing", "free", "good", "ioctl", "jam", "jammed", "lit", "load",
-    "missing", "off", "on", "open", "paid", "parity", "paying", "plugged", "pulse", "replace", "reply", "running",
-    "send", "sent", "set", "short", "status", "still", "stock", "turning",
+    "close", "dump", "echo", "empty", "flashing", "free", "ioctl", "jam", "jammed", "lit", "load", "off", "on", "open",
+    "paid", "parity", "paying", "plugged", "pulse", "replace", "reply", "running", "send", "sent", "set", "short",
+    "status", "still", "stock", "turning",
     // what holds them together
-    "at", "count", "end", "not", "page", "part", "request", "within"};
+    "at", "board", "count", "end", "not", "request", "within"};
 
 constexpr bool isGrammarWord(std::string_view word)
 {
