@@ -18,8 +18,8 @@ struct BatteryOptions {
 int battery(const BatteryOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
-    options.consent.obtain(board, "read and so reset the battery and clock flags");
     board.needFirmware();
+    options.consent.obtain(board, "read and so reset the battery and clock flags");
     Json report = {{"board", board.device()}};
     report["battery_fail_flag"] = board.ask("ReadAndResetBatteryFailFlag").number("flag");
     if (board.has("ReadAndResetRTCFailure")) {

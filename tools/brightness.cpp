@@ -19,8 +19,8 @@ struct BrightnessOptions {
 int brightness(const BrightnessOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
-    options.consent.obtain(board, "set the brightness to " + std::to_string(options.level));
     board.needFirmware();
+    options.consent.obtain(board, "set the brightness to " + std::to_string(options.level));
     board.ask("SetOutputBrightness", {{"level", options.level}});
     if (settings.json)
         print({{"board", board.device()}, {"brightness", options.level}});

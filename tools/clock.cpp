@@ -34,8 +34,8 @@ int clock(const ClockOptions &options, const Settings &settings)
     Board board(settings, options.board);
     if (!options.action.empty()) {
         const std::uint32_t value = valueFrom(options.value);
-        options.consent.obtain(board, "set the clock to " + std::to_string(value));
         board.needFirmware();
+        options.consent.obtain(board, "set the clock to " + std::to_string(value));
         board.ask("SetClock", {{"time", value}});
     }
     board.needFirmware();

@@ -88,9 +88,9 @@ int coins(const CoinsOptions &options, const Settings &settings)
                          "\" is told by a ccTalk acceptor and not counted on an input; "
                          "allowed: an input 0 to 23, or a coin with an input");
     const std::string name = place.part ? place.part->name : "";
+    board.needFirmware();
     options.consent.obtain(board, "read the counter of input " + named(place.number, name) +
                                       (options.follow ? " and have the board count its pulses" : ""));
-    board.needFirmware();
     configure(board, place.number, options);
     const unsigned int counter = counterOf(board, place.number);
     if (settings.json)

@@ -34,16 +34,20 @@ bool isStopped(int process)
     return state == 'T' || state == 't';
 }
 
+Finding stoppedHolder(const ArenaReport::Held &held)
+{
+    const std::string process = std::to_string(held.process);
+    return {Weight::Problem, "lock",
+            "process " + describe(held.process).text() + " is stopped while it holds lock " +
+                std::to_string(held.mutex) + ": all others wait for it, for all boards",
+            "let it go on (kill -CONT " + process + ") or end it (kill -KILL " + process + ")"};
+}
+
 void addLocks(const ArenaReport &arena, Findings &findings)
 {
     for (const ArenaReport::Held &held : arena.held) {
-        if (!isStopped(held.process))
-            continue;
-        const std::string process = std::to_string(held.process);
-        findings.push_back({Weight::Problem, "lock",
-                            "process " + describe(held.process).text() + " is stopped while it holds lock " +
-                                std::to_string(held.mutex) + ": all others wait for it, for all boards",
-                            "let it go on (kill -CONT " + process + ") or end it (kill -KILL " + process + ")"});
+        if (isStopped(held.process))
+            findings.push_back(stoppedHolder(held));
     }
 }
 
@@ -82,6 +86,16 @@ bool takeArenaMutex(int setID)
 {
     sembuf take = {arenaMutex, -1, SEM_UNDO | IPC_NOWAIT};
     return ::semop(setID, &take, 1) == 0;
+}
+
+/// Its maker died before anybody could register: nobody can be in it.
+bool isUninitialised(int setID)
+{
+    semid_ds status;
+    bool used = ::semctl(setID, 0, IPC_STAT, &status) != 0;
+    for (int semaphore = 0; !used && semaphore < static_cast<int>(status.sem_nsems); ++semaphore)
+        used = ::semctl(setID, semaphore, GETVAL) != 0;
+    return !used;
 }
 
 [[noreturn]] void refuseToReset(const std::string &why)
@@ -125,7 +139,7 @@ Findings resetIfUnused()
         refuseToReset(std::to_string(arena.attachments) + " processes are attached to the shared memory");
     if (arena.setID != -1) {
         refuseLiving(arena.setID);
-        if (!takeArenaMutex(arena.setID))
+        if (!isUninitialised(arena.setID) && !takeArenaMutex(arena.setID))
             refuseToReset("the shared memory's lock cannot be had; a program may be starting");
     }
     // In this order, as the last program does it: who waits for the lock then starts with neither.

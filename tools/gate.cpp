@@ -47,6 +47,7 @@ void Consent::obtain(const Board &board, const std::string &action) const
         throw UsageError("to " + action + " on " + board.title() +
                          " needs --yes, since there is no terminal to ask at");
     askOrRefuse("Really " + action + " on " + board.title() + "?");
+    needNobodyElse(board, action);  // thinking took time
 }
 
 }  // namespace tools

@@ -183,10 +183,10 @@ int pay(Board &board, Hopper &hopper, const cabinet::Place &place, const HopperO
                              ? "how many coins? Allowed: pay COUNT, 0 to 65535"
                              : "which output drives the hopper? Allowed: --output 0 to 37, or a hopper of the "
                                "cabinet file that has one");
+    board.needFirmware();
     options.consent.obtain(board, "pay " + std::to_string(*options.count) + " coins out of hopper " + options.part +
                                       " (input " + std::to_string(place.number) + ", output " +
                                       std::to_string(*output) + ")");
-    board.needFirmware();
     if (hopper.state().isPaying())
         throw Refusal("the hopper pays already", "Try: wait until it has ended, or sorvane hopper ... stop");
     StopSignals signals({SIGQUIT, SIGTSTP});

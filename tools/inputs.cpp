@@ -137,9 +137,9 @@ void follow(const Settings &settings, Board &board, const InputsOptions &options
 int inputs(const InputsOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
+    board.needFirmware();
     if (options.changed)
         options.consent.obtain(board, "take the set of changed inputs, which the board may forget by that");
-    board.needFirmware();
     const Look first = look(board, options);
     tellState(settings, board, options, first);
     if (options.follow)

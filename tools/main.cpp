@@ -35,7 +35,8 @@ int run(int argc, char **argv)
     app.set_version_flag("--version", version);
     app.require_subcommand(1);
     app.add_flag("--json", settings.json, "data instead of text: one object, or a line each for what goes on");
-    app.add_option("--cabinet", cabinetFile, "a file with the names of boards and parts (docs/cabinet.md)");
+    app.add_option("--cabinet", cabinetFile, "a file with the names of boards and parts (docs/cabinet.md)")
+        ->type_name("FILE");
     app.footer(
         "A BOARD is 0 to 15, /dev/Vexa_N, or with --cabinet a name. What pays, moves, writes, resets or takes asks\n"
         "first, or needs --yes where there is no terminal. sorvane COMMAND --help tells the rest, as does\n"

@@ -19,7 +19,7 @@ namespace
 /// The library waits without a limit for processes that hold the shared memory's mutex: better not to begin.
 ArenaReport lookAtArena()
 {
-    const ArenaReport report = reportArena();
+    ArenaReport report = reportArena();
     if (!report.findings.empty())
         throw Refusal("the shared memory is not in order: " + report.findings.front(),
                       "Try: sorvane doctor tells more and what to do");
@@ -75,9 +75,10 @@ OpenedBoard &Opening::open(Board &board)
     refuseStandIn(board);
     const std::string does = wouldDo(board);
     if (!does.empty() && !allowed) {
-        const std::string what = "opening " + board.title() + " through the library " + does;
+        std::string what = "opening " + board.title() + " through the library " + does;
         if (!::isatty(STDIN_FILENO))
             throw Refusal(what + ", and that was not asked for", "Try: add --open where it is wanted");
+        what[0] = 'O';
         askOrRefuse(what + ". Go on?");
     }
     signals_ = std::make_unique<StopSignals>();

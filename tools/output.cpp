@@ -25,7 +25,8 @@ int output(OutputOptions &options, const Settings &settings)
     Board board(settings, options.board);
     const cabinet::Place place = board.part({cabinet::Kind::Output}, options.part, lastOutput);
     const std::string what = "output " + named(place.number, board.nameOf(cabinet::Kind::Output, place.number));
-    options.consent.obtain(board, "switch " + what + " to " + options.state);
+    options.consent.obtain(board, options.state == "flash" ? "let " + what + " flash"
+                                                           : "switch " + what + " " + options.state);
     OpenedBoard &opened = options.opening.open(board);
     check(opened,
           options.state == "flash" ? opened.flashOutput(place.number)

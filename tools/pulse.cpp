@@ -25,8 +25,8 @@ int pulse(const PulseOptions &options, const Settings &settings)
     const cabinet::Place place = board.part({cabinet::Kind::Output}, options.part, lastPulsedOutput);
     const std::string what = "output " + named(place.number, board.nameOf(cabinet::Kind::Output, place.number));
     const char *state = options.off ? "off" : "on";
-    options.consent.obtain(board, "pulse " + what + " " + state);
     board.needFirmware();
+    options.consent.obtain(board, "pulse " + what + " " + state);
     board.ask(options.off ? "PulseOffOutput" : "PulseOutput",
               {{"pulseValue", options.value}, {"output", place.number}});
     if (settings.json)

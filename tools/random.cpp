@@ -36,9 +36,9 @@ std::uint32_t draw(Board &board)
 int random(const RandomOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
+    board.needFirmware();
     if (options.enable)
         options.consent.obtain(board, "switch the random number generator on");
-    board.needFirmware();
     std::ofstream file;
     if (!options.file.empty()) {
         file.open(options.file, std::ios::binary);

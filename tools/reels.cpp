@@ -53,9 +53,9 @@ int spin(const ReelOptions &options, const Settings &settings)
     const std::string what = "reel " + named(place.number, board.nameOf(cabinet::Kind::Reel, place.number));
     if (!options.reels && (options.setting || options.option))
         throw UsageError("--setting and --option configure the drive; allowed together with --reels");
+    board.needFirmware();
     options.consent.obtain(board, "spin " + what + " by " + std::to_string(options.steps) + " in mode " +
                                       std::to_string(options.mode));
-    board.needFirmware();
     if (options.reels)
         board.ask("ConfigureReelsEx", {{"reels", *options.reels},
                                        {"reelSetting", options.setting.value_or(0)},

@@ -76,11 +76,11 @@ void sayReport(const Board &board, const Json &report)
 int security(const SecurityOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
+    board.needFirmware();
     options.consent.obtain(board, options.action == "clear"
                                       ? "clear the security switches"
                                       : "read and so reset the security switches' " +
                                             (options.action == "all" ? "flags and log" : options.action));
-    board.needFirmware();
     Json report = {{"board", board.device()}};
     if (options.action == "flags" || options.action == "all")
         tellFlags(board, report);

@@ -90,9 +90,9 @@ int serial(const SerialOptions &options, const Settings &settings)
     const cabinet::Place place = board.part({cabinet::Kind::Serial}, options.port, 1);
     const int port = static_cast<int>(place.number);
     const LineFormat format = LineFormat::from(options.format, board, port);
+    board.needFirmware();
     options.consent.obtain(board, "set serial port " + options.port + " to " + options.format +
                                       ", send on it and take what comes");
-    board.needFirmware();
     SerialLine line(board, port);
     line.configure(format);
     if (settings.json)

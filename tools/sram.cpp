@@ -74,8 +74,8 @@ void restore(Board &board, const SRAMOptions &options, const Range &range)
         throw Refusal(options.file + " has " + std::to_string(bytes.size()) + " bytes and not the " +
                           std::to_string(range.length) + " that would be written",
                       "Try: a dump of the same model, and the --page that was dumped");
-    options.consent.obtain(board, "write " + std::to_string(range.length) + " bytes of its SRAM");
     board.needFirmware();
+    options.consent.obtain(board, "write " + std::to_string(range.length) + " bytes of its SRAM");
     writeAll(board, range, bytes);
     if (const std::string difference = firstDifference(bytes, readAll(board, range), range.address);
         !difference.empty())

@@ -107,12 +107,12 @@ void Replay::answerFor(VirtualBoards &boards, std::function<void(const std::stri
             asked.request = request;
             asked.pipe = static_cast<unsigned char>(pipe);
             asked.before.assign(payload.begin(), payload.end());
-            return answer(recorded, std::move(asked));
+            return answer(recorded, asked);
         });
     }
 }
 
-ScriptedAnswer Replay::answer(Board &board, journal::Event came)
+ScriptedAnswer Replay::answer(Board &board, const journal::Event &came)
 {
     const std::lock_guard lock(mutex_);
     if (hasDeparted() || board.next == board.exchanges.size() || !asksTheSame(board.exchanges[board.next], came))

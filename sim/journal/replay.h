@@ -46,7 +46,7 @@ private:
 
     void read(std::istream &stream);
     void add(journal::Event event);
-    ScriptedAnswer answer(Board &board, journal::Event came);
+    ScriptedAnswer answer(Board &board, const journal::Event &came);
     ScriptedAnswer depart(const Board &board, const journal::Event &came);
 
     std::string file_;
