@@ -100,7 +100,9 @@ int run(int argc, char **argv)
         if (stop->parsed())
             return stopRun(stopped);
         if (commands->parsed())
-            return std::puts((json ? jsonOf({{"commands", commandSyntax()}, {"conditions", conditionSyntax()}}) : commandsHelp()).c_str()) < 0;
+            return std::puts((json ? jsonOf({{"commands", commandSyntax()}, {"conditions", conditionSyntax()}})
+                                   : commandsHelp())
+                                 .c_str()) < 0;
         if (cabinet->parsed())
             return cabinetCommand.carryOut();
         return control(which, wordsFor(*ctl, board));

@@ -157,6 +157,8 @@ void setFile(const char *variable, const char *option, const std::string &file)
 void executePreloaded(const RunRequest &request)
 {
     setFile(preloadScenario, "--scenario", request.scenarioFile);
+    setOrClear(preloadSteps, join(request.steps, "\n"));
+    setOrClear(preloadGrace, std::to_string(request.grace / std::chrono::milliseconds(1)));
     setFile(preloadCabinet, "--cabinet", request.cabinetFile);
     setFile(preloadRecord, "--record", request.keeping.record);
     setOrClear(preloadSummary, request.keeping.summary ? "1" : "");

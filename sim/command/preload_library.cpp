@@ -33,6 +33,7 @@ struct Preloaded {
 
 const Preloaded *preloaded = nullptr;
 Keeper *keeper = nullptr;
+StepPlayer *player = nullptr;
 std::atomic<std::size_t> reached = 0;
 // The program itself, until it has said what was not reached. The processes that it starts end for reasons of their
 // own.
@@ -76,16 +77,99 @@ void keepJournal(const cabinet::Cabinet &machine)
                      static_cast<int>(::getpid()), program_invocation_short_name);
 }
 
+Scenario scenarioFromEnvironment()
+{
+    if (const char *file = std::getenv(preloadScenario))
+        return Scenario::read(file);
+    const char *steps = std::getenv(preloadSteps);
+    return steps ? Scenario::fromSteps(splitAt(steps, '\n')) : Scenario();
+}
+
+[[noreturn]] void endProcess(int status)
+{
+    for (;;)
+        ::syscall(SYS_exit_group, status);
+}
+
+// As the program ends by itself: what there is to tell is told, and the steps say what its end was worth, if it is not
+// what the program says. Only the first who comes here ends it.
+std::optional<int> endWithTheProgram()
+{
+    preloaded->scenario.reportUnplayed(reached);
+    const Verdict verdict = player ? player->end(longestFinish) : Verdict::Passed;
+    if (keeper)
+        keeper->finish(longestFinish);
+    endMemories(inProcessBoards(), preloaded->options);
+    if (verdict == Verdict::Passed)
+        return std::nullopt;
+    return verdict == Verdict::Failed ? statusOfFailedSteps : 0;
+}
+
+bool isFirstToEnd()
+{
+    pid_t self = ::getpid();
+    return program.compare_exchange_strong(self, 0);
+}
+
+// The status of a program that ends by exit, where the steps have another for it.
+std::optional<int> worth;
+
+// The tables of the language are still there.
+[[gnu::destructor]] void judgeExit()
+{
+    if (isFirstToEnd())
+        worth = endWithTheProgram();
+}
+
+// Called when all that belongs to the end of the program is over, but for what it has not written yet.
+void exitWithWorth(int, void *)
+{
+    if (!worth)
+        return;
+    std::fflush(nullptr);
+    endProcess(*worth);
+}
+
+// Where a signal would end the process at once, nobody could say what its end was worth. This comes from the thread of
+// the steps, which goes on to their end in another.
+void signalProgram(int signal)
+{
+    struct sigaction action {
+    };
+    ::sigaction(signal, nullptr, &action);
+    if (signal != SIGKILL && action.sa_handler != SIG_DFL)
+        ::kill(::getpid(), signal);
+    else if (isFirstToEnd())
+        std::thread([] { endProcess(endWithTheProgram().value_or(0)); }).detach();
+}
+
+void playSteps(const Preloaded &all)
+{
+    if (all.scenario.steps().empty())
+        return;
+    if (program == 0) {
+        std::fprintf(stderr,
+                     "sorvane-sim: inside the program the steps are for one process; process %d (%s) has boards of its "
+                     "own; with device nodes all processes share them (--how node)\n",
+                     static_cast<int>(::getpid()), program_invocation_short_name);
+        return;
+    }
+    const char *grace = std::getenv(preloadGrace);
+    player = new StepPlayer(all.scenario.steps(), const_cast<Session &>(all.session),
+                            std::chrono::milliseconds(grace ? std::atol(grace) : 2000), signalProgram);
+    const BlockedSignals blocked;
+    player->start();
+}
+
 void begin(const char *boardArguments)
 {
     const char *process = std::getenv(preloadProgram);
     const bool isProgram = process && process == std::to_string(::getpid());
     const char *cabinetFile = std::getenv(preloadCabinet);
-    const char *scenarioFile = std::getenv(preloadScenario);
     const char *name = isProgram ? std::getenv(preloadName) : nullptr;
     auto *all = new Preloaded{boardsFrom(splitWords(boardArguments)),
                               cabinetFile ? cabinet::Cabinet::read(cabinetFile) : cabinet::Cabinet(),
-                              scenarioFile ? Scenario::read(scenarioFile) : Scenario()};
+                              scenarioFromEnvironment()};
     plugBoards(inProcessBoards(), all->options);
     if (isProgram)
         keepMemories(inProcessBoards(), all->options);
@@ -96,6 +180,8 @@ void begin(const char *boardArguments)
         program = ::getpid();
     keepJournal(all->cabinet);
     all->scenario.prepare(all->session);
+    playSteps(*all);
+    ::on_exit(exitWithWorth, nullptr);
     inBackground([control] { control->answerAll(); });
     inBackground([all] { all->scenario.play(all->session, reached); });
 }
@@ -113,23 +199,12 @@ void begin(const char *boardArguments)
     }
 }
 
-[[gnu::destructor]] void endWithTheProgram()
-{
-    pid_t self = ::getpid();
-    if (program.compare_exchange_strong(self, 0)) {
-        preloaded->scenario.reportUnplayed(reached);
-        if (keeper)
-            keeper->finish(longestFinish);
-        endMemories(inProcessBoards(), preloaded->options);
-    }
-}
-
 }  // namespace
 
 // A shell ends so.
 extern "C" void _exit(int status)
 {
-    endWithTheProgram();
-    for (;;)
-        ::syscall(SYS_exit_group, status);
+    if (isFirstToEnd())
+        status = endWithTheProgram().value_or(status);
+    endProcess(status);
 }

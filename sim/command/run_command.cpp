@@ -18,6 +18,7 @@
 #include <cstdio>
 #include <sched.h>
 #include <signal.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 
 namespace sim
@@ -25,6 +26,11 @@ namespace sim
 
 namespace
 {
+
+// What the serving process says of a program that has ended.
+constexpr char passed[] = "passed";
+constexpr char stopped[] = "stopped";
+constexpr char failed[] = "failed";
 
 // A file that takes nothing more, on a server that is gone, does not hold up the end of a run for ever.
 constexpr std::chrono::seconds longestFinish{30};
@@ -67,19 +73,29 @@ void serve(BoardService &service, const RunRequest &request, const RunName &name
         keeper.emplace(boards, request.keeping, request.cabinet);
     request.scenario.prepare(session);
     std::thread([&control] { control.answerAll(); }).detach();
+    OwnedFd program;
+    std::optional<StepPlayer> player;
+    if (!request.scenario.steps().empty())
+        player.emplace(request.scenario.steps(), session, request.grace,
+                       [&program](int signal) { ::syscall(SYS_pidfd_send_signal, program.get(), signal, nullptr, 0); });
     service.ready();
     std::atomic<std::size_t> reached = 0;
-    if (service.waitForStart()) {
+    if (std::optional<OwnedFd> started = service.waitForStart()) {
+        program = std::move(*started);
+        if (player)
+            player->start();
         std::thread([&] { request.scenario.play(session, reached); }).detach();
         if (request.inBackground)
             redirectToNull(STDERR_FILENO);
         service.waitForEnd();
         request.scenario.reportUnplayed(reached);
+        const Verdict verdict = player ? player->end(longestFinish) : Verdict::Passed;
         if (keeper)
             keeper->finish(longestFinish);
         if (request.replay)
             tellUnasked(*request.replay);
         endMemories(boards, request.boards);
+        service.tellVerdict(verdict == Verdict::Failed ? failed : verdict == Verdict::Stopped ? stopped : passed);
     }
     if (keyFiles)
         keyFiles->removeNewOnes(allRuns().size() > 1);
@@ -142,7 +158,12 @@ int runOnNodes(const RunRequest &request)
     ProcessGroupMember groupMember;
     RunEnvironment environment(request);
     const int status = runProgram(request.program, {blocked, groupMember, &environment.boards().process()});
-    return request.replay && request.replay->hasDeparted() ? W_EXITCODE(statusOfDeparture, 0) : status;
+    const std::optional<std::string> verdict = environment.boards().judge();
+    if (request.replay && request.replay->hasDeparted())
+        return W_EXITCODE(statusOfDeparture, 0);
+    if (verdict == failed || (!verdict && !request.scenario.steps().empty()))
+        return W_EXITCODE(statusOfFailedSteps, 0);
+    return verdict == stopped ? 0 : status;
 }
 
 }  // namespace

@@ -49,7 +49,7 @@ BoardsOptions::BoardsOptions(CLI::App &command)
     shareIpc->disable_flag_override()->excludes(privateIpc);
 }
 
-RunRequest BoardsOptions::request(const TextWords &boards) const
+RunRequest BoardsOptions::request(const TextWords &boards, const TextWords &steps) const
 {
     RunRequest request;
     if (name_)
@@ -64,8 +64,10 @@ RunRequest BoardsOptions::request(const TextWords &boards) const
     if (request.boards.empty())
         throw UsageError("there is no board; allowed: --board N=MODEL[,option=value...], as in --board 0=R35, and "
                          "--cabinet FILE");
-    if (scenario_)
-        request.scenario = Scenario::read(*scenario_);
+    if (scenario_ && !steps.empty())
+        throw UsageError("--steps and --scenario exclude each other; allowed is a line `steps` in the scenario");
+    request.scenario = scenario_ ? Scenario::read(*scenario_) : Scenario::fromSteps(steps);
+    request.steps = steps;
     request.privateIpc = !shareIpc_;
     request.scenarioFile = scenario_.value_or("");
     tryOut(request);
@@ -77,6 +79,10 @@ RunOptions::RunOptions(CLI::App &command) : boards_(command)
     const auto isWay = [](const std::string &word) {
         return ways.count(word) > 0 ? "" : "\"" + word + "\" is no way; allowed: node, preload, auto";
     };
+    command.add_option("--steps", steps_, "a step, as in a scenario below the line `steps`; may be given again")
+        ->expected(1)
+        ->take_all();
+    command.add_option("--grace", grace_, "how long a program that is to end may take before it is killed (2s)");
     command.add_flag("--summary", summary_, "tell at the end what each board was asked and how it was left")
         ->disable_flag_override();
     command.add_option("--record", record_, "keep the journal of the boards in this file, as JSON Lines");
@@ -90,9 +96,10 @@ RunOptions::RunOptions(CLI::App &command) : boards_(command)
 RunRequest RunOptions::request(const TextWords &program) const
 {
     const std::shared_ptr<Replay> replay = replay_ ? std::make_shared<Replay>(*replay_) : nullptr;
-    RunRequest request = replay ? boards_.request(boardsOf(*replay)) : boards_.request();
+    RunRequest request = replay ? boards_.request(boardsOf(*replay), steps_) : boards_.request(steps_);
     request.replay = replay;
     request.program = program;
+    request.grace = durationFrom(grace_);
     request.how = ways.at(how_);
     if (replay && request.how == How::Preload)
         throw UsageError("--replay needs device nodes; allowed: --how node, --how auto");
@@ -116,6 +123,8 @@ ServeOptions::ServeOptions(CLI::App &command) : boards_(command)
 RunRequest ServeOptions::request() const
 {
     RunRequest request = boards_.request();
+    if (!request.scenario.steps().empty())
+        throw UsageError("steps are for one program; allowed is a scenario with them for run");
     request.inBackground = background_;
     request.endsWithInput = endsWithInput_;
     return request;

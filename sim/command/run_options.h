@@ -20,9 +20,10 @@ public:
     BoardsOptions(const BoardsOptions &) = delete;
     BoardsOptions &operator=(const BoardsOptions &) = delete;
 
-    RunRequest request() const { return request(boards_); }
+    /// Steps come from `run` alone.
+    RunRequest request(const TextWords &steps = {}) const { return request(boards_, steps); }
     /// With these boards and no others; each word is one --board.
-    RunRequest request(const TextWords &boards) const;
+    RunRequest request(const TextWords &boards, const TextWords &steps) const;
 
 private:
     TextWords boards_;
@@ -45,6 +46,8 @@ private:
     std::string how_ = "auto";
     bool summary_ = false;
     std::optional<std::string> record_;
+    TextWords steps_;
+    std::string grace_ = "2s";
     std::optional<std::string> replay_;
 };
 

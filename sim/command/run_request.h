@@ -24,6 +24,8 @@ struct RunRequest {
     bool inBackground = false;   ///< of serve
     bool endsWithInput = false;  ///< of serve
     std::string scenarioFile;
+    TextWords steps;  ///< that came without a file
+    Nanoseconds grace = std::chrono::seconds(2);
     std::string cabinetFile;
     Keeping keeping;
     std::shared_ptr<Replay> replay;  ///< answers for the boards; null: they do it themselves

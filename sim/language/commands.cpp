@@ -66,17 +66,21 @@ int onlyDevice(const Call &call)
 
 const SyntaxTable &commandSyntax()
 {
-    static const SyntaxTable table = [] {
-        SyntaxTable rows;
-        for (const CommandRow &row : commandRows())
-            rows.push_back(&row.syntax);
-        return rows;
-    }();
+    static const SyntaxTable table = syntaxOf(commandRows());
     return table;
 }
 
-Command Command::parse(const TextWords &words)
+SyntaxTable syntaxOf(const std::vector<CommandRow> &rows)
 {
+    SyntaxTable table;
+    for (const CommandRow &row : rows)
+        table.push_back(&row.syntax);
+    return table;
+}
+
+Command Command::parse(const TextWords &words, const std::vector<CommandRow> &rows)
+{
+    const SyntaxTable table = syntaxOf(rows);
     Command command;
     WordStream stream(words);
     if (stream.takeIf("--board")) {
@@ -84,9 +88,8 @@ Command Command::parse(const TextWords &words)
         if (command.board_.empty() || std::isdigit(static_cast<unsigned char>(command.board_[0])))
             (void)numberFrom(command.board_, "a device number", 0, deviceCount - 1);
     }
-    command.reading_ = Reading::parse(commandSyntax(), "command", stream);
+    command.reading_ = Reading::parse(table, "command", stream);
     const Syntax *syntax = &command.reading_.row();
-    const std::vector<CommandRow> &rows = commandRows();
     command.row_ =
         &*std::find_if(rows.begin(), rows.end(), [syntax](const CommandRow &row) { return &row.syntax == syntax; });
     try {
@@ -94,8 +97,7 @@ Command Command::parse(const TextWords &words)
         if (command.row_->check)
             command.row_->check(command.reading_);
     } catch (const UsageError &error) {
-        throw UsageError(syntax->name + std::string(": ") + error.what() + " (" +
-                         usageOf(commandSyntax(), syntax->name) + ")");
+        throw UsageError(syntax->name + std::string(": ") + error.what() + " (" + usageOf(table, syntax->name) + ")");
     }
     return command;
 }
@@ -142,12 +144,19 @@ std::vector<int> Command::devicesIn(const Session &session) const
     return {*named};
 }
 
-Outcome Command::carryOut(Session &session) const
+std::vector<int> Command::resolve(const Session &session, Reading &reading) const
 {
     const std::vector<int> devices = devicesIn(session);
-    Reading reading = reading_;
+    reading = reading_;
     if (devices.size() == 1)
         reading.resolve(session.cabinet, devices[0]);
+    return devices;
+}
+
+Outcome Command::carryOut(Session &session) const
+{
+    Reading reading;
+    const std::vector<int> devices = resolve(session, reading);
     if (const auto *action = std::get_if<FreeAction>(&row_->action)) {
         Call call{session, reading, devices};
         return (*action)(call);

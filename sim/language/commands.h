@@ -74,12 +74,13 @@ struct CommandRow {
 const std::vector<CommandRow> &commandRows();
 /// Its rows for readers.
 const SyntaxTable &commandSyntax();
+SyntaxTable syntaxOf(const std::vector<CommandRow> &rows);
 
 class Command
 {
 public:
     /// Throws UsageError for everything that can be told without the boards and their cabinet.
-    static Command parse(const TextWords &words);
+    static Command parse(const TextWords &words, const std::vector<CommandRow> &rows = commandRows());
 
     const CommandRow &row() const { return *row_; }
     const Reading &reading() const { return reading_; }
@@ -92,6 +93,9 @@ public:
     /// Throws UsageError when there is no such board or part, when the board is not named among several, or when its
     /// model lacks what is asked for.
     Outcome carryOut(Session &session) const;
+
+    /// The boards that are meant, and where that is one, the reading with numbers for names. Throws UsageError.
+    std::vector<int> resolve(const Session &session, Reading &reading) const;
 
 private:
     std::optional<std::string> fileOf(Sort sort) const;

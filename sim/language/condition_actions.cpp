@@ -13,7 +13,6 @@ namespace
 {
 
 constexpr int statusDoesNotHold = 3;
-constexpr Nanoseconds usualTime = std::chrono::seconds(5);
 
 // Sleeps until the bell rings, whoever waits is gone, or the time is over. False when nobody waits any more.
 bool sleepUntil(Nanoseconds moment, const Clock &clock, const Bell::Listener &bell, Listener *client)
@@ -62,7 +61,7 @@ Outcome waitForCondition(Call &call)
 {
     const std::shared_ptr<VirtualBoard> board = call.session.boards.hold(onlyDevice(call));
     const Bell::Listener bell(call.session.boards.bell());
-    const Nanoseconds most = call.reading.has("within") ? call.reading["within"].time : usualTime;
+    const Nanoseconds most = call.reading.has("within") ? call.reading["within"].time : usualWait;
     std::optional<Watch> watch;
     Nanoseconds deadline{};
     for (;;) {

@@ -42,15 +42,29 @@ void writeError(const std::array<std::string_view, 3> &parts)
 }
 
 // Its files lie beside the scenario.
-Command commandFor(const TextWords &words, const std::string &scenario)
+Command commandFor(const TextWords &words, const std::string &scenario, const std::vector<CommandRow> &rows)
 {
-    Command command = Command::parse(words);
+    Command command = Command::parse(words, rows);
     if (!command.row().inScenarios)
         throw UsageError("\"" + join(words, " ") + "\" writes for whoever asks, which is allowed with ctl only");
     if (const std::optional<std::string> file = command.contentFile()) {
         const std::string folder = file->front() == '/' ? "" : scenario.substr(0, scenario.rfind('/') + 1);
         command.setContent(bytesOfFile(folder + *file));
     }
+    return command;
+}
+
+bool isCommand(const Command &command, const char *name)
+{
+    return command.reading().row().name == std::string(name);
+}
+
+Command timedCommandFor(const TextWords &words, const std::string &scenario)
+{
+    Command command = commandFor(words, scenario, commandRows());
+    if (command.reading().has("CONDITION"))
+        throw UsageError("\"" + join(words, " ") +
+                         "\" is a step; allowed are those below a line `steps`, and at end expect");
     return command;
 }
 
@@ -71,15 +85,7 @@ Scenario Scenario::parse(std::istream &text, const std::string &name)
     for (std::string line; std::getline(text, line);) {
         const std::string where = name + ":" + std::to_string(++number) + ": ";
         try {
-            TextWords words = splitWords(withoutComment(line));
-            if (words.empty())
-                continue;
-            std::optional<Nanoseconds> at;
-            if (words[0] == "at") {
-                at = durationFrom(words.size() > 1 ? words[1] : "");
-                words.erase(words.begin(), words.begin() + 2);
-            }
-            scenario.lines_.push_back({at, commandFor(words, name), where});
+            scenario.add(splitWords(withoutComment(line)), name, where);
         } catch (const UsageError &error) {
             throw UsageError(where + error.what());
         }
@@ -89,6 +95,55 @@ Scenario Scenario::parse(std::istream &text, const std::string &name)
     std::stable_sort(scenario.lines_.begin(), scenario.lines_.end(),
                      [](const Line &one, const Line &other) { return one.at < other.at; });
     return scenario;
+}
+
+Scenario Scenario::fromSteps(const TextWords &lines)
+{
+    Scenario scenario;
+    scenario.inSteps_ = true;
+    for (std::size_t number = 0; number < lines.size(); ++number) {
+        const std::string where = "--steps:" + std::to_string(number + 1) + ": ";
+        try {
+            scenario.add(splitWords(withoutComment(lines[number])), "", where);
+        } catch (const UsageError &error) {
+            throw UsageError(where + error.what());
+        }
+    }
+    return scenario;
+}
+
+void Scenario::add(TextWords words, const std::string &name, const std::string &where)
+{
+    if (words.empty())
+        return;
+    if (words == TextWords{"steps"}) {
+        if (inSteps_)
+            throw UsageError("\"steps\" stands there twice; allowed is once");
+        inSteps_ = true;
+    } else if (words[0] == "at" && words.size() > 1 && words[1] == "end") {
+        words.erase(words.begin(), words.begin() + 2);
+        Command command = commandFor(words, name, commandRows());
+        if (!isCommand(command, "expect"))
+            throw UsageError("allowed is at end expect CONDITION");
+        steps_.atEnd.push_back({std::move(command), where});
+    } else if (words[0] == "at") {
+        if (inSteps_)
+            throw UsageError("steps have no times; allowed are lines with `at` above the line `steps`, and pause TIME");
+        const Nanoseconds at = durationFrom(words.size() > 1 ? words[1] : "");
+        words.erase(words.begin(), words.begin() + 2);
+        lines_.push_back({at, timedCommandFor(words, name), where});
+    } else if (inSteps_) {
+        addStep(words, name, where);
+    } else {
+        lines_.push_back({std::nullopt, timedCommandFor(words, name), where});
+    }
+}
+
+void Scenario::addStep(const TextWords &words, const std::string &name, const std::string &where)
+{
+    if (!steps_.inOrder.empty() && isCommand(steps_.inOrder.back().command, "stop"))
+        throw UsageError("behind stop nothing is reached; allowed is at end expect CONDITION");
+    steps_.inOrder.push_back({commandFor(words, name, stepRows()), where});
 }
 
 void Scenario::check(const std::vector<BoardOptions> &options, const cabinet::Cabinet &cabinet) const
@@ -102,6 +157,15 @@ void Scenario::check(const std::vector<BoardOptions> &options, const cabinet::Ca
             (void)line.command.carryOut(session);
         } catch (const std::exception &error) {
             throw UsageError(line.where + error.what());
+        }
+    }
+    for (const std::vector<Step> *list : {&steps_.inOrder, &steps_.atEnd}) {
+        for (const Step &step : *list) {
+            try {
+                tryStep(step, session);
+            } catch (const std::exception &error) {
+                throw UsageError(step.where + error.what());
+            }
         }
     }
 }

@@ -1,10 +1,13 @@
 // A script of commands: one a line, `#` begins a comment, `at 1.5s` before a command says when, counted from the start
-// of the program. A line without `at` is carried out before the program starts, wherever it stands in the file.
+// of the program. A line without `at` is carried out before the program starts, wherever it stands above a line
+// `steps`. What stands below that is done one after the other while the program runs (steps.h). `at end expect ...`
+// looks at the boards as the program left them, wherever it stands.
 #ifndef SORVANE_SIM_LANGUAGE_SCENARIO_H
 #define SORVANE_SIM_LANGUAGE_SCENARIO_H
 
 #include "sim/language/board_options.h"
 #include "sim/language/commands.h"
+#include "sim/language/steps.h"
 
 #include <atomic>
 #include <iosfwd>
@@ -19,6 +22,10 @@ public:
     /// Throws UsageError with the file's name and the line.
     static Scenario read(const std::string &file);
     static Scenario parse(std::istream &text, const std::string &name);
+    /// Each line a step.
+    static Scenario fromSteps(const TextWords &lines);
+
+    const Steps &steps() const { return steps_; }
 
     /// Throws UsageError, as read() does, for what these boards could not carry out; tries it on others like them.
     void check(const std::vector<BoardOptions> &options, const cabinet::Cabinet &cabinet) const;
@@ -40,8 +47,12 @@ private:
     };
 
     static void carryOut(const Line &line, Session &session);
+    void add(TextWords words, const std::string &name, const std::string &where);
+    void addStep(const TextWords &words, const std::string &name, const std::string &where);
 
     std::vector<Line> lines_;
+    Steps steps_;
+    bool inSteps_ = false;  // while it is read
 };
 
 }  // namespace sim

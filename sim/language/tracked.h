@@ -45,7 +45,7 @@ private:
     std::uint64_t meter(const Bytes &bytes) const;
     void put(const journal::Event &event, const std::string &from, Bytes &bytes) const;
 
-    const ConditionReading &condition_;
+    ConditionReading condition_;
     std::string name_;
     journal::Kind kind_ = journal::Kind::Plugged;
     journal::Aspect aspect_ = journal::Aspect::None;

@@ -7,6 +7,9 @@
 namespace sim
 {
 
+/// How long a wait waits unless it is told.
+constexpr Nanoseconds usualWait = std::chrono::seconds(5);
+
 /// A point between two events of a board.
 struct Point {
     std::uint64_t number = 0;  ///< of the last event before it

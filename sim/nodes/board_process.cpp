@@ -42,10 +42,16 @@ MountedDevices BoardService::receiveDevices()
     }
 }
 
-void BoardService::waitForEnd()
+std::optional<OwnedFd> BoardService::waitForStart()
 {
-    while (channel_.receive()) {
-    }
+    std::optional<Channel::Message> message = channel_.receive();
+    return message ? std::optional(std::move(message->descriptor)) : std::nullopt;
+}
+
+void BoardService::tellVerdict(const std::string &verdict)
+{
+    if (channel_.send(verdict))
+        (void)channel_.receive();
 }
 
 void BoardService::leave()
@@ -72,6 +78,15 @@ void BoardProcess::serve(MountedDevices devices)
         throw std::runtime_error("the process that serves the boards has ended");
     if (answer->text != "ready")
         throw std::runtime_error(answer->text);
+}
+
+std::optional<std::string> BoardProcess::judge()
+{
+    Channel &channel = process_.channel();
+    if (!channel.send("ended"))
+        return std::nullopt;
+    std::optional<Channel::Message> answer = channel.receive();
+    return answer ? std::optional(answer->text) : std::nullopt;
 }
 
 }  // namespace sim

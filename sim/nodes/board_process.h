@@ -20,9 +20,13 @@ public:
     /// The boards answer from now on.
     void ready() { channel_.send("ready"); }
     void failed(const std::string &reason) { channel_.send(reason); }
-    /// True when the program is about to start, false when the run has ended, however it did.
-    bool waitForStart() { return channel_.receive().has_value(); }
-    void waitForEnd();
+    /// When the program is about to start, its process as a descriptor, which is empty where there is none; nothing
+    /// when the run has ended, however it did.
+    std::optional<OwnedFd> waitForStart();
+    /// Until the program has ended, or the run has.
+    void waitForEnd() { (void)channel_.receive(); }
+    /// What has come out of it, for judge(); waits until it was taken.
+    void tellVerdict(const std::string &verdict);
     /// Ends the process as it stands: the threads of the file systems end with it, and whoever could unmount them waits
     /// for its end.
     [[noreturn]] void leave();
@@ -44,6 +48,8 @@ public:
     /// Hands the devices over and waits until they answer.
     void serve(MountedDevices devices);
     void programStarts() { process_.channel().send("start"); }
+    /// When the program has ended: what the serving process says to it; nothing when that has ended, too.
+    std::optional<std::string> judge();
 
 private:
     ChildProcess process_;

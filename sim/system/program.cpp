@@ -9,6 +9,7 @@
 #include <cstring>
 #include <sstream>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 
 namespace sim
@@ -94,8 +95,10 @@ int runProgram(const std::vector<std::string> &words, Supervision supervision)
     closeAllBut({program.channel().fd(), supervision.groupMember.channel(), processes.channel(),
                  supervision.boards ? supervision.boards->channel().fd() : -1, supervision.watched});
     passOnEarlySignals(program.id(), supervision.groupMember);
+    // Whoever serves the boards may end the program, and no other that gets its number afterwards.
+    const OwnedFd process(static_cast<int>(::syscall(SYS_pidfd_open, program.id(), 0)));
     if (supervision.boards)
-        supervision.boards->channel().send("start");
+        supervision.boards->channel().send("start", process.get());
     program.channel().send("start");
     program.channel().close();
     // A pipe of the caller ends when the program lets go of it.

@@ -1,7 +1,8 @@
-// The language of scenarios and of `ctl`, and the words of --board: whatever is written, it is carried out or refused
-// with a UsageError.
+// The language of scenarios, their steps and of `ctl`, conditions, the words of --board and the requests to a run:
+// whatever is written, it is carried out or refused with a UsageError.
 #include "sim/control/protocol.h"
 #include "sim/language/scenario.h"
+#include "sim/language/watch.h"
 #include "tests/fuzz/fuzz_input.h"
 
 #include <sstream>
@@ -30,6 +31,43 @@ void tryScenario(const std::string &text)
     }
 }
 
+// Judged as things happen and looking back it is the same.
+void tryCondition(const std::string &text)
+{
+    const cabinet::Cabinet machine = cabinet::Cabinet::parse(
+        "version = 1\n[[board]]\nmodel = 'R35'\ndevice = 0\nfirmware = 'running'\nhoppers = { coins = { input = 5, "
+        "stock = 3 } }\nmeters = { total = { address = 8, bytes = 3, order = 'big' } }\ninputs = { door = { number = "
+        "4, "
+        "active = 'low' } }\n",
+        "machine");
+    sim::WordStream words({text});
+    sim::ConditionReading condition = sim::ConditionReading::parse(words);
+    words.end();
+    sim::ManualClock clock;
+    sim::VirtualBoard board(sim::Model::R35, clock);
+    board.firmwareRunning().hopper(5, 3);
+    (void)condition.reading.deviceIn(machine, 0);
+    condition.reading.resolve(machine, 0);
+    const sim::Point start = pointNow(board);
+    sim::Watch live(condition, board, start);
+    bool held = false;
+    const auto pass = [&](std::chrono::milliseconds time) {
+        clock.advance(time);
+        held = live.look(board);
+        (void)live.nextMoment(board);
+    };
+    const std::initializer_list<unsigned char> flash{0x06, 0x10, 0, 0, 0}, pay{5, 0, 1, 37, 0, 2, 0, 0};
+    board.inputs().pulse(4, 2);
+    pass(std::chrono::milliseconds(30));
+    board.exchange(83, 1, std::data(flash), flash.size());
+    board.exchange(112, 1, std::data(pay), pay.size());
+    pass(std::chrono::milliseconds(700));
+    board.powerCycle();
+    pass(std::chrono::milliseconds(500));
+    fuzz::require(sim::Watch(condition, board, start).look(board) == held, "looking back tells the same");
+    fuzz::require(!live.situation(board, {}).empty(), "there is something to tell");
+}
+
 void tryBoardOptions(const std::string &text)
 {
     std::istringstream lines(text);
@@ -54,7 +92,8 @@ void tryRequest(const std::string &line)
 
 }  // namespace
 
-/// The first character chooses: '=' for the words of --board, '{' for a request to a run, anything else for a scenario.
+/// The first character chooses: '=' for the words of --board, '?' for a condition, '{' for a request to a run, anything
+/// else for a scenario.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const std::string text(reinterpret_cast<const char *>(data), size);
@@ -63,6 +102,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
             tryBoardOptions(text.substr(1));
         else if (!text.empty() && text[0] == '{')
             tryRequest(text);
+        else if (!text.empty() && text[0] == '?')
+            tryCondition(text.substr(1));
         else
             tryScenario(text);
     } catch (const sim::UsageError &error) {
