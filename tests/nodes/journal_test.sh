@@ -12,9 +12,9 @@ machine=(--cabinet "$folder/machine.toml")
 run=$("$sim" serve --background "${machine[@]}")
 "$sim" ctl events --follow >"$folder/followed" &
 follower=$!
-"$sim" ctl coin coin_1
 "$sim" ctl hopper main_hopper jam
-check "ctl events" "running off stock empty in on jammed" "$("$sim" ctl events | sed 's/.* = .*/stock/; s/.* //' | head -7 | xargs)"
+"$sim" ctl coin coin_1
+check "ctl events" "running off stock empty jammed in on" "$("$sim" ctl events | sed 's/.* = .*/stock/; s/.* //' | head -7 | xargs)"
 check "ctl events --since --kind" 1 "$("$sim" ctl events --since 4 --kind hopper | wc -l)"
 contains "ctl events --part" "coin coin_1 (2) in" "$("$sim" ctl events --part coin_1)"
 "$sim" ctl events --json >"$folder/events.jsonl"
