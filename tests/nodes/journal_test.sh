@@ -55,8 +55,11 @@ check "a record of a killed program" 5 "$(wc -l <"$folder/killed.jsonl")"
 output=$("$sim" run --record "$folder/none/such" "${machine[@]}" -- sh -c 'echo started' 2>&1)
 check "a record that cannot be" 125 $?
 contains "a record that cannot be" "No such file" "$output"
-output=$("$sim" run --how preload --summary "${machine[@]}" -- sh -c "$client </dev/null; true" 2>&1)
-contains "a summary of several processes" "of one process" "$output"
+# A build has the library of its own width, and the machine's shell is a 64-bit program.
+if [ "$width" = 64 ]; then
+    output=$("$sim" run --how preload --summary "${machine[@]}" -- sh -c "$client </dev/null; true" 2>&1)
+    contains "a summary of several processes" "of one process" "$output"
+fi
 
 # Every line is as the schema says.
 /usr/bin/python3 - "$root/docs/journal.schema.json" "$folder"/*.jsonl <<'PYTHON'

@@ -16,13 +16,14 @@ play() { # STATUS TOLD ORDERS STEP...
     for step; do
         steps+=(--steps "$step")
     done
-    for how in node preload; do
+    for how in $ways; do
         output=$(eval "$orders" | "$sim" run --how $how --grace 200ms --board 0=R35,firmware=running "${steps[@]}" \
             -- $program 2>&1)
         check "$how: $*" "$expected" $?
         contains "$how: $*" "$told" "$output"
     done
 }
+ways="node preload"
 program=$client
 play 0 "ok 0" 'echo "$lamp"' "wait output 13 on" "wait output 13 off"
 play 0 "ok 0" 'echo "$lamp"' "wait operation ModifyOutputs" "at end expect output 13 off" "never output 14 lit"
@@ -32,12 +33,14 @@ play 123 '--steps:1: "output 13 lit" has held' 'sleep 0.3; echo "$lamp"; sleep 1
 play 123 '--steps:2: at the end "output 13 on" does not hold' 'echo "$lamp"' "wait plugged" "at end expect output 13 on"
 play 123 '--steps:2: the program ended before it was reached' 'echo "$lamp"' "wait plugged" "pause 20s"
 play 0 "" 'sleep 1' "unplug" "never output 13 off" "pause 50ms" "stop"
-play 0 "" 'sleep 20' "stop"
+play 0 "" 'sleep 1' "stop"
+# A build has the library of its own width, and the machine's programs have 64 bits.
+[ "$width" = 64 ] || ways=node
 program=false
 play 1 "" true "wait plugged"
 program="sh $folder/deaf"
 echo 'trap "" TERM; while :; do sleep 0.1; done' >"$folder/deaf"
-for how in node preload; do
+for how in $ways; do
     "$sim" run --how $how --grace 200ms --board 0=R35 --steps stop -- $program 2>/dev/null
     check "a program that does not end, $how" 0 $?
 done
