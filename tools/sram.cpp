@@ -66,7 +66,7 @@ void writeAll(Board &board, const Range &range, std::string_view bytes)
         try {
             done += writeSRAMChunk(board, range.address + done, bytes.substr(done));
         } catch (const Refusal &refusal) {
-            throw Refusal(std::string(refusal.what()) + " Before, " + std::to_string(done) + " of " +
+            throw Refusal(std::string(refusal.what()) + "; before, " + std::to_string(done) + " of " +
                               std::to_string(bytes.size()) + " bytes were written",
                           refusal.advice(), refusal.code());
         }
