@@ -1,6 +1,6 @@
 // What the board tells of its battery and its clock's failures. The board resets the flags when they are read.
 #include "tools/gate.h"
-#include "tools/print.h"
+#include "tools/taking.h"
 
 #include <CLI/CLI.hpp>
 
@@ -15,28 +15,29 @@ struct BatteryOptions {
     Consent consent;
 };
 
-int battery(const BatteryOptions &options, const Settings &settings)
+void sayReport(const Json &report)
 {
-    Board board(settings, options.board);
-    board.needFirmware();
-    options.consent.obtain(board, "read and so reset the battery and clock flags");
-    Json report = {{"board", board.device()}};
-    report["battery_fail_flag"] = board.ask("ReadAndResetBatteryFailFlag").number("flag");
-    if (board.has("ReadAndResetRTCFailure")) {
-        report["clock_failure_flag"] = board.ask("ReadAndResetRTCFailure").number("flag");
-        report["clock_at_battery_failure"] = board.ask("ReadClockAtBatteryFailure").number("time");
-    }
-    if (settings.json) {
-        print(report);
-        return 0;
-    }
     for (const auto &[key, value] : report.items()) {
         std::string label = key;
         std::replace(label.begin(), label.end(), '_', ' ');
         if (key != "board")
             say("%s: %u\n", label.c_str(), value.get<std::uint32_t>());
     }
-    return 0;
+}
+
+int battery(const BatteryOptions &options, const Settings &settings)
+{
+    Board board(settings, options.board);
+    board.needFirmware();
+    options.consent.obtain(board, "read and so reset the battery and clock flags");
+    const auto take = [&board](Json &report) {
+        report["battery_fail_flag"] = board.ask("ReadAndResetBatteryFailFlag").number("flag");
+        if (board.has("ReadAndResetRTCFailure")) {
+            report["clock_failure_flag"] = board.ask("ReadAndResetRTCFailure").number("flag");
+            report["clock_at_battery_failure"] = board.ask("ReadClockAtBatteryFailure").number("time");
+        }
+    };
+    return takeAndTell(board, settings, take, sayReport);
 }
 
 }  // namespace

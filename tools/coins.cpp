@@ -28,13 +28,19 @@ class InputCheck
 public:
     InputCheck(Board &board, unsigned int input) : board_(board), input_(input)
     {
-        board_.ask("BeginPulsedInputCheck", {{"input", input_}});
+        const protocol::Decoded begun = board_.tryToAsk("BeginPulsedInputCheck", {{"input", input_}});
+        if (begun.outcome == protocol::Outcome::Failed)
+            end();  // it may have begun all the same
+        if (begun.outcome != protocol::Outcome::Success)
+            refuse("having " + board_.title() + " count", begun.status);
     }
-    ~InputCheck() { board_.tryToAsk("EndPulsedInputCheck", {{"input", input_}}); }
+    ~InputCheck() { end(); }
     InputCheck(const InputCheck &) = delete;
     InputCheck &operator=(const InputCheck &) = delete;
 
 private:
+    void end() { board_.tryToAsk("EndPulsedInputCheck", {{"input", input_}}); }
+
     Board &board_;
     unsigned int input_;
 };

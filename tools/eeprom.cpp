@@ -45,7 +45,8 @@ void inChunks(Opening &opening, OpenedBoard &opened, std::string &bytes, const s
             throw Refusal(what + " was stopped after " + std::to_string(done) + " of " + std::to_string(bytes.size()) +
                           " bytes");
         const auto length = static_cast<unsigned int>(std::min(chunkBytes, bytes.size() - done));
-        check(opened, transfer(static_cast<unsigned int>(firstAddress + done), data + done, length), what);
+        check(opened, transfer(static_cast<unsigned int>(firstAddress + done), data + done, length),
+              what + " after " + std::to_string(done) + " of " + std::to_string(bytes.size()) + " bytes");
         done += length;
     }
 }
@@ -76,7 +77,7 @@ void needLength(const std::string &file, std::size_t length, unsigned int reacha
     if (length == reachable)
         return;
     throw Refusal(file + " has " + std::to_string(length) + " bytes, but of a " + chipName(reachable + firstAddress) +
-                      ", which is configured, " + std::to_string(reachable) + " can be reached",
+                      ", " + std::to_string(reachable) + " can be reached",
                   "Try: --chip NAME where the chip is another; a blank one is taken for a smaller one of its family");
 }
 
@@ -103,15 +104,26 @@ void detect(EEPROMOptions &options, Board &board, OpenedBoard &opened, const Set
             board.title().c_str(), chipName(found.maxAddress), found.maxAddress);
 }
 
+/// What is to be written or compared. Looked at before anything is configured.
+std::string wantedBytes(const EEPROMOptions &options)
+{
+    if (options.action != "restore" && options.action != "verify")
+        return "";
+    std::string bytes = readFile(options.file);
+    if (!options.chip.empty())
+        needLength(options.file, bytes.size(),
+                   sim::findEEPROMChip(options.chip)->description.maxAddress - firstAddress);
+    return bytes;
+}
+
 /// Returns the number of bytes.
-std::size_t transfer(EEPROMOptions &options, OpenedBoard &opened)
+std::size_t transfer(EEPROMOptions &options, OpenedBoard &opened, std::string bytes)
 {
     const unsigned int reachable = reachableBytes(options, opened);
     if (options.action == "dump") {
         writeFile(options.file, readAll(options, opened, reachable));
         return reachable;
     }
-    std::string bytes = readFile(options.file);
     needLength(options.file, bytes.size(), reachable);
     if (options.action == "restore")
         inChunks(options.opening, opened, bytes, "writing the EEPROM",
@@ -136,6 +148,7 @@ int eeprom(EEPROMOptions &options, const Settings &settings)
     if (options.file.empty() != (options.action == "detect"))
         throw UsageError(options.action + (options.file.empty() ? " needs a FILE" : " takes no FILE"));
     Board board(settings, options.board);
+    const std::string wanted = wantedBytes(options);
     if (options.action == "restore" || options.action == "detect" || !options.chip.empty())
         options.consent.obtain(board, actionOf(options));
     // Whoever asks for that is asked by it already whether the EEPROM may be configured.
@@ -145,7 +158,7 @@ int eeprom(EEPROMOptions &options, const Settings &settings)
         detect(options, board, opened, settings);
         return 0;
     }
-    const std::size_t bytes = transfer(options, opened);
+    const std::size_t bytes = transfer(options, opened, wanted);
     if (settings.json)
         print({{"board", board.device()},
                {"action", options.action},

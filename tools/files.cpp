@@ -6,11 +6,14 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
 namespace tools
 {
+
+namespace fs = std::filesystem;
 
 std::string readFile(const std::string &path)
 {
@@ -25,13 +28,20 @@ std::string readFile(const std::string &path)
 
 void writeFile(const std::string &path, std::string_view bytes)
 {
-    const std::string part = path + ".part";
-    std::ofstream file(part, std::ios::binary);
+    // A device or a pipe stays what it is, and a link leads where it led.
+    std::error_code unknown;
+    const fs::file_status status = fs::status(path, unknown);
+    const bool inPlace = fs::exists(status) && !fs::is_regular_file(status);
+    const fs::path canonical = fs::weakly_canonical(path, unknown);
+    const std::string whole = unknown ? path : canonical.string();
+    const std::string written = inPlace ? path : whole + ".part";
+    std::ofstream file(written, std::ios::binary);
     file << bytes;
     file.close();
-    if (!file || std::rename(part.c_str(), path.c_str()) != 0) {
+    if (!file || (!inPlace && std::rename(written.c_str(), whole.c_str()) != 0)) {
         const std::string reason = std::strerror(errno);
-        std::remove(part.c_str());
+        if (!inPlace)
+            std::remove(written.c_str());
         throw Refusal(path + ": it cannot be written: " + reason);
     }
 }

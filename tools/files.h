@@ -10,7 +10,8 @@ namespace tools
 
 /// Both throw Refusal.
 std::string readFile(const std::string &path);
-/// The file is there with all its bytes or, when it fails, as it was before.
+/// The file is there with all its bytes or, when it fails, as it was before. What is no file, as /dev/null, is written
+/// to.
 void writeFile(const std::string &path, std::string_view bytes);
 
 /// Where they first differ, as "at byte 17 (address 25): 00 in the file, FF on the board"; empty: alike.

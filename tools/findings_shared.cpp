@@ -141,6 +141,7 @@ Findings resetIfUnused()
         refuseLiving(arena.setID);
         if (!isUninitialised(arena.setID) && !takeArenaMutex(arena.setID))
             refuseToReset("the shared memory's lock cannot be had; a program may be starting");
+        refuseLiving(arena.setID);  // who joined before the lock was had
     }
     // In this order, as the last program does it: who waits for the lock then starts with neither.
     if (removeSegment(arena.segmentID))

@@ -64,8 +64,16 @@ public:
 
     ~Hopper()
     {
-        if (isReleased_ && isStoppable())
-            board_.tryToAsk("StopHopperCoinRelease", {{"input", input_}});
+        if (!isReleased_ || !isStoppable())
+            return;
+        constexpr int attempts = 5;  // one exchange that fails must not leave it running
+        for (int attempt = 0; attempt < attempts; ++attempt) {
+            if (board_.tryToAsk("StopHopperCoinRelease", {{"input", input_}}).outcome == protocol::Outcome::Success)
+                return;
+            std::this_thread::sleep_for(betweenTwoStates);
+        }
+        std::fprintf(stderr, "sorvane: the hopper on input %u of %s could not be told to stop: IT MAY STILL PAY\n",
+                     input_, board_.path().c_str());
     }
     Hopper(const Hopper &) = delete;
     Hopper &operator=(const Hopper &) = delete;
@@ -172,8 +180,7 @@ int tellEnd(const Payout &payout, const Board &board, const Settings &settings, 
     return payout.stopped ? statusOfFailure : 0;
 }
 
-int pay(Board &board, Hopper &hopper, const cabinet::Place &place, const HopperOptions &options,
-        const Settings &settings)
+int pay(Board &board, const cabinet::Place &place, const HopperOptions &options, const Settings &settings)
 {
     const std::optional<unsigned int> output = options.output ? options.output
                                                : place.part   ? place.part->output
@@ -187,9 +194,10 @@ int pay(Board &board, Hopper &hopper, const cabinet::Place &place, const HopperO
     options.consent.obtain(board, "pay " + std::to_string(*options.count) + " coins out of hopper " + options.part +
                                       " (input " + std::to_string(place.number) + ", output " +
                                       std::to_string(*output) + ")");
-    if (hopper.state().isPaying())
+    if (Hopper(board, place.number).state().isPaying())
         throw Refusal("the hopper pays already", "Try: wait until it has ended, or sorvane hopper ... stop");
-    StopSignals signals({SIGQUIT, SIGTSTP});
+    StopSignals signals({SIGQUIT, SIGTSTP, SIGTTOU});
+    Hopper hopper(board, place.number);  // behind the signals: they stay away until it has been stopped
     const bool byCoins = !hopper.isStoppable();
     const Payout payout =
         byCoins ? payCoinByCoin(hopper, *output, options, signals) : payAtOnce(hopper, *output, options, signals);
@@ -200,9 +208,9 @@ int hopper(const HopperOptions &options, const Settings &settings)
 {
     Board board(settings, options.board);
     const cabinet::Place place = board.part({cabinet::Kind::Hopper}, options.part, lastHopperInput);
-    Hopper hopper(board, place.number);
     if (options.action == "pay")
-        return pay(board, hopper, place, options, settings);
+        return pay(board, place, options, settings);
+    Hopper hopper(board, place.number);
     if (options.action == "stop") {
         options.consent.needNobodyElse(board, "stop hopper " + options.part);  // to be asked would take time
         board.needFirmware();

@@ -75,7 +75,8 @@ int tell(bool asJson, int status, const char *what, const std::string &advice, s
             error["code"] = *code;
         if (!advice.empty())
             error["try"] = advice;
-        std::puts(Json{{"sorvane", 1}, {"error", error}}.dump().c_str());
+        // What was typed may be no UTF-8.
+        std::puts(Json{{"sorvane", 1}, {"error", error}}.dump(-1, ' ', false, Json::error_handler_t::replace).c_str());
         return status;
     }
     std::fflush(stdout);

@@ -20,7 +20,7 @@ struct RawOptions {
     Consent consent;
 };
 
-/// Requests that only look; every other one is asked about.
+/// Requests that only look; every other one is asked about, as are results and counts that the firmware may forget.
 constexpr std::string_view harmless[] = {"FirmwareRuns",
                                          "Get8051Version",
                                          "GetPICVersion",
@@ -32,12 +32,9 @@ constexpr std::string_view harmless[] = {"FirmwareRuns",
                                          "GetReelStatusEx",
                                          "GetParallelHopperStatus",
                                          "GetClock",
-                                         "PulseOutputResult",
                                          "GetRecordingStatus",
-                                         "GetParityErrors",
                                          "ReadSRAM",
                                          "ReadEEPROM",
-                                         "GetSASMessageStatus",
                                          "ReadClockAtBatteryFailure"};
 
 Json jsonOf(const std::vector<protocol::Value> &values)

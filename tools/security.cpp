@@ -1,7 +1,7 @@
 // The security switches: their latched flags, their log, and clearing them. The board forgets what it has told.
 #include "tools/gate.h"
-#include "tools/print.h"
 #include "tools/stop_signals.h"
+#include "tools/taking.h"
 
 #include <CLI/CLI.hpp>
 
@@ -40,18 +40,20 @@ void tellLog(Board &board, Json &report)
 {
     StopSignals signals;
     board.ask("StartSecuritySwitchRead");
-    Json log = Json::array();
-    while (!signals.arrived() && log.size() < mostEntries) {
+    report["log"] = Json::array();
+    while (report["log"].size() < mostEntries) {
+        if (signals.arrived())
+            throw Refusal("reading the switch log of " + board.title() + " was stopped");
         const protocol::Decoded next = board.tryToAsk("NextSecuritySwitchRead");
         if (next.outcome == protocol::Outcome::Failed)
             refuse("reading the switch log of " + board.title(), next.status);
-        report["log_ended_with_status"] = next.status;
-        if (next.outcome == protocol::Outcome::Refused)
-            break;
+        if (next.outcome == protocol::Outcome::Refused) {
+            report["log_ended_with_status"] = next.status;
+            return;
+        }
         const Answer entry(next);
-        log.push_back({{"time", entry.number("time")}, {"switches", entry.numbers("switches")}});
+        report["log"].push_back({{"time", entry.number("time")}, {"switches", entry.numbers("switches")}});
     }
-    report["log"] = log;
 }
 
 void sayReport(const Board &board, const Json &report)
@@ -67,7 +69,10 @@ void sayReport(const Board &board, const Json &report)
         for (const Json &entry : report["log"])
             say("at %u: switches %s\n", entry["time"].get<std::uint32_t>(),
                 namesOf(board, entry["switches"].get<Numbers>()).c_str());
-        say("log: %zu entries, then status %d\n", report["log"].size(), report["log_ended_with_status"].get<int>());
+        const std::string end = report.contains("log_ended_with_status")
+                                    ? ", then status " + report["log_ended_with_status"].dump()
+                                    : "; more may follow";
+        say("log: %zu entries%s\n", report["log"].size(), end.c_str());
     }
     if (report.contains("cleared"))
         say("security switches of %s: cleared\n", board.title().c_str());
@@ -81,20 +86,17 @@ int security(const SecurityOptions &options, const Settings &settings)
                                       ? "clear the security switches"
                                       : "read and so reset the security switches' " +
                                             (options.action == "all" ? "flags and log" : options.action));
-    Json report = {{"board", board.device()}};
-    if (options.action == "flags" || options.action == "all")
-        tellFlags(board, report);
-    if (options.action == "log" || options.action == "all")
-        tellLog(board, report);
-    if (options.action == "clear") {
-        board.ask("ClearSecuritySwitches");
-        report["cleared"] = true;
-    }
-    if (settings.json)
-        print(report);
-    else
-        sayReport(board, report);
-    return 0;
+    const auto take = [&](Json &report) {
+        if (options.action == "flags" || options.action == "all")
+            tellFlags(board, report);
+        if (options.action == "log" || options.action == "all")
+            tellLog(board, report);
+        if (options.action == "clear") {
+            board.ask("ClearSecuritySwitches");
+            report["cleared"] = true;
+        }
+    };
+    return takeAndTell(board, settings, take, [&](const Json &report) { sayReport(board, report); });
 }
 
 }  // namespace

@@ -121,8 +121,10 @@ public:
     }
     void giveBack()
     {
-        if (!std::exchange(returned_, true))
-            writeSRAM(board_, address_, bytes_);
+        if (returned_)
+            return;
+        writeSRAM(board_, address_, bytes_);
+        returned_ = true;  // what fails is tried once more at the end, and told
     }
     const std::string &bytes() const { return bytes_; }
     Borrowed(const Borrowed &) = delete;
@@ -153,7 +155,8 @@ Verdict testSRAM(Bench &bench)
     }
     borrowed.giveBack();
     if (readSRAM(bench.board, address, patternBytes) != borrowed.bytes())
-        return failed("what was at address " + std::to_string(address) + " could not be put back");
+        return failed("what was at address " + std::to_string(address) +
+                      " could not be put back: " + hexadecimal(borrowed.bytes()));
     return passed("a pattern at address " + std::to_string(address) + " reads back, and was taken away again");
 }
 

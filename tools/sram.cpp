@@ -63,7 +63,13 @@ void writeAll(Board &board, const Range &range, std::string_view bytes)
     for (std::size_t done = 0; done < bytes.size(); progress.at(done)) {
         if (signals.arrived())
             refuseHalf("writing", done, bytes.size());
-        done += writeSRAMChunk(board, range.address + done, bytes.substr(done));
+        try {
+            done += writeSRAMChunk(board, range.address + done, bytes.substr(done));
+        } catch (const Refusal &refusal) {
+            throw Refusal(std::string(refusal.what()) + "; before, " + std::to_string(done) + " of " +
+                              std::to_string(bytes.size()) + " bytes were written",
+                          refusal.advice(), refusal.code());
+        }
     }
 }
 

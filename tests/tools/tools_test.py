@@ -212,6 +212,15 @@ class Tools(unittest.TestCase):
         self.assertEqual(100, len(stopped))
         self.assertGreater(sum(stopped), 50, "most of them came while it paid")
 
+    def test_a_payout_whose_exchanges_fail_is_stopped(self):
+        program = begin("hopper", 4, 5, "pay", 1000, "--output", 37, "--yes")
+        while state(4)["hoppers"][0]["status"] != 4:
+            time.sleep(0.01)
+        for request, count in (124, 2), (113, 1):
+            ctl("--board", 4, "fail", "ioctl", "count", count, "request", request)
+        self.assertIn("code 6", program.communicate(timeout=10)[0])
+        self.assertNotEqual(4, state(4)["hoppers"][0]["status"])
+
     def test_looking_changes_nothing(self):
         # A killed program leaves its registration and, as nobody else is there, the memory: whoever joins and leaves
         # takes the memory away.
