@@ -49,7 +49,8 @@ public:
 /// Throws FormatError when the line is no such line, or its version is none that this reader knows.
 Header headerFrom(std::string_view line);
 
-/// Nothing for a kind that this reader does not know, and for a line that tells of events that are not there. Throws FormatError for a line that is none.
+/// Nothing for a kind that this reader does not know, and for a line that tells of events that are not there. Throws
+/// FormatError for a line that is none.
 std::optional<Event> eventFrom(std::string_view line);
 
 }  // namespace journal
