@@ -109,10 +109,7 @@ TEST_P(AcceptorScenario, ASilentAcceptorIsNoticedAfterTheHostTimeout)
 TEST_P(PollingScenario, EmptyPartsEndAMessageOnlyWhereTheyComeInARow)
 {
     constexpr unsigned int half = 20000;  // of 32768
-    const auto comeEmpty = [this](unsigned int parts) {
-        for (unsigned int part = 0; part < parts; ++part)
-            board.answerNext({0, 1});
-    };
+    const auto comeEmpty = [this](unsigned int parts) { board.faults().add(sim::Fault::answer({0, 1}).times(parts)); };
     const std::uint64_t before = board.exchangeCount();
     comeEmpty(half);
     board.answerNext({0, 1, 0x55});
