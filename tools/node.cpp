@@ -2,6 +2,7 @@
 
 #include "api/sorvaneusb.h"
 #include "tools/failure.h"
+#include "tools/trace/driver_protocol.h"
 
 #include <cerrno>
 #include <cstdint>
@@ -22,8 +23,6 @@ struct Packet {
     std::uint32_t sendPipe, receivePipe, sendLength, receiveLength;
     unsigned char data[512];
 };
-constexpr unsigned long packetNumber = 0xc2108100;
-constexpr std::uint32_t answerHeader = 2;
 constexpr std::uint32_t longestPacketAnswer = 64;
 
 // What the driver of the others takes, in the layout of the calling process.
@@ -36,7 +35,6 @@ struct Record {
     unsigned long *inLength;
     unsigned char request;
 };
-constexpr unsigned long recordNumber = 0x8400;
 
 Reply failed(int code)
 {
@@ -117,15 +115,17 @@ Reply Node::exchangePacket(unsigned char request, int pipe, std::span<const unsi
     packet.receiveLength = longestPacketAnswer;
     packet.data[0] = request;
     std::copy(payload.begin(), payload.end(), packet.data + 1);
-    if (::ioctl(fd_, packetNumber, &packet) != 0)
+    if (::ioctl(fd_, driver_protocol::packetRequest, &packet) != 0)
         return failed(usbErrorTransfer);
-    if (packet.receiveLength < answerHeader || packet.receiveLength > longestPacketAnswer)
+    if (packet.receiveLength < driver_protocol::answerHeader || packet.receiveLength > longestPacketAnswer)
         return failed(usbErrorLength);
     if (packet.data[0] != request)
         return failed(usbErrorTransfer);
     if (packet.data[1] != 0)
         return {protocol::Outcome::Refused, static_cast<signed char>(packet.data[1]), {}};
-    return {protocol::Outcome::Success, 0, {packet.data + answerHeader, packet.data + packet.receiveLength}};
+    return {protocol::Outcome::Success,
+            0,
+            {packet.data + driver_protocol::answerHeader, packet.data + packet.receiveLength}};
 }
 
 Reply Node::exchangeRecord(unsigned char request, int pipe, std::span<const unsigned char> payload) const
@@ -135,7 +135,7 @@ Reply Node::exchangeRecord(unsigned char request, int pipe, std::span<const unsi
     std::int32_t status = 0;
     Record record = {
         &status, static_cast<std::uint32_t>(pipe) - 1, payload.data(), payload.size(), answer.data(), &count, request};
-    if (::ioctl(fd_, recordNumber, &record) != 0)
+    if (::ioctl(fd_, driver_protocol::recordRequest, &record) != 0)
         return failed(usbErrorTransfer);
     if (status != 0)
         return {protocol::Outcome::Refused, status, {}};

@@ -1,5 +1,7 @@
 #include "tools/trace/driver_call.h"
 
+#include "tools/trace/driver_protocol.h"
+
 #include <array>
 #include <cerrno>
 #include <cstddef>
@@ -17,8 +19,8 @@ namespace trace
 namespace
 {
 
-constexpr std::uint32_t packetRequest = 0xc2108100;
-constexpr std::uint32_t recordRequest = 0x8400;
+using driver_protocol::packetRequest;
+using driver_protocol::recordRequest;
 
 // `ioctl` in the tables of system calls. x32, 32-bit addresses in a 64-bit kernel's own calls, counts from a bit on.
 constexpr std::uint32_t narrowIoctl = 54;

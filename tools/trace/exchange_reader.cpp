@@ -1,5 +1,6 @@
 #include "tools/trace/exchange_reader.h"
 
+#include "tools/trace/driver_protocol.h"
 #include "tools/trace/program_memory.h"
 
 #include <algorithm>
@@ -23,7 +24,7 @@ constexpr std::size_t sentPlace = 8;
 constexpr std::size_t receivedPlace = 12;
 constexpr std::size_t dataPlace = 16;
 constexpr std::size_t dataSize = packetSize - dataPlace;
-constexpr std::size_t answerHeader = 2;  // the request's echo and the status
+using driver_protocol::answerHeader;
 
 constexpr std::size_t longestRecord = 56;
 constexpr std::uint64_t longestTransfer = 65536;
