@@ -1,6 +1,6 @@
 # sorvane-sim is the same 64-bit program in builds of both widths, so each installs it; the library that it preloads comes
 # in the build's own width.
-install(TARGETS sorvane-sim DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(PROGRAMS $<TARGET_FILE:sorvane-sim> DESTINATION ${CMAKE_INSTALL_BINDIR})
 # Debian's Python looks there under /usr.
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/python/sorvane_sim DESTINATION lib/python3/dist-packages
     FILES_MATCHING PATTERN "*.py" PATTERN py.typed PATTERN __pycache__ EXCLUDE)
