@@ -62,8 +62,8 @@ EventReader::Batch EventReader::read()
         batch.lost += events.lostSince(readUpTo);
         readUpTo += events.lostSince(readUpTo);
         const std::uint64_t end = std::min(events.last(), readUpTo + largestBatch);
-        while (readUpTo < end)
-            batch.events.push_back(events.at(++readUpTo));
+        for (; readUpTo < end; ++readUpTo)
+            batch.events.push_back(events.at(readUpTo + 1));
     }
     std::stable_sort(batch.events.begin(), batch.events.end(),
                      [](const journal::Event &one, const journal::Event &other) { return one.time < other.time; });

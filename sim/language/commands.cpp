@@ -146,7 +146,7 @@ std::vector<int> Command::devicesIn(const Session &session) const
 
 std::vector<int> Command::resolve(const Session &session, Reading &reading) const
 {
-    const std::vector<int> devices = devicesIn(session);
+    std::vector<int> devices = devicesIn(session);
     reading = reading_;
     if (devices.size() == 1)
         reading.resolve(session.cabinet, devices[0]);

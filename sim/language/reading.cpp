@@ -128,7 +128,7 @@ Value valueFrom(const Argument &argument, WordStream &words)
 std::string WordStream::peek()
 {
     while (next_ < words_.size()) {
-        const std::string word = words_[next_];
+        std::string word = words_[next_];
         if (word.find_first_of(" \t\n\v\f\r") == std::string::npos)
             return word;
         const TextWords inside = splitWords(word);
