@@ -1,8 +1,10 @@
 // Every board that the machine shows, by what can be learnt without changing anything.
 #include "tools/board_report.h"
+#include "tools/failure.h"
 #include "tools/opening.h"
 
 #include <CLI/CLI.hpp>
+#include <map>
 #include <unistd.h>
 
 namespace tools
@@ -24,29 +26,42 @@ std::vector<int> presentDevices()
 int list(const Opening &opening, const Settings &settings)
 {
     const std::vector<int> present = presentDevices();
+    std::map<int, std::string> refused;
     for (const int device : opening.allowed ? present : std::vector<int>{}) {
-        Board board(settings, std::to_string(device));
-        Opening own;
-        own.allowed = true;
-        own.open(board);
+        try {
+            Board board(settings, std::to_string(device));
+            Opening own;
+            own.allowed = true;
+            own.beside = opening.beside;
+            own.open(board);
+        } catch (const Refusal &refusal) {
+            refused[device] = refusal.what();
+        }
     }
     std::vector<std::string> paths;
     for (const int device : present)
         paths.push_back(pathOf(device));
     const std::vector<Holders> holders = holdersOf(paths);
     Json boards = Json::array();
-    for (std::size_t n = 0; n < present.size(); ++n)
-        boards.push_back(reportOf(settings, present[n], holders[n]));
+    int status = 0;
+    for (std::size_t n = 0; n < present.size(); ++n) {
+        Json board = reportOf(settings, present[n], holders[n]);
+        if (const auto found = refused.find(present[n]); found != refused.end())
+            board.emplace("error", found->second);
+        if (board.contains("error"))
+            status = statusOfFailure;
+        boards.push_back(std::move(board));
+    }
     if (settings.json) {
         print({{"boards", boards}});
-        return 0;
+        return status;
     }
     for (const Json &board : boards)
         sayReport(board);
     if (boards.empty())
         say("There is no board: neither a node /dev/Vexa_<n> nor an entry below /sys/class/Vexa\n"
             "Try: plug one in, or sorvane doctor\n");
-    return 0;
+    return status;
 }
 
 }  // namespace

@@ -93,7 +93,10 @@ int main(int argc, char **argv)
     const bool asJson =
         std::find(argv, argv + argc, std::string("--json")) < std::find(argv, argv + argc, std::string("--"));
     try {
-        return run(argc, argv);
+        const int status = run(argc, argv);
+        if (std::fflush(stdout) != 0 || std::ferror(stdout))
+            return tell(false, statusOfFailure, "what there is to tell could not be written", "", std::nullopt);
+        return status;
     } catch (const UsageError &error) {
         return tell(asJson, statusOfUsageError, error.what(), "", std::nullopt);
     } catch (const cabinet::Error &error) {

@@ -56,6 +56,9 @@ void Opening::addTo(CLI::App &command)
 {
     command.add_flag("--open", allowed,
                      "open the board through the library, even where that loads its firmware or configures its EEPROM");
+    beside = command.get_option_no_throw("--beside");
+    if (!beside)
+        beside = command.add_flag("--beside")->description("load or configure while other processes have it open");
 }
 
 std::string Opening::wouldDo(Board &board)
@@ -74,6 +77,8 @@ OpenedBoard &Opening::open(Board &board)
 {
     refuseStandIn(board);
     const std::string does = wouldDo(board);
+    if (!does.empty() && beside)
+        Consent{true, beside->count() > 0}.needNobodyElse(board, "go through the library, which " + does + ",");
     if (!does.empty() && !allowed) {
         std::string what = "opening " + board.title() + " through the library " + does;
         if (!::isatty(STDIN_FILENO))

@@ -19,7 +19,8 @@ void check(OpenedBoard &opened, int result, const std::string &what);
 class Opening
 {
 public:
-    bool allowed = false;  ///< --open
+    bool allowed = false;                 ///< --open
+    const CLI::Option *beside = nullptr;  ///< --beside, which a Consent may have declared before
 
     void addTo(CLI::App &command);
 
@@ -27,8 +28,8 @@ public:
     /// nothing.
     static std::string wouldDo(Board &board);
 
-    /// Opens it if that does no more than to ask whether the firmware runs, or was allowed, or is answered with yes at
-    /// the terminal. Throws Refusal otherwise.
+    /// Opens it if that does no more than to ask whether the firmware runs; or was allowed, or is answered with yes at
+    /// the terminal, while no other process has the board open or that was allowed. Throws Refusal otherwise.
     OpenedBoard &open(Board &board);
     StopSignals &signals() { return *signals_; }
 

@@ -8,7 +8,8 @@
 namespace tools
 {
 
-/// Signals of the keyboard still come, so that Ctrl-C ends what Ctrl-C always ends.
+/// Ctrl-C and Ctrl-\\ still end the program; Ctrl-Z is a byte like others, since a stopped program would leave the
+/// terminal like this.
 class UnbufferedTerminal
 {
 public:
@@ -17,6 +18,7 @@ public:
         termios now = before_;
         now.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
         now.c_iflag &= ~static_cast<tcflag_t>(ICRNL | IXON);
+        now.c_cc[VSUSP] = _POSIX_VDISABLE;
         if (isTerminal_)
             ::tcsetattr(STDIN_FILENO, TCSANOW, &now);
     }

@@ -142,6 +142,14 @@ class Tools(unittest.TestCase):
             here.write_bytes(first[:100] + bytes([first[100] ^ 1]) + first[101:])
             self.sees(["eeprom", 3, "verify", here, "--open"], 1, "at byte 100 (address 108)")
 
+    def test_what_cannot_be_told_is_no_success(self):
+        with open("/dev/full", "w") as full:
+            done = subprocess.run([SORVANE, "list"], stdout=full, stderr=subprocess.PIPE, text=True)
+        self.assertEqual((1, "sorvane: what there is to tell could not be written\n"), (done.returncode, done.stderr))
+        ctl("--board", 1, "fail", "ioctl", "request", 74)
+        self.sees(["list"], 1, "trouble", "Virtual R35 1.0")
+        ctl("--board", 1, "fail", "off")
+
     def test_what_pays_wants_consent_and_no_other_program(self):
         pay = ["hopper", 0, "5", "pay", "1", "--output", "37"]
         stock = state(0)["hoppers"][0]["stock"]
@@ -150,6 +158,9 @@ class Tools(unittest.TestCase):
             self.sees([*pay, "--yes"], 1, f"open in {os.getpid()} (", "--beside")
             self.assertEqual(stock, state(0)["hoppers"][0]["stock"])
             self.sees([*pay, "--yes", "--beside"], 0)
+        with open("/dev/Vexa_2", "r+b", buffering=0):
+            self.sees(["info", 2, "--open"], 1, "loads the R20s's firmware", f"open in {os.getpid()} (", "--beside")
+        self.assertFalse(state(2)["firmware_running"])
         for answer, left in (b"\n", 1), (b"y\n", 2):
             os.write(OUTSIDE, answer)
             run(*pay, stdin=INSIDE)
