@@ -2,6 +2,12 @@
 #ifndef SORVANE_SHARED_THREAD_SANITIZER_H
 #define SORVANE_SHARED_THREAD_SANITIZER_H
 
+#ifdef __has_feature  // clang's way to ask; gcc defines __SANITIZE_THREAD__
+#if __has_feature(thread_sanitizer)
+#define __SANITIZE_THREAD__ 1
+#endif
+#endif
+
 #ifdef __SANITIZE_THREAD__
 #include <sanitizer/tsan_interface.h>
 
