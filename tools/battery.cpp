@@ -15,7 +15,7 @@ struct BatteryOptions {
     Consent consent;
 };
 
-void sayReport(const Json &report)
+void sayState(const Json &report)
 {
     for (const auto &[key, value] : report.items()) {
         std::string label = key;
@@ -37,7 +37,7 @@ int battery(const BatteryOptions &options, const Settings &settings)
             report["clock_at_battery_failure"] = board.ask("ReadClockAtBatteryFailure").number("time");
         }
     };
-    return takeAndTell(board, settings, take, sayReport);
+    return takeAndTell(board, settings, take, sayState);
 }
 
 }  // namespace

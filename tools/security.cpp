@@ -56,7 +56,7 @@ void tellLog(Board &board, Json &report)
     }
 }
 
-void sayReport(const Board &board, const Json &report)
+void sayLog(const Board &board, const Json &report)
 {
     using Numbers = std::vector<std::uint32_t>;
     for (const char *key : {"flags", "cached_flags"}) {
@@ -96,7 +96,7 @@ int security(const SecurityOptions &options, const Settings &settings)
             report["cleared"] = true;
         }
     };
-    return takeAndTell(board, settings, take, [&](const Json &report) { sayReport(board, report); });
+    return takeAndTell(board, settings, take, [&](const Json &report) { sayLog(board, report); });
 }
 
 }  // namespace
