@@ -238,36 +238,35 @@ TEST_P(CapacityScenario, APolledMessageGoesOnWithTheNextCall)
     EXPECT_EQ(all, whole);
 }
 
-TEST_P(CapacityScenario, ABoardThatPromisesMoreForEverIsGivenUp)
+TEST_P(CapacityScenario, ABoardThatPromisesMoreForEverFillsTheBufferAtMost)
 {
     Guarded buffer;
     unsigned long length = guard;
     unsigned int status = guard;
-    board.answerNext({5, 1, 0x41, 0x42});
-    board.faults().add(sim::Fault::answer({5, 1}).forever());
-    const std::uint64_t before = board.exchangeCount();
-    EXPECT_EQ(errorOf(usb, usb.ReceivePolledMessage(usbSerialPort0, 0, buffer.data(), &length, &status)),
-              usbErrorTransfer);
-    EXPECT_EQ(board.exchangeCount() - before, 1 + 32768U) << "a slow device is waited for";
-    EXPECT_EQ(length, 2U) << "what came before stays";
-    EXPECT_EQ(status, 5U);
-    EXPECT_EQ(errorOf(usb, usb.ReceivePolledMessage(usbSerialPort0, 0, buffer.data(), &length, &status, 1000)),
-              usbErrorTransfer);
-    EXPECT_EQ(length, 0U);
-    EXPECT_TRUE(buffer.holdsOnly({0x41, 0x42}));
-
-    board.faults().clear();
     board.faults().add(sim::Fault::answer({5, 1, 0x43}).forever());
     EXPECT_TRUE(usb.ReceivePolledMessage(usbSerialPort0, 0, buffer.data(), &length, &status, 1000));
-    EXPECT_EQ(length, 1000 - (largest - 2) + 1) << "with data it ends where no whole part fits any more";
+    EXPECT_EQ(length, 1000 - (largest - 2) + 1) << "it ends where no whole part fits any more";
     EXPECT_TRUE(buffer.holdsOnly(sim::Bytes(length, 0x43)));
+}
 
-    board.faults().clear();
-    for (int k = 0; k < 400; ++k)
-        board.answerNext(k == 200 ? sim::Bytes{5, 1, 0x44} : sim::Bytes{5, 1});
-    board.answerNext({5, 0});
-    EXPECT_TRUE(usb.ReceivePolledMessage(usbSerialPort0, 0, buffer.data(), &length, &status))
-        << "only those in a row count";
+TEST(EmptyParts, EndAMessageOnlyWhereTheyComeInARow)
+{
+    constexpr unsigned int most = 32768;
+    OpenBoard open(sim::Model::R35);
+    Guarded buffer;
+    unsigned long length = guard;
+    unsigned int status = guard;
+    const std::uint64_t before = open.board.exchangeCount();
+    open.board.answerNext({4, 1, 0x41, 0x42});
+    open.board.faults().add(sim::Fault::answer({5, 1}).times(most - 1));
+    open.board.answerNext({5, 1, 0x43});
+    open.board.faults().add(sim::Fault::answer({6, 1}).forever());
+    EXPECT_EQ(errorOf(open.usb, open.usb.ReceivePolledMessage(usbSerialPort0, 0, buffer.data(), &length, &status)),
+              usbErrorTransfer);
+    EXPECT_EQ(open.board.exchangeCount() - before, 1 + (most - 1) + 1 + most) << "a slow device is waited for";
+    EXPECT_TRUE(buffer.holdsOnly({0x41, 0x42, 0x43})) << "what came before stays";
+    EXPECT_EQ(length, 3U);
+    EXPECT_EQ(status, 6U);
 }
 
 }  // namespace tests::capacity

@@ -106,19 +106,6 @@ TEST_P(AcceptorScenario, ASilentAcceptorIsNoticedAfterTheHostTimeout)
     EXPECT_EQ(message(usbSerialPort0, 1), noCredit);
 }
 
-TEST_P(PollingScenario, EmptyPartsEndAMessageOnlyWhereTheyComeInARow)
-{
-    constexpr unsigned int half = 20000;  // of 32768
-    const auto comeEmpty = [this](unsigned int parts) { board.faults().add(sim::Fault::answer({0, 1}).times(parts)); };
-    const std::uint64_t before = board.exchangeCount();
-    comeEmpty(half);
-    board.answerNext({0, 1, 0x55});
-    comeEmpty(half);
-    board.answerNext({3, 0, 0x66});
-    EXPECT_EQ(message(usbSerialPort0, 1), "3: 55 66");
-    EXPECT_EQ(board.exchangeCount() - before, 2 * half + 2);
-}
-
 TEST_P(PollingScenario, ADeviceWithALengthByteIsPolledInTurns)
 {
     board.serialPeripheral(1, sim::makePeripheral("polled"));

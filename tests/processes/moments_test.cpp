@@ -162,9 +162,9 @@ const Stretches stretches[] = {
     {"Loading", {{loading, Company::None}, {loading, Company::Survivor}}, 1, 3},
     {"OperationsThatChangeTables",
      {{setBit, Company::Survivor}, {setAll, Company::Survivor}, {configure, Company::Survivor}},
-     5,
+     2,
      10},
-    {"TakingAnItem", {{take, Company::Survivor, Fate::IsKilled, 1}, {take, Company::Survivor}}, 20, 40},
+    {"TakingAnItem", {{take, Company::Survivor, Fate::IsKilled, 1}, {take, Company::Survivor}}, 6, 40},
 };
 INSTANTIATE_TEST_SUITE_P(Of, KilledBetweenInstructions, testing::ValuesIn(stretches),
                          [](const auto &info) { return info.param.what; });
