@@ -6,6 +6,7 @@
 #include "sim/journal/keeper.h"
 #include "sim/language/kept_memories.h"
 #include "sim/language/scenario.h"
+#include "sim/language/step_player.h"
 #include "sim/system/signals.h"
 
 #include <cerrno>

@@ -5,6 +5,7 @@
 #include "sim/control/control_client.h"
 #include "sim/control/control_server.h"
 #include "sim/language/kept_memories.h"
+#include "sim/language/step_player.h"
 #include "sim/nodes/attributes.h"
 #include "sim/nodes/board_process.h"
 #include "sim/nodes/key_files.h"
