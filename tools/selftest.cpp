@@ -102,41 +102,6 @@ Verdict testEEPROM(Bench &bench)
     return passed("the first " + std::to_string(length) + " bytes read twice alike");
 }
 
-/// Bytes of the SRAM that come back, however the test ends.
-class Borrowed
-{
-public:
-    Borrowed(Board &board, std::size_t address, std::size_t length)
-        : board_(board), address_(address), bytes_(readSRAM(board, address, length))
-    {
-    }
-    ~Borrowed()
-    {
-        try {
-            giveBack();
-        } catch (const Refusal &refusal) {
-            std::fprintf(stderr, "sorvane: the SRAM from address %zu could not be put back to %s: %s\n", address_,
-                         hexadecimal(bytes_).c_str(), refusal.what());
-        }
-    }
-    void giveBack()
-    {
-        if (returned_)
-            return;
-        writeSRAM(board_, address_, bytes_);
-        returned_ = true;  // what fails is tried once more at the end, and told
-    }
-    const std::string &bytes() const { return bytes_; }
-    Borrowed(const Borrowed &) = delete;
-    Borrowed &operator=(const Borrowed &) = delete;
-
-private:
-    Board &board_;
-    std::size_t address_;
-    std::string bytes_;
-    bool returned_ = false;
-};
-
 constexpr std::size_t patternBytes = 64;
 
 Verdict testSRAM(Bench &bench)
@@ -144,7 +109,7 @@ Verdict testSRAM(Bench &bench)
     if (!bench.options.sram)
         return notFitted("no spare region was named (--sram ADDRESS)");
     const std::size_t address = *bench.options.sram;
-    Borrowed borrowed(bench.board, address, patternBytes);
+    BorrowedSRAM borrowed(bench.board, address, patternBytes);
     for (const unsigned char seed : {0x55, 0xAA}) {
         std::string pattern(patternBytes, '\0');
         for (std::size_t n = 0; n < pattern.size(); ++n)

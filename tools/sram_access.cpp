@@ -1,8 +1,10 @@
 #include "tools/sram_access.h"
 
 #include "tools/failure.h"
+#include "tools/print.h"
 
 #include <algorithm>
+#include <cstdio>
 
 namespace tools
 {
@@ -86,6 +88,29 @@ void writeSRAM(Board &board, std::size_t address, std::string_view bytes)
 {
     for (std::size_t done = 0; done < bytes.size();)
         done += writeSRAMChunk(board, address + done, bytes.substr(done));
+}
+
+BorrowedSRAM::BorrowedSRAM(Board &board, std::size_t address, std::size_t length)
+    : board_(board), address_(address), bytes_(readSRAM(board, address, length))
+{
+}
+
+BorrowedSRAM::~BorrowedSRAM()
+{
+    try {
+        giveBack();
+    } catch (const Refusal &refusal) {
+        std::fprintf(stderr, "sorvane: the SRAM from address %zu could not be put back to %s: %s\n", address_,
+                     hexadecimal(bytes_).c_str(), refusal.what());
+    }
+}
+
+void BorrowedSRAM::giveBack()
+{
+    if (returned_)
+        return;
+    writeSRAM(board_, address_, bytes_);
+    returned_ = true;  // what fails is tried once more at the end, and told
 }
 
 }  // namespace tools

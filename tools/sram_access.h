@@ -24,6 +24,26 @@ std::size_t writeSRAMChunk(Board &board, std::size_t address, std::string_view b
 std::string readSRAM(Board &board, std::size_t address, std::size_t length);
 void writeSRAM(Board &board, std::size_t address, std::string_view bytes);
 
+/// Bytes of the SRAM that come back, however a test ends.
+class BorrowedSRAM
+{
+public:
+    BorrowedSRAM(Board &board, std::size_t address, std::size_t length);
+    /// Puts back what was not put back before; a failure is told on standard error.
+    ~BorrowedSRAM();
+    BorrowedSRAM(const BorrowedSRAM &) = delete;
+    BorrowedSRAM &operator=(const BorrowedSRAM &) = delete;
+
+    void giveBack();
+    const std::string &bytes() const { return bytes_; }
+
+private:
+    Board &board_;
+    std::size_t address_;
+    std::string bytes_;
+    bool returned_ = false;
+};
+
 }  // namespace tools
 
 #endif
