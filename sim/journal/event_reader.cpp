@@ -62,8 +62,9 @@ EventReader::Batch EventReader::read()
         batch.lost += events.lostSince(readUpTo);
         readUpTo += events.lostSince(readUpTo);
         const std::uint64_t end = std::min(events.last(), readUpTo + largestBatch);
-        for (; readUpTo < end; ++readUpTo)
-            batch.events.push_back(events.at(readUpTo + 1));
+        for (std::uint64_t number = readUpTo + 1; number <= end; ++number)
+            batch.events.push_back(events.at(number));
+        readUpTo = std::max(readUpTo, end);
     }
     std::stable_sort(batch.events.begin(), batch.events.end(),
                      [](const journal::Event &one, const journal::Event &other) { return one.time < other.time; });
