@@ -11,7 +11,7 @@ namespace
 constexpr std::size_t sentKept = 1024;
 constexpr std::size_t largestBatch = 255;
 constexpr unsigned int parityCountLimit = 0xFFFF;
-constexpr Nanoseconds timeoutUnit = std::chrono::milliseconds(30);
+constexpr Nanoseconds receiveTimeoutUnit = std::chrono::milliseconds(30);
 
 unsigned char timestampAt(Nanoseconds time)
 {
@@ -169,7 +169,7 @@ Reply SerialPort::setTimeoutMessage(Payload payload)
     if (payload[1] != payload.size() - 2)
         return refuse(statusWrongLength);
     return perform([this, payload] {
-        timeout_ = payload[0] * timeoutUnit;
+        timeout_ = payload[0] * receiveTimeoutUnit;
         timeoutMessage_.assign(payload.begin() + 2, payload.end());
         restartTimeout();
     });

@@ -10,7 +10,7 @@ namespace
 
 constexpr std::size_t secOverhead = 4;
 
-unsigned char sum(Payload bytes)
+unsigned char checkSumOf(Payload bytes)
 {
     return lowByte(std::accumulate(bytes.begin(), bytes.end(), 0U));
 }
@@ -18,7 +18,7 @@ unsigned char sum(Payload bytes)
 bool isSECFrame(Payload sent)
 {
     return sent.size() >= secOverhead && sent[2] + secOverhead == sent.size() &&
-           sum(sent.first(sent.size() - 1)) == sent.back();
+           checkSumOf(sent.first(sent.size() - 1)) == sent.back();
 }
 
 Bytes secFrame(Payload asked, std::size_t length)
@@ -28,7 +28,7 @@ Bytes secFrame(Payload asked, std::size_t length)
     Bytes frame{asked[0], asked[1], lowByte(static_cast<std::uint32_t>(dataLength))};
     for (std::size_t i = 0; i < dataLength; ++i)
         frame.push_back(data.empty() ? lowByte(static_cast<std::uint32_t>(i)) : data[i % data.size()]);
-    frame.push_back(sum(frame));
+    frame.push_back(checkSumOf(frame));
     return frame;
 }
 
